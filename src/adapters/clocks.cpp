@@ -1,0 +1,13 @@
+#include "adapters/clocks.h"
+
+#include <chrono>
+
+namespace lumenquest::adapters {
+
+platform::NSDate SystemClock::now() {
+  const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+  return platform::NSDate::dateWithTimeIntervalSince1970(
+      std::chrono::duration<double>(sinceEpoch).count());
+}
+
+}  // namespace lumenquest::adapters

@@ -1,0 +1,147 @@
+#include <unicode/decimfmt.h>
+#include <unicode/dtfmtsym.h>
+#include <unicode/dtptngen.h>
+#include <unicode/smpdtfmt.h>
+
+#include <cmath>
+#include <utility>
+
+#include "adapters/icu_services.h"
+#include "ephemeris/assertion.h"
+#include "icu_strings.h"
+#include "icu_time_zone.h"
+
+namespace lumenquest::adapters {
+
+namespace {
+
+using platform::NSDate;
+using platform::NSDateFormatterStyle;
+using platform::NSTimeZone;
+
+icu::DateFormat::EStyle IcuStyle(NSDateFormatterStyle style) {
+  switch (style) {
+    case NSDateFormatterStyle::shortStyle:
+      return icu::DateFormat::kShort;
+    case NSDateFormatterStyle::mediumStyle:
+      return icu::DateFormat::kMedium;
+    case NSDateFormatterStyle::noStyle:
+      break;
+  }
+  return icu::DateFormat::kNone;
+}
+
+class IcuDateFormatter final : public platform::NSDateFormatter {
+ public:
+  IcuDateFormatter(std::string locale, NSTimeZone zone, NSDateFormatterStyle dateStyle,
+                   NSDateFormatterStyle timeStyle)
+      : locale_(std::move(locale)),
+        zone_(std::move(zone)),
+        dateStyle_(dateStyle),
+        timeStyle_(timeStyle) {
+    Rebuild();
+  }
+
+  std::string stringFromDate(NSDate date) override {
+    icu::UnicodeString text;
+    format_->format(date.timeIntervalSince1970() * 1000.0, text);
+    return ToUtf8(text);
+  }
+
+  void setTimeZone(const NSTimeZone& zone) override {
+    if (zone == zone_) return;
+    zone_ = zone;
+    format_->adoptTimeZone(makeIcuTimeZone(zone).release());
+  }
+
+  NSDateFormatterStyle timeStyle() const override { return timeStyle_; }
+
+  void setTimeStyle(NSDateFormatterStyle style) override {
+    timeStyle_ = style;
+    Rebuild();
+  }
+
+  std::string dateFormat() const override {
+    icu::UnicodeString pattern;
+    return ToUtf8(format_->toPattern(pattern));
+  }
+
+  void setDateFormat(const std::string& pattern) override {
+    format_->applyPattern(FromUtf8(pattern));
+  }
+
+  std::string AMSymbol() const override { return DayPeriod(0); }
+  std::string PMSymbol() const override { return DayPeriod(1); }
+
+ private:
+  void Rebuild() {
+    icu::DateFormat* format = icu::DateFormat::createDateTimeInstance(
+        IcuStyle(dateStyle_), IcuStyle(timeStyle_), icu::Locale(locale_.c_str()));
+    format_.reset(dynamic_cast<icu::SimpleDateFormat*>(format));
+    LUMENQUEST_ASSERT(format_ != nullptr);
+    format_->adoptTimeZone(makeIcuTimeZone(zone_).release());
+  }
+
+  std::string DayPeriod(int32_t which) const {
+    int32_t count = 0;
+    const icu::UnicodeString* symbols = format_->getDateFormatSymbols()->getAmPmStrings(count);
+    return which < count ? ToUtf8(symbols[which]) : std::string();
+  }
+
+  std::string locale_;
+  NSTimeZone zone_;
+  NSDateFormatterStyle dateStyle_;
+  NSDateFormatterStyle timeStyle_;
+  std::unique_ptr<icu::SimpleDateFormat> format_;
+};
+
+class IcuNumberFormatter final : public platform::NSNumberFormatter {
+ public:
+  IcuNumberFormatter(const std::string& locale, const platform::NumberStyle& style) {
+    UErrorCode status = U_ZERO_ERROR;
+    format_.reset(icu::NumberFormat::createInstance(icu::Locale(locale.c_str()), status));
+    LUMENQUEST_ASSERT(U_SUCCESS(status));
+    format_->setMinimumIntegerDigits(style.minimumIntegerDigits);
+    format_->setMinimumFractionDigits(style.minimumFractionDigits);
+    format_->setMaximumFractionDigits(style.maximumFractionDigits);
+    format_->setGroupingUsed(style.usesGroupingSeparator);
+  }
+
+  std::string stringFromNumber(double number) override {
+    icu::UnicodeString text;
+    format_->format(number, text);
+    return ToUtf8(text);
+  }
+
+ private:
+  std::unique_ptr<icu::NumberFormat> format_;
+};
+
+}  // namespace
+
+IcuFormatterService::IcuFormatterService(std::string locale,
+                                         std::shared_ptr<platform::TimeZoneService> timeZones)
+    : locale_(std::move(locale)), timeZones_(std::move(timeZones)) {}
+
+std::unique_ptr<platform::NSDateFormatter> IcuFormatterService::dateFormatter(
+    const std::string& locale, NSDateFormatterStyle dateStyle, NSDateFormatterStyle timeStyle) {
+  return std::make_unique<IcuDateFormatter>(locale.empty() ? locale_ : locale,
+                                            timeZones_->localTimeZone(), dateStyle, timeStyle);
+}
+
+std::unique_ptr<platform::NSNumberFormatter> IcuFormatterService::numberFormatter(
+    const std::string& locale, const platform::NumberStyle& style) {
+  return std::make_unique<IcuNumberFormatter>(locale.empty() ? locale_ : locale, style);
+}
+
+std::string IcuFormatterService::dateFormatFromTemplate(const std::string& pattern) {
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::DateTimePatternGenerator> generator(
+      icu::DateTimePatternGenerator::createInstance(icu::Locale(locale_.c_str()), status));
+  LUMENQUEST_ASSERT(U_SUCCESS(status));
+  const icu::UnicodeString best = generator->getBestPattern(FromUtf8(pattern), status);
+  LUMENQUEST_ASSERT(U_SUCCESS(status));
+  return ToUtf8(best);
+}
+
+}  // namespace lumenquest::adapters

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "app/option_values.h"
+#include "events/widget_astrolib.h"
+#include "platform/core_location.h"
+#include "platform/ns_date.h"
+#include "platform/ns_time_zone.h"
+
+namespace lumenquest::app {
+
+struct TodayOptions {
+  OptionText latitude;
+  OptionText longitude;
+  OptionText timeZone;
+  OptionText at;
+  OptionText locale;
+  OptionText format;
+};
+
+/// A place's day: where, when, and everything computed for it.
+struct TodayReport {
+  platform::CLLocation location;
+  platform::NSTimeZone timeZone;
+  platform::NSDate instant;
+  events::WidgetAstrolib values;
+  /// Next date with the galactic centre when tonight is without.
+  std::optional<platform::NSDate> dateNextVisiblity;
+};
+
+/// Computes the day at the injected clock's instant. Leaves the shared formatters in the place's zone.
+TodayReport computeToday(const platform::CLLocation& location,
+                         const platform::NSTimeZone& timeZone);
+
+/// Checks the options, installs the services for their locale and instant, and returns the output.
+/// Throws UsageError.
+std::string runToday(const TodayOptions& options);
+
+/// For scripts: every value of the calculator under its own name.
+std::string todayJson(const TodayReport& report);
+
+/// For people: a table to read at a glance.
+std::string todayText(const TodayReport& report);
+
+}  // namespace lumenquest::app

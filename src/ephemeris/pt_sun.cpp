@@ -1,0 +1,148 @@
+#include "ephemeris/pt_sun.h"
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+#include "ephemeris/constants.h"
+#include "ephemeris/pt_math.h"
+#include "pt_sun_terms.h"
+
+namespace ephemeris {
+
+namespace {
+
+double MeanArgument(double a, double b, double T) { return kTwoPi * PtMath::Frac(a + b * T); }
+
+/// Sums of the perturbations: longitude and latitude in arcseconds, radius in 1e-6 AU.
+struct Perturbation {
+  double dl = 0.0;
+  double dr = 0.0;
+  double db = 0.0;
+};
+
+/// Perturbations by one planet, with cosines and sines of the multiples of the mean anomalies:
+/// −1 … LargestM of the Earth's, SmallestM … +1 of the planet's.
+template <int LargestM, int SmallestM>
+class PerturbationBlock {
+ public:
+  PerturbationBlock(double T, double earthAnomaly, double planetAnomaly) : T_(T) {
+    const double cosM = std::cos(earthAnomaly);
+    const double sinM = std::sin(earthAnomaly);
+    Earth(0) = {1.0, 0.0};
+    Earth(1) = {cosM, sinM};
+    Earth(-1) = {cosM, -sinM};
+    for (int I = 2; I <= LargestM; ++I) {
+      PtMath::AdditionTheorem(Earth(I - 1).c, Earth(I - 1).s, cosM, sinM, &Earth(I).c, &Earth(I).s);
+    }
+
+    const double cosm = std::cos(planetAnomaly);
+    const double sinm = std::sin(planetAnomaly);
+    Planet(0) = {1.0, 0.0};
+    Planet(1) = {cosm, sinm};
+    Planet(-1) = {cosm, -sinm};
+    for (int i = -2; i >= SmallestM; --i) {
+      PtMath::AdditionTheorem(Planet(i + 1).c, Planet(i + 1).s, cosm, -sinm, &Planet(i).c,
+                              &Planet(i).s);
+    }
+  }
+
+  template <std::size_t Count>
+  Perturbation Sum(const std::array<SolarPerturbationTerm, Count>& terms) {
+    Perturbation sum;
+    double u = 0.0;
+    double v = 0.0;
+    for (const SolarPerturbationTerm& term : terms) {
+      if (term.iT == 0) {
+        const Angle& earth = Earth(term.I);
+        const Angle& planet = Planet(term.i);
+        PtMath::AdditionTheorem(earth.c, earth.s, planet.c, planet.s, &u, &v);
+      } else {
+        u *= T_;
+        v *= T_;
+      }
+      sum.dl += term.dlc * u + term.dls * v;
+      sum.dr += term.drc * u + term.drs * v;
+      sum.db += term.dbc * u + term.dbs * v;
+    }
+    return sum;
+  }
+
+ private:
+  struct Angle {
+    double c;
+    double s;
+  };
+
+  Angle& Earth(int multiple) { return earth_[static_cast<std::size_t>(multiple + 1)]; }
+  Angle& Planet(int multiple) { return planet_[static_cast<std::size_t>(multiple - SmallestM)]; }
+
+  double T_;
+  std::array<Angle, LargestM + 2> earth_;
+  std::array<Angle, 2 - SmallestM> planet_;
+};
+
+}  // namespace
+
+Vector3D PtSun::GetEclipticPosition(double T, bool highPrecision) {
+  if (!highPrecision) return GetEclipticPositionLowPrecision(T);
+
+  const double M2 = MeanArgument(0.1387306, 162.5485917, T);
+  const double M3 = MeanArgument(0.9931266, 99.9973604, T);
+  const double M4 = MeanArgument(0.054325, 53.1666028, T);
+  const double M5 = MeanArgument(0.055175, 8.4293972, T);
+  const double M6 = MeanArgument(0.88165, 3.3938722, T);
+  const double D = MeanArgument(0.8274, 1236.8531, T);
+  const double A = MeanArgument(0.3749, 1325.5524, T);
+  const double U = MeanArgument(0.2591, 1342.2278, T);
+
+  const Perturbation venus = PerturbationBlock<7, -6>(T, M3, M2).Sum(kVenusTerms);
+  const Perturbation mars = PerturbationBlock<5, -8>(T, M3, M4).Sum(kMarsTerms);
+  const Perturbation jupiter = PerturbationBlock<3, -4>(T, M3, M5).Sum(kJupiterTerms);
+  const Perturbation saturn = PerturbationBlock<2, -2>(T, M3, M6).Sum(kSaturnTerms);
+  double dl = venus.dl + mars.dl + jupiter.dl + saturn.dl;
+  double dr = venus.dr + mars.dr + jupiter.dr + saturn.dr;
+  double db = venus.db + mars.db + jupiter.db + saturn.db;
+
+  // The Earth's motion around the barycentre it shares with the Moon.
+  dl += 6.45 * std::sin(D) - 0.42 * std::sin(D - A) + 0.18 * std::sin(D + A) +
+        0.17 * std::sin(D - M3) - 0.06 * std::sin(D + M3);
+  dr += 30.76 * std::cos(D) - 3.06 * std::cos(D - A) + 0.85 * std::cos(D + A) -
+        0.58 * std::cos(D + M3) + 0.57 * std::cos(D - M3);
+  db += 0.576 * std::sin(U);
+
+  // Long-period terms.
+  dl += 6.40 * std::sin(kTwoPi * (0.6983 + 0.0561 * T)) +
+        1.87 * std::sin(kTwoPi * (0.5764 + 0.4174 * T)) +
+        0.27 * std::sin(kTwoPi * (0.4189 + 0.3306 * T)) +
+        0.20 * std::sin(kTwoPi * (0.3581 + 2.4814 * T));
+
+  const double l =
+      kTwoPi * PtMath::Frac(0.7859453 + M3 / kTwoPi +
+                            ((6191.2 + 1.1 * T) * T + dl) / kArcsecondsPerRevolution);
+  const double b = db / kArcsecondsPerRadian;
+  const double r = 1.0001398 - 0.0000007 * T + dr * 1e-6;
+  return Vector3D(PtPolar(l, b, r));
+}
+
+Vector3D PtSun::GetEclipticPositionLowPrecision(double T) {
+  const double M = MeanArgument(0.993133, 99.997361, T);
+  const double l =
+      kTwoPi * PtMath::Frac(0.7859453 + M / kTwoPi +
+                            (6893.0 * std::sin(M) + 72.0 * std::sin(2.0 * M) + 6191.2 * T) /
+                                kArcsecondsPerRevolution);
+  const double r = 1.0001398 - 0.0000007 * T;
+  return Vector3D(PtPolar(l, 0.0, r));
+}
+
+double PtSun::CalculateSinPi(double distanceAu) {
+  // Horizontal parallax of 8.794″ at 1 AU.
+  return 4.263451510385646e-5 / distanceAu;
+}
+
+double PtSun::CalculateSemidiameterAtUnitDistance(double, double distanceAu) {
+  // 959.63″ at 1 AU.
+  return 0.2665638888888889 / distanceAu;
+}
+
+}  // namespace ephemeris

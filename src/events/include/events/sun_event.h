@@ -1,0 +1,90 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "events/body_info_event.h"
+#include "events/light_type.h"
+
+namespace lumenquest::events {
+
+/// An interval of light: both ends as MJD and as seconds since the platform's reference date.
+struct TwilightEvent {
+  TwilightEvent() = default;
+  TwilightEvent(double mjdStart, double mjdEnd);
+
+  double timeIntervalStart = 0.0;
+  double timeIntervalEnd = 0.0;
+  double mjdStart = 0.0;
+  double mjdEnd = 0.0;
+};
+
+/// A mark at which an interval begins or ends.
+struct LightTypeEvent {
+  bool isBegin = false;
+  double mjd = 0.0;
+};
+
+/// A day's intervals of one light type as texts.
+struct TwilightIntervals {
+  TwilightIntervals();
+
+  double mjdFirstInterval;
+  double mjdSecondInterval;
+  std::string firstInterval;
+  std::string secondInterval;
+};
+
+/// One day's light phases.
+class SunEvent {
+ public:
+  SunEvent();
+
+  TwilightEvent civilTwilight;
+  TwilightEvent nauticalTwilight;
+  TwilightEvent astronomicalTwilight;
+  std::optional<TwilightEvent> astronomicalTwilight2;
+  TwilightEvent blueHour;
+  TwilightEvent goldenHour;
+  double mjdRise = 0.0;
+  double mjdSet = 0.0;
+
+  /// Positions along the lines of sunrise and sunset, for the map of the main application. Present
+  /// only when the user has geodesic lines switched on.
+  std::optional<std::vector<double>> riseLinePositions;
+  std::optional<std::vector<double>> setLinePositions;
+
+  /// Append a mark when the instant can be drawn.
+  void addEventToArray(std::vector<LightTypeEvent>& list, bool isBegin, double mjd) const;
+  /// Append the marks of one day.
+  void addEvents(const SunEvent& day, LightType forLightType,
+                 std::vector<LightTypeEvent>& inArray) const;
+  /// This day's marks in order of time.
+  std::vector<LightTypeEvent> eventsForLightType(LightType lightType) const;
+
+  TwilightIntervals twilightIntervalForLightType(LightType lightType) const;
+  TwilightIntervals civilTwilightIntervals() const;
+  TwilightIntervals nauticalTwilightIntervals() const;
+  TwilightIntervals astronomicalTwilightIntervals() const;
+  TwilightIntervals blueHourIntervals() const;
+  TwilightIntervals goldenHourIntervals() const;
+
+  /// The interval to show at `atMjd`, this being today: one that is to come or that ended less than
+  /// an hour ago. Nothing when the three days have none.
+  std::optional<std::string> currentEventForLightType(LightType lightType, double atMjd,
+                                                      const SunEvent& yesterdayEvents,
+                                                      const SunEvent& tomorrowEvents,
+                                                      double mjdTodayAt0,
+                                                      double mjdTomorrowAt0) const;
+
+  /// Append a change of light when its instant can be drawn, coloured by a Sun elevation in degrees.
+  void addEventToArray(std::vector<std::shared_ptr<BodyInfoSunEvent>>& list, double atMjd,
+                       double withSunElevation, const std::string& withName,
+                       const std::string& subtitle) const;
+  /// The day's changes of light in order of time.
+  std::vector<std::shared_ptr<BodyInfoSunEvent>> eventsArray() const;
+};
+
+}  // namespace lumenquest::events

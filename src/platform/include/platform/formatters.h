@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/ns_formatter.h"
+
+namespace lumenquest::platform {
+
+/// The one place that builds formatters for display and for machine-readable timestamps, so that
+/// every text follows the user's 12/24-hour clock and date order alike.
+class Formatters {
+ public:
+  Formatters();
+
+  /// The process-wide instance.
+  static Formatters& sharedInstance();
+
+  NSDateFormatter& shortTimeFormatter() { return *shortTimeFormatter_; }
+  NSDateFormatter& shortDateFormatter() { return *shortDateFormatter_; }
+  NSDateFormatter& shortDateTimeFormatter() { return *shortDateTimeFormatter_; }
+
+  /// Sets the zone of all three members.
+  void setTimeZone(const NSTimeZone& zone);
+
+  // New formatters on every call.
+
+  /// 2000-01-01T12:00:00Z
+  static std::unique_ptr<NSDateFormatter> RFC3339DateFormatter();
+  /// With an offset in place of the Z; starts in GMT.
+  static std::unique_ptr<NSDateFormatter> RFC3339DateFormatterWithSpecificTimeZone();
+  static std::unique_ptr<NSNumberFormatter> enUSPosixNumberFormatter();
+  /// Day and abbreviated month.
+  static std::unique_ptr<NSDateFormatter> dateFormatterWithMediumMonthAndNoYear();
+  /// Day, abbreviated month and time, in the user's 12/24-hour choice.
+  static std::unique_ptr<NSDateFormatter> dateTimeFormatterWithMediumMonthAndNoYear();
+
+ private:
+  std::unique_ptr<NSDateFormatter> shortTimeFormatter_;
+  std::unique_ptr<NSDateFormatter> shortDateFormatter_;
+  std::unique_ptr<NSDateFormatter> shortDateTimeFormatter_;
+};
+
+}  // namespace lumenquest::platform

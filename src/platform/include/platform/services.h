@@ -1,0 +1,113 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include "platform/formatters.h"
+#include "platform/ns_calendar.h"
+#include "platform/ns_date.h"
+#include "platform/ns_formatter.h"
+#include "platform/ns_time_zone.h"
+#include "platform/ns_user_defaults.h"
+
+namespace lumenquest::platform {
+
+class Clock {
+ public:
+  virtual ~Clock() = default;
+  virtual NSDate now() = 0;
+};
+
+class TimeZoneService {
+ public:
+  virtual ~TimeZoneService() = default;
+  /// The device's zone.
+  virtual NSTimeZone localTimeZone() = 0;
+  virtual bool isKnown(const std::string& name) = 0;
+};
+
+class CalendarService {
+ public:
+  virtual ~CalendarService() = default;
+  /// The user's calendar, with the device's zone and first weekday, as they are now.
+  virtual std::unique_ptr<NSCalendar> currentCalendar() = 0;
+  virtual std::unique_ptr<NSCalendar> gregorianCalendar(const NSTimeZone& zone) = 0;
+};
+
+/// Locales are identifiers such as "de_AT"; the empty one is the current locale.
+class FormatterService {
+ public:
+  virtual ~FormatterService() = default;
+  virtual std::unique_ptr<NSDateFormatter> dateFormatter(const std::string& locale,
+                                                         NSDateFormatterStyle dateStyle,
+                                                         NSDateFormatterStyle timeStyle) = 0;
+  virtual std::unique_ptr<NSNumberFormatter> numberFormatter(const std::string& locale,
+                                                             const NumberStyle& style) = 0;
+  /// The current locale's pattern for a template such as "dMMM".
+  virtual std::string dateFormatFromTemplate(const std::string& pattern) = 0;
+};
+
+class StringTables {
+ public:
+  virtual ~StringTables() = default;
+  /// The text of a key in the current locale, or the empty text.
+  virtual std::string localizedString(const std::string& key, const std::string& table) = 0;
+};
+
+/// The device's diagnostic log.
+class Log {
+ public:
+  virtual ~Log() = default;
+  virtual void write(const std::string& message) = 0;
+};
+
+/// The one place through which the process-wide objects reach what the platform provides. The
+/// application installs its adapters once at start-up; each test installs its own.
+class Services {
+ public:
+  struct Adapters {
+    std::shared_ptr<Clock> clock;
+    std::shared_ptr<TimeZoneService> timeZones;
+    std::shared_ptr<CalendarService> calendars;
+    std::shared_ptr<FormatterService> formatters;
+    std::shared_ptr<StringTables> strings;
+    /// May be null: then every setting reads as absent.
+    std::shared_ptr<NSUserDefaults> settings;
+    std::shared_ptr<Log> log;
+  };
+
+  /// Replaces the services, and with them the shared objects made from earlier ones. Not to be
+  /// called while anything computes.
+  static void install(Adapters adapters);
+
+  /// The services installed. Asking before they are is a programming error.
+  static Services& current();
+
+  Clock& clock() { return *adapters_.clock; }
+  TimeZoneService& timeZones() { return *adapters_.timeZones; }
+  CalendarService& calendars() { return *adapters_.calendars; }
+  FormatterService& formatters() { return *adapters_.formatters; }
+  StringTables& strings() { return *adapters_.strings; }
+  NSUserDefaults* settings() { return adapters_.settings.get(); }
+  Log& log() { return *adapters_.log; }
+
+  // Objects shared by the process, made when first asked for.
+
+  NSCalendar& cachedCalendar();
+  NSCalendar& gmtCachedCalendar();
+  Formatters& sharedFormatters();
+
+ private:
+  explicit Services(Adapters adapters) : adapters_(std::move(adapters)) {}
+
+  Adapters adapters_;
+  std::once_flag cachedCalendarOnce_;
+  std::once_flag gmtCachedCalendarOnce_;
+  std::once_flag formattersOnce_;
+  std::unique_ptr<NSCalendar> cachedCalendar_;
+  std::unique_ptr<NSCalendar> gmtCachedCalendar_;
+  std::unique_ptr<Formatters> formatters_;
+};
+
+}  // namespace lumenquest::platform
