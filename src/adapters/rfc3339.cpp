@@ -58,7 +58,10 @@ std::optional<NSDate> parseRfc3339(const std::string& text) {
   const std::string unsignedText = text.front() == '+' ? text.substr(1) : text;
   absl::Time time;
   if (!absl::ParseTime(absl::RFC3339_full, unsignedText, &time, nullptr)) return std::nullopt;
-  return NSDate::dateWithTimeIntervalSince1970(absl::ToDoubleSeconds(time - absl::UnixEpoch()));
+  // Whole seconds apart: converted in one piece, a far instant would come out a hair too early.
+  const int64_t seconds = absl::ToUnixSeconds(time);
+  const double part = absl::ToDoubleSeconds(time - absl::FromUnixSeconds(seconds));
+  return NSDate::dateWithTimeIntervalSince1970(static_cast<double>(seconds) + part);
 }
 
 std::string formatRfc3339(NSDate date) {

@@ -39,6 +39,7 @@ void WidgetAstrolib::calculateData(unsigned flags) {
     nextEventName = next ? std::optional(next->name) : std::nullopt;
     calculateCurrentLightForSun(sun);
   }
+  positionsComputed_ = sun.positionsComputed() + moon.positionsComputed();
 }
 
 void WidgetAstrolib::calculateCurrentLightForSun(ephemeris::PtSun& sun) {

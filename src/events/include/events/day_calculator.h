@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -47,6 +48,9 @@ class DayCalculator {
   /// The same among today's and, failing these, tomorrow's crossings.
   std::shared_ptr<BodyInfoEvent> calculateNextLightWithSun(ephemeris::PtSun& sun) const;
 
+  /// Evaluations of the Sun's and the Moon's series by the last calculation, for benchmarks.
+  std::int64_t positionsComputed() const { return positionsComputed_; }
+
   // MJD, UT.
   double mjdTodayAt0 = 0.0;
   double mjdTomorrowAt0 = 0.0;
@@ -88,6 +92,7 @@ class DayCalculator {
   /// ΔT of today at 0 h, days.
   double deltaT_ = 0.0;
   platform::NSDate currentDate_;
+  std::int64_t positionsComputed_ = 0;
 
  private:
   std::optional<platform::CLLocation> currentLocation_;
