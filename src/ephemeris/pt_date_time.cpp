@@ -5,6 +5,7 @@
 
 #include "ephemeris/assertion.h"
 #include "ephemeris/constants.h"
+#include "ephemeris/pt_math.h"
 
 namespace ephemeris {
 
@@ -130,12 +131,12 @@ double PtDateTime::MjdToJulianCenturies(double mjd) {
 }
 
 double PtDateTime::SiderealTimeAtGreenwich(double mjd) {
-  const double mjd0 = std::trunc(mjd);
+  const double mjd0 = PtMath::Trunc(mjd);
   const double ut = (mjd - mjd0) * 24.0;
   const double T0 = MjdToJulianCenturies(mjd0);
   double gmst = 6.697374558 + 1.0027379093 * ut +
                 T0 * (8640184.812866 + T0 * (0.093104 - 6.2e-6 * T0)) / 3600.0;
-  gmst = gmst - 24.0 * std::floor(gmst / 24.0);
+  gmst = gmst - 24.0 * PtMath::Floor(gmst / 24.0);
   if (gmst < 0.0) gmst += 24.0;
   return gmst;
 }

@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "ephemeris/constants.h"
-
 namespace ephemeris {
 
 void PtMath::QuadraticInterpolation(double yMinus, double y0, double yPlus, double& xe, double& ye,
@@ -29,9 +27,5 @@ void PtMath::QuadraticInterpolation(double yMinus, double y0, double yPlus, doub
 double PtMath::AngleDifference(double a, double b) {
   return std::fmod(std::fmod(a - b, 360.0) + 540.0, 360.0) - 180.0;
 }
-
-double PtMath::Frac(double x) { return x - std::floor(x); }
-
-double PtMath::NormalizeRadians(double x) { return x - kTwoPi * std::floor(x / kTwoPi); }
 
 }  // namespace ephemeris

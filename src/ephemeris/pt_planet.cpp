@@ -239,16 +239,29 @@ double PtPlanet::GetSinH(double altitude, AltitudeType type, double distance) {
   return std::sin(h * kDegreesToRadians);
 }
 
+PositionMemory::Sample PtPlanet::SampleAt(double mjd, double deltaT) {
+  Vector3D position = GetEquatorialPosition(mjd, deltaT, true);
+  PositionMemory::Entry* entry = memory_.Latest();
+  const bool remembered =
+      entry != nullptr && entry->key == PositionMemory::Key{mjd, deltaT, true};
+  if (remembered && entry->sample) return *entry->sample;
+
+  const double declination = position[pol_index::theta];
+  PositionMemory::Sample sample;
+  sample.sinDeclination = std::sin(declination);
+  sample.cosDeclination = std::cos(declination);
+  sample.rightAscension = position[pol_index::phi];
+  sample.siderealAngle = CalculateApparentSiderealTime(mjd) * kHoursToRadians;
+  if (remembered) entry->sample = sample;
+  return sample;
+}
+
 double PtPlanet::SinAlt(double mjd0, double deltaT, double hour, double, double cosLat,
                         double sinLat) {
-  const double mjd = mjd0 + hour / 24.0;
-  Vector3D position = GetEquatorialPosition(mjd, deltaT, true);
-  const double declination = position[pol_index::theta];
-  const double rightAscension = position[pol_index::phi];
-  const double tau = PtMath::NormalizeRadians(CalculateApparentSiderealTime(mjd) * kHoursToRadians +
-                                              observer_.longitude * kDegreesToRadians -
-                                              rightAscension);
-  return sinLat * std::sin(declination) + cosLat * std::cos(declination) * std::cos(tau);
+  const PositionMemory::Sample body = SampleAt(mjd0 + hour / 24.0, deltaT);
+  const double tau = PtMath::NormalizeRadians(
+      body.siderealAngle + observer_.longitude * kDegreesToRadians - body.rightAscension);
+  return sinLat * body.sinDeclination + cosLat * body.cosDeclination * std::cos(tau);
 }
 
 void PtPlanet::FindEvents(SearchEvent event, double mjd0, double deltaT, double* rise,

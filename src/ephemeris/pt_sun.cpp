@@ -21,66 +21,79 @@ struct Perturbation {
   double db = 0.0;
 };
 
-/// Perturbations by one planet, with cosines and sines of the multiples of the mean anomalies:
-/// −1 … LargestM of the Earth's, SmallestM … +1 of the planet's.
-template <int LargestM, int SmallestM>
-class PerturbationBlock {
- public:
-  PerturbationBlock(double T, double earthAnomaly, double planetAnomaly) : T_(T) {
-    const double cosM = std::cos(earthAnomaly);
-    const double sinM = std::sin(earthAnomaly);
-    Earth(0) = {1.0, 0.0};
-    Earth(1) = {cosM, sinM};
-    Earth(-1) = {cosM, -sinM};
-    for (int I = 2; I <= LargestM; ++I) {
-      PtMath::AdditionTheorem(Earth(I - 1).c, Earth(I - 1).s, cosM, sinM, &Earth(I).c, &Earth(I).s);
-    }
+/// Cosine and sine of an angle.
+struct Angle {
+  double c;
+  double s;
+};
 
-    const double cosm = std::cos(planetAnomaly);
-    const double sinm = std::sin(planetAnomaly);
-    Planet(0) = {1.0, 0.0};
-    Planet(1) = {cosm, sinm};
-    Planet(-1) = {cosm, -sinm};
-    for (int i = -2; i >= SmallestM; --i) {
-      PtMath::AdditionTheorem(Planet(i + 1).c, Planet(i + 1).s, cosm, -sinm, &Planet(i).c,
-                              &Planet(i).s);
+/// Multiples −1 … 7 of the Earth's mean anomaly; each planet's terms use the first ones.
+class EarthMultiples {
+ public:
+  explicit EarthMultiples(double anomaly) {
+    const Angle one{std::cos(anomaly), std::sin(anomaly)};
+    angles_[0] = {one.c, -one.s};
+    angles_[1] = {1.0, 0.0};
+    angles_[2] = one;
+    for (std::size_t i = 3; i < angles_.size(); ++i) {
+      PtMath::AdditionTheorem(angles_[i - 1].c, angles_[i - 1].s, one.c, one.s, &angles_[i].c,
+                              &angles_[i].s);
     }
   }
 
-  template <std::size_t Count>
-  Perturbation Sum(const std::array<SolarPerturbationTerm, Count>& terms) {
-    Perturbation sum;
-    double u = 0.0;
-    double v = 0.0;
-    for (const SolarPerturbationTerm& term : terms) {
-      if (term.iT == 0) {
-        const Angle& earth = Earth(term.I);
-        const Angle& planet = Planet(term.i);
-        PtMath::AdditionTheorem(earth.c, earth.s, planet.c, planet.s, &u, &v);
-      } else {
-        u *= T_;
-        v *= T_;
-      }
-      sum.dl += term.dlc * u + term.dls * v;
-      sum.dr += term.drc * u + term.drs * v;
-      sum.db += term.dbc * u + term.dbs * v;
-    }
-    return sum;
+  const Angle& operator[](int multiple) const {
+    return angles_[static_cast<std::size_t>(multiple + 1)];
   }
 
  private:
-  struct Angle {
-    double c;
-    double s;
-  };
-
-  Angle& Earth(int multiple) { return earth_[static_cast<std::size_t>(multiple + 1)]; }
-  Angle& Planet(int multiple) { return planet_[static_cast<std::size_t>(multiple - SmallestM)]; }
-
-  double T_;
-  std::array<Angle, LargestM + 2> earth_;
-  std::array<Angle, 2 - SmallestM> planet_;
+  std::array<Angle, 9> angles_;
 };
+
+/// Multiples +1 … Smallest (negative) of a planet's mean anomaly.
+template <int Smallest>
+class PlanetMultiples {
+ public:
+  explicit PlanetMultiples(double anomaly) {
+    const Angle one{std::cos(anomaly), std::sin(anomaly)};
+    angles_[0] = one;
+    angles_[1] = {1.0, 0.0};
+    angles_[2] = {one.c, -one.s};
+    for (std::size_t i = 3; i < angles_.size(); ++i) {
+      PtMath::AdditionTheorem(angles_[i - 1].c, angles_[i - 1].s, one.c, -one.s, &angles_[i].c,
+                              &angles_[i].s);
+    }
+  }
+
+  const Angle& operator[](int multiple) const {
+    return angles_[static_cast<std::size_t>(1 - multiple)];
+  }
+
+ private:
+  std::array<Angle, 2 - Smallest> angles_;
+};
+
+/// Perturbations by one planet, whose terms reach down to the multiple Smallest of its anomaly.
+template <int Smallest, std::size_t Count>
+Perturbation Perturb(const std::array<SolarPerturbationTerm, Count>& terms, double T,
+                     const EarthMultiples& earth, double planetAnomaly) {
+  const PlanetMultiples<Smallest> planet(planetAnomaly);
+  Perturbation sum;
+  double u = 0.0;
+  double v = 0.0;
+  for (const SolarPerturbationTerm& term : terms) {
+    if (term.iT == 0) {
+      PtMath::AdditionTheorem(earth[term.I].c, earth[term.I].s, planet[term.i].c,
+                              planet[term.i].s, &u, &v);
+    } else {
+      u *= T;
+      v *= T;
+    }
+    sum.dl += term.dlc * u + term.dls * v;
+    sum.dr += term.drc * u + term.drs * v;
+    sum.db += term.dbc * u + term.dbs * v;
+  }
+  return sum;
+}
 
 }  // namespace
 
@@ -96,10 +109,11 @@ Vector3D PtSun::GetEclipticPosition(double T, bool highPrecision) {
   const double A = MeanArgument(0.3749, 1325.5524, T);
   const double U = MeanArgument(0.2591, 1342.2278, T);
 
-  const Perturbation venus = PerturbationBlock<7, -6>(T, M3, M2).Sum(kVenusTerms);
-  const Perturbation mars = PerturbationBlock<5, -8>(T, M3, M4).Sum(kMarsTerms);
-  const Perturbation jupiter = PerturbationBlock<3, -4>(T, M3, M5).Sum(kJupiterTerms);
-  const Perturbation saturn = PerturbationBlock<2, -2>(T, M3, M6).Sum(kSaturnTerms);
+  const EarthMultiples earth(M3);
+  const Perturbation venus = Perturb<-6>(kVenusTerms, T, earth, M2);
+  const Perturbation mars = Perturb<-8>(kMarsTerms, T, earth, M4);
+  const Perturbation jupiter = Perturb<-4>(kJupiterTerms, T, earth, M5);
+  const Perturbation saturn = Perturb<-2>(kSaturnTerms, T, earth, M6);
   double dl = venus.dl + mars.dl + jupiter.dl + saturn.dl;
   double dr = venus.dr + mars.dr + jupiter.dr + saturn.dr;
   double db = venus.db + mars.db + jupiter.db + saturn.db;

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "ephemeris/vector3d.h"
@@ -22,6 +24,15 @@ class PositionMemory {
     bool operator==(const Key&) const = default;
   };
 
+  /// What an altitude needs of a position, whoever looks: radians.
+  struct Sample {
+    double sinDeclination = 0.0;
+    double cosDeclination = 0.0;
+    double rightAscension = 0.0;
+    /// Greenwich apparent sidereal time.
+    double siderealAngle = 0.0;
+  };
+
   struct Entry {
     Key key;
     Vector3D ecliptic;
@@ -30,31 +41,40 @@ class PositionMemory {
     double obliquity = 0.0;
     double nutationInLongitude = 0.0;
     double nutationInObliquity = 0.0;
-    /// What the altitude samples need of the true equatorial position; filled on first use.
-    bool sampled = false;
-    double sinDeclination = 0.0;
-    double cosDeclination = 0.0;
-    /// Greenwich apparent sidereal time, radians.
-    double siderealAngle = 0.0;
-    double rightAscension = 0.0;
+    /// Filled when an altitude is first asked for.
+    std::optional<Sample> sample;
   };
 
   /// Enough for every instant that one day's values of a place need (some 175).
   static constexpr std::size_t kCapacity = 192;
 
+  PositionMemory();
+
   /// The entry of these arguments, or null. It stays valid until the next Add().
   Entry* Find(const Key& key);
 
   /// Takes the entry in, forgetting the oldest one when full.
-  Entry* Add(const Entry& entry);
+  void Add(const Entry& entry);
+
+  /// The entry last found or added, or null.
+  Entry* Latest() { return latest_ < entries_.size() ? &entries_[latest_] : nullptr; }
 
  private:
+  /// Entries of one bucket are chained by their slots.
+  using Slot = std::uint8_t;
+  static constexpr Slot kNone = 255;
+  static constexpr std::size_t kBuckets = 256;
+  static_assert(kCapacity < kNone);
+
+  static std::size_t BucketOf(double mjd);
+  void Unlink(std::size_t slot);
+
   std::vector<Entry> entries_;
-  std::array<double, kCapacity> mjds_{};
-  /// Where the next entry goes once full.
+  std::array<Slot, kBuckets> heads_;
+  std::array<Slot, kCapacity> following_;
+  /// The slot that the next entry takes once all are in use.
   std::size_t oldest_ = 0;
-  /// Where the next look-up starts: searches ask for their hours in the same order again.
-  std::size_t next_ = 0;
+  std::size_t latest_ = 0;
 };
 
 }  // namespace ephemeris

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <cmath>
+#include <cstdint>
+
+#include "ephemeris/constants.h"
+
 namespace ephemeris {
 
 /// Small numeric functions shared by the series and the event search.
@@ -26,11 +31,26 @@ class PtMath {
   /// Signed difference a − b of two angles in degrees, in [−180, +180).
   static double AngleDifference(double a, double b);
 
+  /// x rounded to a whole number toward zero and downward, without the library call that compilers
+  /// make of it on the oldest processors of the architecture; the results are the library's.
+  static double Trunc(double x) {
+    if (!(std::fabs(x) < kIntegerRange)) return std::trunc(x);
+    return static_cast<double>(static_cast<std::int64_t>(x));
+  }
+  static double Floor(double x) {
+    const double truncated = Trunc(x);
+    return truncated > x ? truncated - 1.0 : truncated;
+  }
+
   /// The fraction of x above its floor, in [0, 1).
-  static double Frac(double x);
+  static double Frac(double x) { return x - Floor(x); }
 
   /// x reduced to [0, 2π] by whole turns.
-  static double NormalizeRadians(double x);
+  static double NormalizeRadians(double x) { return x - kTwoPi * Floor(x / kTwoPi); }
+
+ private:
+  /// Every double of this magnitude or more is whole.
+  static constexpr double kIntegerRange = 4503599627370496.0;
 };
 
 }  // namespace ephemeris

@@ -143,6 +143,9 @@ class PtPlanet {
   double nutationInObliquity_ = 0.0;
 
  private:
+  /// What an altitude at this instant needs; computes or recalls the position.
+  PositionMemory::Sample SampleAt(double mjd, double deltaT);
+
   PositionMemory memory_;
   std::int64_t positionsComputed_ = 0;
 };
