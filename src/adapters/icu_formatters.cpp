@@ -43,15 +43,19 @@ class IcuDateFormatter final : public platform::NSDateFormatter {
   }
 
   std::string stringFromDate(NSDate date) override {
+    UErrorCode status = U_ZERO_ERROR;
+    calendar_->setTime(date.timeIntervalSince1970() * 1000.0, status);
+    LUMENQUEST_ASSERT(U_SUCCESS(status));
     icu::UnicodeString text;
-    format_->format(date.timeIntervalSince1970() * 1000.0, text);
+    icu::FieldPosition anyField(icu::FieldPosition::DONT_CARE);
+    format_->format(*calendar_, text, anyField);
     return ToUtf8(text);
   }
 
   void setTimeZone(const NSTimeZone& zone) override {
     if (zone == zone_) return;
     zone_ = zone;
-    format_->adoptTimeZone(makeIcuTimeZone(zone).release());
+    AdoptZone();
   }
 
   NSDateFormatterStyle timeStyle() const override { return timeStyle_; }
@@ -79,7 +83,12 @@ class IcuDateFormatter final : public platform::NSDateFormatter {
         IcuStyle(dateStyle_), IcuStyle(timeStyle_), icu::Locale(locale_.c_str()));
     format_.reset(dynamic_cast<icu::SimpleDateFormat*>(format));
     LUMENQUEST_ASSERT(format_ != nullptr);
+    AdoptZone();
+  }
+
+  void AdoptZone() {
     format_->adoptTimeZone(makeIcuTimeZone(zone_).release());
+    calendar_.reset(format_->getCalendar()->clone());
   }
 
   std::string DayPeriod(int32_t which) const {
@@ -93,6 +102,8 @@ class IcuDateFormatter final : public platform::NSDateFormatter {
   NSDateFormatterStyle dateStyle_;
   NSDateFormatterStyle timeStyle_;
   std::unique_ptr<icu::SimpleDateFormat> format_;
+  /// The format's own would be cloned for every text.
+  std::unique_ptr<icu::Calendar> calendar_;
 };
 
 class IcuNumberFormatter final : public platform::NSNumberFormatter {

@@ -13,10 +13,7 @@ std::size_t PositionMemory::BucketOf(double mjd) {
 
 PositionMemory::Entry* PositionMemory::Find(const Key& key) {
   for (Slot slot = heads_[BucketOf(key.mjd)]; slot != kNone; slot = following_[slot]) {
-    if (entries_[slot].key == key) {
-      latest_ = slot;
-      return &entries_[slot];
-    }
+    if (entries_[slot].key == key) return &entries_[slot];
   }
   return nullptr;
 }
@@ -41,7 +38,6 @@ void PositionMemory::Add(const Entry& entry) {
   Slot& head = heads_[BucketOf(entry.key.mjd)];
   following_[slot] = head;
   head = static_cast<Slot>(slot);
-  latest_ = slot;
 }
 
 }  // namespace ephemeris

@@ -1,6 +1,8 @@
 #include "ephemeris/pt_brown_lunar_perturbation.h"
 
 #include <cmath>
+#include <cstddef>
+#include <utility>
 
 #include "ephemeris/constants.h"
 #include "ephemeris/pt_math.h"
@@ -21,19 +23,15 @@ double MeanArgument(double a, double b, double c, double T, double correction) {
 
 template <int Largest>
 void PtBrownLunarPerturbation::Multiples<Largest>::Fill(double argument, double factor) {
-  const double c = factor * std::cos(argument);
-  const double s = factor * std::sin(argument);
-  cosines[Index(0)] = 1.0;
-  sines[Index(0)] = 0.0;
-  cosines[Index(1)] = c;
-  sines[Index(1)] = s;
+  Multiples& multiples = *this;
+  const Angle one{factor * std::cos(argument), factor * std::sin(argument)};
+  multiples[0] = {1.0, 0.0};
+  multiples[1] = one;
   for (int k = 2; k <= Largest; ++k) {
-    PtMath::AdditionTheorem(Cos(k - 1), Sin(k - 1), c, s, &cosines[Index(k)], &sines[Index(k)]);
+    PtMath::AdditionTheorem(multiples[k - 1].cosine, multiples[k - 1].sine, one.cosine, one.sine,
+                            &multiples[k].cosine, &multiples[k].sine);
   }
-  for (int k = 1; k <= Largest; ++k) {
-    cosines[Index(-k)] = Cos(k);
-    sines[Index(-k)] = -Sin(k);
-  }
+  for (int k = 1; k <= Largest; ++k) multiples[-k] = {multiples[k].cosine, -multiples[k].sine};
 }
 
 void PtBrownLunarPerturbation::Init(double T) {
@@ -76,35 +74,69 @@ void PtBrownLunarPerturbation::Init(double T) {
 
 void PtBrownLunarPerturbation::CalculateTerm(int p, int q, int r, int s, double* x,
                                              double* y) const {
-  double cosine = 1.0;
-  double sine = 0.0;
-  const auto add = [&cosine, &sine](const auto& multiples, int multiple) {
-    if (multiple == 0) return;
-    PtMath::AdditionTheorem(cosine, sine, multiples.Cos(multiple), multiples.Sin(multiple),
-                            &cosine, &sine);
-  };
-  add(multiplesOfL_, p);
-  add(multiplesOfLs_, q);
-  add(multiplesOfF_, r);
-  add(multiplesOfD_, s);
-  *x = cosine;
-  *y = sine;
+  Product product;
+  product.MultiplyBy(multiplesOfL_, p);
+  product.MultiplyBy(multiplesOfLs_, q);
+  product.MultiplyBy(multiplesOfF_, r);
+  product.MultiplyBy(multiplesOfD_, s);
+  *x = product.cosine;
+  *y = product.sine;
 }
 
+/// Walks a table's rows at compile time: the multipliers are constants, so that a row costs its
+/// additions of angles and nothing else. Rows are computed as CalculateTerm() would.
+template <const auto& Terms>
+class PtBrownLunarPerturbation::Walk {
+ public:
+  explicit Walk(const PtBrownLunarPerturbation& series) : series_(series) {}
+
+  /// Calls visit(row, x, y) for each row in order.
+  template <typename Visit>
+  void ForEach(Visit visit) {
+    ForEach(visit, std::make_index_sequence<Terms.size()>());
+  }
+
+ private:
+  template <typename Visit, std::size_t... Row>
+  void ForEach(Visit visit, std::index_sequence<Row...>) {
+    (Compute<Row>(visit), ...);
+  }
+
+  template <std::size_t Row, typename Visit>
+  void Compute(Visit& visit) {
+    constexpr auto& term = Terms[Row];
+    // Neighbouring rows often differ in the last multiplier only.
+    if constexpr (!HasPrefixOfRowBefore(Row)) {
+      prefix_ = Product();
+      prefix_.MultiplyBy(series_.multiplesOfL_, term.p);
+      prefix_.MultiplyBy(series_.multiplesOfLs_, term.q);
+      prefix_.MultiplyBy(series_.multiplesOfF_, term.r);
+    }
+    Product product = prefix_;
+    product.MultiplyBy(series_.multiplesOfD_, term.s);
+    visit(term, product.cosine, product.sine);
+  }
+
+  static constexpr bool HasPrefixOfRowBefore(std::size_t row) {
+    if (row == 0) return false;
+    const auto& term = Terms[row];
+    const auto& before = Terms[row - 1];
+    return term.p == before.p && term.q == before.q && term.r == before.r;
+  }
+
+  const PtBrownLunarPerturbation& series_;
+  Product prefix_;
+};
+
 void PtBrownLunarPerturbation::Calculate() {
-  double x = 0.0;
-  double y = 0.0;
-  for (const LunarTerm& term : kLunarTerms) {
-    CalculateTerm(term.p, term.q, term.r, term.s, &x, &y);
+  Walk<kLunarTerms>(*this).ForEach([this](const LunarTerm& term, double x, double y) {
     dlam_ += term.cl * y;
     ds_ += term.cs * y;
     gam1c_ += term.cg * x;
     sinPi_ += term.cp * x;
-  }
-  for (const LunarLatitudeTerm& term : kLunarLatitudeTerms) {
-    CalculateTerm(term.p, term.q, term.r, term.s, &x, &y);
-    N_ += term.cn * y;
-  }
+  });
+  Walk<kLunarLatitudeTerms>(*this).ForEach(
+      [this](const LunarLatitudeTerm& term, double, double y) { N_ += term.cn * y; });
   AddPlanetaryPerturbation(T_);
 }
 

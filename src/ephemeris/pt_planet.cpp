@@ -50,14 +50,18 @@ double MeanObliquity(double T) {
 PtPlanet::PtPlanet(const PtPosition& observer)
     : observer_(observer), refractionFactor_(kRefractionFactor) {}
 
+void PtPlanet::Restore(const PositionMemory::Entry& entry) {
+  eclipticPosition_ = entry.ecliptic;
+  equatorialPosition_ = entry.meanEquatorial;
+  obliquity_ = entry.obliquity;
+  nutationInLongitude_ = entry.nutationInLongitude;
+  nutationInObliquity_ = entry.nutationInObliquity;
+}
+
 bool PtPlanet::RecallPosition(const PositionMemory::Key& key, Vector3D* trueEquatorial) {
   const PositionMemory::Entry* entry = memory_.Find(key);
   if (entry == nullptr) return false;
-  eclipticPosition_ = entry->ecliptic;
-  equatorialPosition_ = entry->meanEquatorial;
-  obliquity_ = entry->obliquity;
-  nutationInLongitude_ = entry->nutationInLongitude;
-  nutationInObliquity_ = entry->nutationInObliquity;
+  Restore(*entry);
   *trueEquatorial = entry->trueEquatorial;
   return true;
 }
@@ -240,19 +244,22 @@ double PtPlanet::GetSinH(double altitude, AltitudeType type, double distance) {
 }
 
 PositionMemory::Sample PtPlanet::SampleAt(double mjd, double deltaT) {
-  Vector3D position = GetEquatorialPosition(mjd, deltaT, true);
-  PositionMemory::Entry* entry = memory_.Latest();
-  const bool remembered =
-      entry != nullptr && entry->key == PositionMemory::Key{mjd, deltaT, true};
-  if (remembered && entry->sample) return *entry->sample;
+  const PositionMemory::Key key{mjd, deltaT, true};
+  PositionMemory::Entry* entry = memory_.Find(key);
+  if (entry != nullptr && entry->sample) {
+    Restore(*entry);
+    return *entry->sample;
+  }
 
+  Vector3D position = GetEquatorialPosition(mjd, deltaT, true);
   const double declination = position[pol_index::theta];
   PositionMemory::Sample sample;
   sample.sinDeclination = std::sin(declination);
   sample.cosDeclination = std::cos(declination);
   sample.rightAscension = position[pol_index::phi];
   sample.siderealAngle = CalculateApparentSiderealTime(mjd) * kHoursToRadians;
-  if (remembered) entry->sample = sample;
+  entry = memory_.Find(key);
+  if (entry != nullptr) entry->sample = sample;
   return sample;
 }
 

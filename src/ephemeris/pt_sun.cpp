@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 #include "ephemeris/constants.h"
 #include "ephemeris/pt_math.h"
@@ -72,28 +73,51 @@ class PlanetMultiples {
   std::array<Angle, 2 - Smallest> angles_;
 };
 
-/// Perturbations by one planet, whose terms reach down to the multiple Smallest of its anomaly.
-template <int Smallest, std::size_t Count>
-Perturbation Perturb(const std::array<SolarPerturbationTerm, Count>& terms, double T,
-                     const EarthMultiples& earth, double planetAnomaly) {
-  const PlanetMultiples<Smallest> planet(planetAnomaly);
-  Perturbation sum;
-  double u = 0.0;
-  double v = 0.0;
-  for (const SolarPerturbationTerm& term : terms) {
-    if (term.iT == 0) {
-      PtMath::AdditionTheorem(earth[term.I].c, earth[term.I].s, planet[term.i].c,
-                              planet[term.i].s, &u, &v);
-    } else {
-      u *= T;
-      v *= T;
-    }
-    sum.dl += term.dlc * u + term.dls * v;
-    sum.dr += term.drc * u + term.drs * v;
-    sum.db += term.dbc * u + term.dbs * v;
+/// Sums the terms of one planet, whose multiples reach down to Smallest. The rows are walked at
+/// compile time, so that a row costs its products and nothing else.
+template <const auto& Terms, int Smallest>
+class PlanetPerturbation {
+ public:
+  PlanetPerturbation(double T, const EarthMultiples& earth, double planetAnomaly)
+      : T_(T), earth_(earth), planet_(planetAnomaly) {}
+
+  Perturbation Sum() {
+    AddRows(std::make_index_sequence<Terms.size()>());
+    return sum_;
   }
-  return sum;
-}
+
+ private:
+  template <std::size_t... Row>
+  void AddRows(std::index_sequence<Row...>) {
+    (Add<Row>(), ...);
+  }
+
+  template <std::size_t Row>
+  void Add() {
+    constexpr SolarPerturbationTerm term = Terms[Row];
+    if constexpr (term.iT == 0) {
+      const Angle& earth = earth_[term.I];
+      const Angle& planet = planet_[term.i];
+      PtMath::AdditionTheorem(earth.c, earth.s, planet.c, planet.s, &u_, &v_);
+    } else {
+      u_ *= T_;
+      v_ *= T_;
+    }
+    sum_.dl += term.dlc * u_ + term.dls * v_;
+    sum_.dr += term.drc * u_ + term.drs * v_;
+    // Most rows have no part in the latitude.
+    if constexpr (term.dbc != 0.0 || term.dbs != 0.0) {
+      sum_.db += term.dbc * u_ + term.dbs * v_;
+    }
+  }
+
+  double T_;
+  const EarthMultiples& earth_;
+  PlanetMultiples<Smallest> planet_;
+  Perturbation sum_;
+  double u_ = 0.0;
+  double v_ = 0.0;
+};
 
 }  // namespace
 
@@ -110,10 +134,10 @@ Vector3D PtSun::GetEclipticPosition(double T, bool highPrecision) {
   const double U = MeanArgument(0.2591, 1342.2278, T);
 
   const EarthMultiples earth(M3);
-  const Perturbation venus = Perturb<-6>(kVenusTerms, T, earth, M2);
-  const Perturbation mars = Perturb<-8>(kMarsTerms, T, earth, M4);
-  const Perturbation jupiter = Perturb<-4>(kJupiterTerms, T, earth, M5);
-  const Perturbation saturn = Perturb<-2>(kSaturnTerms, T, earth, M6);
+  const Perturbation venus = PlanetPerturbation<kVenusTerms, -6>(T, earth, M2).Sum();
+  const Perturbation mars = PlanetPerturbation<kMarsTerms, -8>(T, earth, M4).Sum();
+  const Perturbation jupiter = PlanetPerturbation<kJupiterTerms, -4>(T, earth, M5).Sum();
+  const Perturbation saturn = PlanetPerturbation<kSaturnTerms, -2>(T, earth, M6).Sum();
   double dl = venus.dl + mars.dl + jupiter.dl + saturn.dl;
   double dr = venus.dr + mars.dr + jupiter.dr + saturn.dr;
   double db = venus.db + mars.db + jupiter.db + saturn.db;

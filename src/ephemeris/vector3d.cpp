@@ -14,18 +14,6 @@ Vector3D::Vector3D(const PtPolar& polar)
   z_ = polar.r * std::sin(polar.theta);
 }
 
-double Vector3D::operator[](index component) const {
-  switch (component) {
-    case index::x:
-      return x_;
-    case index::y:
-      return y_;
-    case index::z:
-      break;
-  }
-  return z_;
-}
-
 double Vector3D::operator[](pol_index component) {
   if (!polarValid_) {
     CalcPolarAngles();

@@ -77,14 +77,14 @@ void DayCalculator::updateDates() {
 
 SunEvent DayCalculator::sunEventFromTwilight(const Twilights& t) {
   SunEvent day;
-  day.civilTwilight = TwilightEvent(t.mjdCivilTwStart, t.mjdCivilTwEnd);
-  day.nauticalTwilight = TwilightEvent(t.mjdNautTwStart, t.mjdNautTwEnd);
-  day.astronomicalTwilight = TwilightEvent(t.mjdAstronomicalTwStart, t.mjdAstronomicalTwEnd);
+  day.civilTwilight = TwilightEvent{t.mjdCivilTwStart, t.mjdCivilTwEnd};
+  day.nauticalTwilight = TwilightEvent{t.mjdNautTwStart, t.mjdNautTwEnd};
+  day.astronomicalTwilight = TwilightEvent{t.mjdAstronomicalTwStart, t.mjdAstronomicalTwEnd};
   if (t.mjdAstronomicalTwEnd2 != kMjdAlwaysInvisible) {
-    day.astronomicalTwilight2 = TwilightEvent(kMjdAlwaysInvisible, t.mjdAstronomicalTwEnd2);
+    day.astronomicalTwilight2 = TwilightEvent{kMjdAlwaysInvisible, t.mjdAstronomicalTwEnd2};
   }
-  day.goldenHour = TwilightEvent(t.mjdGoldenHourStart, t.mjdGoldenHourEnd);
-  day.blueHour = TwilightEvent(t.mjdBlueHourStart, t.mjdBlueHourEnd);
+  day.goldenHour = TwilightEvent{t.mjdGoldenHourStart, t.mjdGoldenHourEnd};
+  day.blueHour = TwilightEvent{t.mjdBlueHourStart, t.mjdBlueHourEnd};
   return day;
 }
 

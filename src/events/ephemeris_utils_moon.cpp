@@ -48,12 +48,13 @@ ephemeris::PtMoonPhases PhasesFromFirstOfMonth(int year, int month) {
 /// The principal phase that falls on the local day of the date; the last one when several do.
 const ephemeris::PtMoonPhaseWithDate* PhaseOnDay(const ephemeris::PtMoonPhases& phases,
                                                  NSDate date) {
-  const int day = date.dayValue();
-  const int month = date.monthValue();
+  NSCalendar& calendar = NSCalendar::cachedCalendar();
+  const NSDateComponents wanted = calendar.componentsFromDate(date);
   const ephemeris::PtMoonPhaseWithDate* found = nullptr;
   for (const auto& phase : phases) {
-    const NSDate phaseDate = NSDate::dateWithPtDateTime(phase->date);
-    if (phaseDate.dayValue() == day && phaseDate.monthValue() == month) found = phase.get();
+    const NSDateComponents local =
+        calendar.componentsFromDate(NSDate::dateWithPtDateTime(phase->date));
+    if (local.day == wanted.day && local.month == wanted.month) found = phase.get();
   }
   return found;
 }

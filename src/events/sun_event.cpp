@@ -33,11 +33,11 @@ void SortMarks(std::vector<LightTypeEvent>& marks) {
 
 }  // namespace
 
-TwilightEvent::TwilightEvent(double mjdStart_, double mjdEnd_)
-    : timeIntervalStart(EphemerisUtils::mjdToTimeInterval(mjdStart_)),
-      timeIntervalEnd(EphemerisUtils::mjdToTimeInterval(mjdEnd_)),
-      mjdStart(mjdStart_),
-      mjdEnd(mjdEnd_) {}
+double TwilightEvent::timeIntervalStart() const {
+  return EphemerisUtils::mjdToTimeInterval(mjdStart);
+}
+
+double TwilightEvent::timeIntervalEnd() const { return EphemerisUtils::mjdToTimeInterval(mjdEnd); }
 
 TwilightIntervals::TwilightIntervals()
     : mjdFirstInterval(ephemeris::kMjdAlwaysInvisible),

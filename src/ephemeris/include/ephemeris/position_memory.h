@@ -56,9 +56,6 @@ class PositionMemory {
   /// Takes the entry in, forgetting the oldest one when full.
   void Add(const Entry& entry);
 
-  /// The entry last found or added, or null.
-  Entry* Latest() { return latest_ < entries_.size() ? &entries_[latest_] : nullptr; }
-
  private:
   /// Entries of one bucket are chained by their slots.
   using Slot = std::uint8_t;
@@ -74,7 +71,6 @@ class PositionMemory {
   std::array<Slot, kCapacity> following_;
   /// The slot that the next entry takes once all are in use.
   std::size_t oldest_ = 0;
-  std::size_t latest_ = 0;
 };
 
 }  // namespace ephemeris

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 
+#include "ephemeris/pt_math.h"
+
 namespace ephemeris {
 
 /// The Moon's geocentric ecliptic position (mean equinox of date) at one instant, from Brown's lunar
@@ -30,17 +32,38 @@ class PtBrownLunarPerturbation {
   double dist() const;
 
  private:
+  struct Angle {
+    double cosine;
+    double sine;
+  };
+
   /// Cosines and sines of the multiples −Largest … +Largest of one argument.
   template <int Largest>
   struct Multiples {
     void Fill(double argument, double factor);
-    double Cos(int multiple) const { return cosines[Index(multiple)]; }
-    double Sin(int multiple) const { return sines[Index(multiple)]; }
+    const Angle& operator[](int multiple) const {
+      return angles[static_cast<std::size_t>(multiple + Largest)];
+    }
+    Angle& operator[](int multiple) { return angles[static_cast<std::size_t>(multiple + Largest)]; }
 
-    static std::size_t Index(int multiple) { return static_cast<std::size_t>(multiple + Largest); }
-    std::array<double, 2 * Largest + 1> cosines;
-    std::array<double, 2 * Largest + 1> sines;
+    std::array<Angle, 2 * Largest + 1> angles;
   };
+
+  /// Cosine and sine of a sum of multiples, starting from the angle zero.
+  struct Product {
+    double cosine = 1.0;
+    double sine = 0.0;
+
+    template <int Largest>
+    void MultiplyBy(const Multiples<Largest>& multiples, int multiple) {
+      if (multiple == 0) return;
+      const Angle& angle = multiples[multiple];
+      PtMath::AdditionTheorem(cosine, sine, angle.cosine, angle.sine, &cosine, &sine);
+    }
+  };
+
+  template <const auto& Terms>
+  class Walk;
 
   double T_;
   double dgam_;

@@ -143,6 +143,9 @@ class PtPlanet {
   double nutationInObliquity_ = 0.0;
 
  private:
+  /// Brings the fields back to what they were after the entry's position was computed.
+  void Restore(const PositionMemory::Entry& entry);
+
   /// What an altitude at this instant needs; computes or recalls the position.
   PositionMemory::Sample SampleAt(double mjd, double deltaT);
 

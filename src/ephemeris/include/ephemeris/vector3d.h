@@ -20,7 +20,17 @@ class Vector3D {
   Vector3D(double x, double y, double z) : x_(x), y_(y), z_(z) {}
   explicit Vector3D(const PtPolar& polar);
 
-  double operator[](index component) const;
+  double operator[](index component) const {
+    switch (component) {
+      case index::x:
+        return x_;
+      case index::y:
+        return y_;
+      case index::z:
+        break;
+    }
+    return z_;
+  }
   double operator[](pol_index component);
 
   /// Recomputes the polar components from the Cartesian ones.

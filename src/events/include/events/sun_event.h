@@ -10,13 +10,12 @@
 
 namespace lumenquest::events {
 
-/// An interval of light: both ends as MJD and as seconds since the platform's reference date.
+/// An interval of light, MJD.
 struct TwilightEvent {
-  TwilightEvent() = default;
-  TwilightEvent(double mjdStart, double mjdEnd);
+  /// Its ends in seconds since the platform's reference date.
+  double timeIntervalStart() const;
+  double timeIntervalEnd() const;
 
-  double timeIntervalStart = 0.0;
-  double timeIntervalEnd = 0.0;
   double mjdStart = 0.0;
   double mjdEnd = 0.0;
 };
