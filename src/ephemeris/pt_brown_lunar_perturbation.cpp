@@ -83,27 +83,40 @@ void PtBrownLunarPerturbation::CalculateTerm(int p, int q, int r, int s, double*
   *y = product.sine;
 }
 
+/// The sums of the series while they grow, apart from the object so that they stay in registers.
+struct PtBrownLunarPerturbation::Sums {
+  void Add(const LunarTerm& term, double x, double y) {
+    dlam += term.cl * y;
+    ds += term.cs * y;
+    gam1c += term.cg * x;
+    sinPi += term.cp * x;
+  }
+  void Add(const LunarLatitudeTerm& term, double, double y) { N += term.cn * y; }
+
+  double dlam;
+  double ds;
+  double gam1c;
+  double sinPi;
+  double N;
+};
+
 /// Walks a table's rows at compile time: the multipliers are constants, so that a row costs its
 /// additions of angles and nothing else. Rows are computed as CalculateTerm() would.
 template <const auto& Terms>
 class PtBrownLunarPerturbation::Walk {
  public:
-  explicit Walk(const PtBrownLunarPerturbation& series) : series_(series) {}
+  Walk(const PtBrownLunarPerturbation& series, Sums& sums) : series_(series), sums_(sums) {}
 
-  /// Calls visit(row, x, y) for each row in order.
-  template <typename Visit>
-  void ForEach(Visit visit) {
-    ForEach(visit, std::make_index_sequence<Terms.size()>());
-  }
+  [[gnu::always_inline]] void AddRows() { AddRows(std::make_index_sequence<Terms.size()>()); }
 
  private:
-  template <typename Visit, std::size_t... Row>
-  void ForEach(Visit visit, std::index_sequence<Row...>) {
-    (Compute<Row>(visit), ...);
+  template <std::size_t... Row>
+  [[gnu::always_inline]] void AddRows(std::index_sequence<Row...>) {
+    (Add<Row>(), ...);
   }
 
-  template <std::size_t Row, typename Visit>
-  void Compute(Visit& visit) {
+  template <std::size_t Row>
+  [[gnu::always_inline]] void Add() {
     constexpr auto& term = Terms[Row];
     // Neighbouring rows often differ in the last multiplier only.
     if constexpr (!HasPrefixOfRowBefore(Row)) {
@@ -114,7 +127,7 @@ class PtBrownLunarPerturbation::Walk {
     }
     Product product = prefix_;
     product.MultiplyBy(series_.multiplesOfD_, term.s);
-    visit(term, product.cosine, product.sine);
+    sums_.Add(term, product.cosine, product.sine);
   }
 
   static constexpr bool HasPrefixOfRowBefore(std::size_t row) {
@@ -125,18 +138,19 @@ class PtBrownLunarPerturbation::Walk {
   }
 
   const PtBrownLunarPerturbation& series_;
+  Sums& sums_;
   Product prefix_;
 };
 
 void PtBrownLunarPerturbation::Calculate() {
-  Walk<kLunarTerms>(*this).ForEach([this](const LunarTerm& term, double x, double y) {
-    dlam_ += term.cl * y;
-    ds_ += term.cs * y;
-    gam1c_ += term.cg * x;
-    sinPi_ += term.cp * x;
-  });
-  Walk<kLunarLatitudeTerms>(*this).ForEach(
-      [this](const LunarLatitudeTerm& term, double, double y) { N_ += term.cn * y; });
+  Sums sums{dlam_, ds_, gam1c_, sinPi_, N_};
+  Walk<kLunarTerms>(*this, sums).AddRows();
+  Walk<kLunarLatitudeTerms>(*this, sums).AddRows();
+  dlam_ = sums.dlam;
+  ds_ = sums.ds;
+  gam1c_ = sums.gam1c;
+  sinPi_ = sums.sinPi;
+  N_ = sums.N;
   AddPlanetaryPerturbation(T_);
 }
 

@@ -62,6 +62,7 @@ class PtBrownLunarPerturbation {
     }
   };
 
+  struct Sums;
   template <const auto& Terms>
   class Walk;
 
