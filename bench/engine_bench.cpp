@@ -1,5 +1,5 @@
-// Speed of the engine and of the calculator, as multiples of one eraMoon98 call in the same run, with
-// libnova beside it where it offers the same. Exits with 1 when a figure is above its limit.
+// Speed of the engine and of the calculator, as multiples of one eraMoon98 call in the same run,
+// with libnova beside it where it offers the same. Exits with 1 when a figure is above its limit.
 
 #include <benchmark/benchmark.h>
 #include <erfa.h>
@@ -55,7 +55,8 @@ double NextInstant() {
 }
 
 void InstallAt(const char* instant) {
-  app::installServices("en", std::make_shared<adapters::FixedClock>(*adapters::parseRfc3339(instant)));
+  app::installServices("en",
+                       std::make_shared<adapters::FixedClock>(*adapters::parseRfc3339(instant)));
 }
 
 void Moon98(benchmark::State& state) {
@@ -149,8 +150,8 @@ void NextVisibleDate(benchmark::State& state) {
   for (auto _ : state) {
     PtSun sun(place);
     PtMilkyWay milkyWay(place);
-    const auto date = events::MilkyWay().nextDateGalacticCenterIsVisible(
-        milkyWay, sun, platform::NSDate::date());
+    const auto date =
+        events::MilkyWay().nextDateGalacticCenterIsVisible(milkyWay, sun, platform::NSDate::date());
     if (date) state.SkipWithError("the search ended before the 180th day");
     state.counters["series"] = static_cast<double>(sun.positionsComputed());
   }

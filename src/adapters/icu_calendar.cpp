@@ -76,8 +76,8 @@ class IcuCalendar final : public platform::NSCalendar {
   static std::unique_ptr<icu::GregorianCalendar> NewCalendar(const std::string& locale,
                                                              const NSTimeZone& zone) {
     UErrorCode status = U_ZERO_ERROR;
-    auto calendar = std::make_unique<icu::GregorianCalendar>(
-        makeIcuTimeZone(zone).release(), icu::Locale(locale.c_str()), status);
+    auto calendar = std::make_unique<icu::GregorianCalendar>(makeIcuTimeZone(zone).release(),
+                                                             icu::Locale(locale.c_str()), status);
     LUMENQUEST_ASSERT(U_SUCCESS(status));
     return calendar;
   }

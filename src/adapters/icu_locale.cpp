@@ -1,6 +1,6 @@
 #include <unicode/locid.h>
-#include <unicode/uscript.h>
 #include <unicode/uregion.h>
+#include <unicode/uscript.h>
 
 #include <algorithm>
 #include <cstring>

@@ -27,8 +27,8 @@ class SystemTimeZone final : public icu::TimeZone {
     dstOffset = 0;
   }
 
-  int32_t getOffset(uint8_t era, int32_t year, int32_t month, int32_t day, uint8_t,
-                    int32_t millis, UErrorCode& status) const override {
+  int32_t getOffset(uint8_t era, int32_t year, int32_t month, int32_t day, uint8_t, int32_t millis,
+                    UErrorCode& status) const override {
     if (U_FAILURE(status)) return 0;
     const int32_t astronomicalYear = era == icu::GregorianCalendar::AD ? year : 1 - year;
     const absl::CivilSecond civil(absl::CivilDay(astronomicalYear, month + 1, day));

@@ -105,8 +105,8 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
 
   out << output << std::flush;
   if (!out) {
-    return fail(kExitFailure,
-                stringWithFormat(appText("error_output"), {std::generic_category().message(errno)}));
+    return fail(kExitFailure, stringWithFormat(appText("error_output"),
+                                               {std::generic_category().message(errno)}));
   }
   return kExitSuccess;
 }

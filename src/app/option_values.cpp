@@ -40,9 +40,7 @@ double ParseDegrees(const char* option, const OptionText& text, double bound,
 
 }  // namespace
 
-std::string appText(const char* key) {
-  return platform::localizedString(key, platform::kTableApp);
-}
+std::string appText(const char* key) { return platform::localizedString(key, platform::kTableApp); }
 
 void throwBadOption(const char* option, const std::string& value, const char* expectationKey) {
   throw UsageError(

@@ -17,8 +17,7 @@ Json ToJson(const std::optional<platform::NSDate>& date) {
 }
 
 Json ToJson(const platform::CLLocation& location) {
-  return {{"latitude", location.coordinate.latitude},
-          {"longitude", location.coordinate.longitude}};
+  return {{"latitude", location.coordinate.latitude}, {"longitude", location.coordinate.longitude}};
 }
 
 Json ValuesJson(const events::WidgetAstrolib& values) {

@@ -51,8 +51,8 @@ std::string CoordinateText(const platform::CLLocationCoordinate2D& coordinate) {
     return stringWithFormat("%@° %@", {Number(std::fabs(degrees), 4),
                                        EphemerisText(degrees < 0.0 ? negativeKey : positiveKey)});
   };
-  return axis(coordinate.latitude, "cardinal_point_north_abbr", "cardinal_point_south_abbr") + ", " +
-         axis(coordinate.longitude, "cardinal_point_east_abbr", "cardinal_point_west_abbr");
+  return axis(coordinate.latitude, "cardinal_point_north_abbr", "cardinal_point_south_abbr") +
+         ", " + axis(coordinate.longitude, "cardinal_point_east_abbr", "cardinal_point_west_abbr");
 }
 
 std::string CompassPoint(double azimuth) {
@@ -139,17 +139,16 @@ std::string todayText(const TodayReport& report) {
 
   table.Row(appText("row_light_now"), values.currentLightType);
   table.Row(appText("row_light_next"),
-            values.nextEventName ? stringWithFormat(appText("value_light_at"),
-                                                    {*values.nextEventName,
-                                                     time(values.nextEventMjd)})
-                                 : kNothing);
+            values.nextEventName
+                ? stringWithFormat(appText("value_light_at"),
+                                   {*values.nextEventName, time(values.nextEventMjd)})
+                : kNothing);
   table.Gap();
   table.Row(appText("row_sunrise"), time(values.mjdSunRise));
   table.Row(appText("row_sunset"), time(values.mjdSunSet));
   table.Row(EphemerisText("twilight_golden_hour"), interval(values.goldenHourInterval));
   table.Row(EphemerisText("twilight_blue_hour"), interval(values.blueHourInterval));
-  table.Row(EphemerisText("twilight_astronomical"),
-            interval(values.astronomicalTwilightInterval));
+  table.Row(EphemerisText("twilight_astronomical"), interval(values.astronomicalTwilightInterval));
   table.Gap();
   table.Row(appText("row_moon"), values.moonPhase.value_or(kNothing));
   table.Row(appText("row_moonrise"), time(values.mjdMoonRise));

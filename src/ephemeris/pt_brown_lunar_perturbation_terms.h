@@ -8,9 +8,9 @@
 
 namespace ephemeris {
 
-/// Solar perturbation with the angle p·l + q·ls + r·F + s·D. Arcseconds: sine terms of the longitude
-/// (cl) and of the argument of latitude (cs), cosine terms of the latitude factor (cg) and of the
-/// horizontal parallax (cp).
+/// Solar perturbation with the angle p·l + q·ls + r·F + s·D. Arcseconds: sine terms of the
+/// longitude (cl) and of the argument of latitude (cs), cosine terms of the latitude factor (cg)
+/// and of the horizontal parallax (cp).
 struct LunarTerm {
   int p, q, r, s;
   double cl, cs, cg, cp;

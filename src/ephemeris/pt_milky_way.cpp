@@ -48,7 +48,9 @@ class Band {
   }
 
   /// `t` and an angle further on.
-  static float Further(float t, double by) { return static_cast<float>(static_cast<double>(t) + by); }
+  static float Further(float t, double by) {
+    return static_cast<float>(static_cast<double>(t) + by);
+  }
 
  private:
   double Component(index component, float t) const {
@@ -96,8 +98,8 @@ void PtMilkyWay::FindVisibleFromTo(double rise, double set, double nightEnd, dou
                                    double* visibleFrom, double* visibleTo) {
   const auto never = [&] { *visibleFrom = *visibleTo = kMjdAlwaysInvisible; };
 
-  const bool noNight = nightStart == kMjdNoRiseOrSet || nightStart == kMjdCircumpolar ||
-                       nightEnd == kMjdCircumpolar;
+  const bool noNight =
+      nightStart == kMjdNoRiseOrSet || nightStart == kMjdCircumpolar || nightEnd == kMjdCircumpolar;
   if (noNight || rise == kMjdAlwaysInvisible) {
     never();
     return;
@@ -171,9 +173,8 @@ void PtMilkyWay::CalculateMilkyWayPosition(double mjd, double deltaT, Vector3D* 
   const float foot2 = Band::Normalize(Band::Further(foot1, kPi));
   const double foot1Degrees = static_cast<double>(foot1) * kRadiansToDegrees;
   const double foot2Degrees = static_cast<double>(foot2) * kRadiansToDegrees;
-  const bool firstIsNearer =
-      std::fabs(PtMath::AngleDifference(centrePlace.phi, foot1Degrees)) <
-      std::fabs(PtMath::AngleDifference(centrePlace.phi, foot2Degrees));
+  const bool firstIsNearer = std::fabs(PtMath::AngleDifference(centrePlace.phi, foot1Degrees)) <
+                             std::fabs(PtMath::AngleDifference(centrePlace.phi, foot2Degrees));
   const double foot = firstIsNearer ? foot1Degrees : foot2Degrees;
   if (PtMath::AngleDifference(static_cast<double>(highest) * kRadiansToDegrees, foot) < 0.0) {
     *signedTilt = -*signedTilt;

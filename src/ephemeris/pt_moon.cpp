@@ -35,19 +35,18 @@ Vector3D PtMoon::GetEclipticPositionLowPrecision(double T) {
   const double D = kTwoPi * PtMath::Frac(0.827361 + 1236.853086 * T);
   const double F = kTwoPi * PtMath::Frac(0.259086 + 1342.227825 * T);
 
-  const double dL = 22640.0 * std::sin(l) - 4586.0 * std::sin(l - 2.0 * D) +
-                    2370.0 * std::sin(2.0 * D) + 769.0 * std::sin(2.0 * l) -
-                    668.0 * std::sin(ls) - 412.0 * std::sin(2.0 * F) -
-                    212.0 * std::sin(2.0 * l - 2.0 * D) - 206.0 * std::sin(l + ls - 2.0 * D) +
-                    192.0 * std::sin(l + 2.0 * D) - 165.0 * std::sin(ls - 2.0 * D) -
-                    125.0 * std::sin(D) - 110.0 * std::sin(l + ls) + 148.0 * std::sin(l - ls) -
-                    55.0 * std::sin(2.0 * F - 2.0 * D);
+  const double dL =
+      22640.0 * std::sin(l) - 4586.0 * std::sin(l - 2.0 * D) + 2370.0 * std::sin(2.0 * D) +
+      769.0 * std::sin(2.0 * l) - 668.0 * std::sin(ls) - 412.0 * std::sin(2.0 * F) -
+      212.0 * std::sin(2.0 * l - 2.0 * D) - 206.0 * std::sin(l + ls - 2.0 * D) +
+      192.0 * std::sin(l + 2.0 * D) - 165.0 * std::sin(ls - 2.0 * D) - 125.0 * std::sin(D) -
+      110.0 * std::sin(l + ls) + 148.0 * std::sin(l - ls) - 55.0 * std::sin(2.0 * F - 2.0 * D);
   const double S =
       F + (dL + 412.0 * std::sin(2.0 * F) + 541.0 * std::sin(ls)) / kArcsecondsPerRadian;
   const double h = F - 2.0 * D;
   const double N = -526.0 * std::sin(h) + 44.0 * std::sin(l + h) - 31.0 * std::sin(h - l) -
-                   23.0 * std::sin(ls + h) + 11.0 * std::sin(h - ls) - 25.0 * std::sin(F - 2.0 * l) +
-                   21.0 * std::sin(F - l);
+                   23.0 * std::sin(ls + h) + 11.0 * std::sin(h - ls) -
+                   25.0 * std::sin(F - 2.0 * l) + 21.0 * std::sin(F - l);
 
   const double lambda = kTwoPi * PtMath::Frac(L0 + dL / kArcsecondsPerRevolution);
   const double beta = (18520.0 * std::sin(S) + N) / kArcsecondsPerRadian;
@@ -60,9 +59,8 @@ double PtMoon::CalculateSemidiameterAtUnitDistance(double sinPi, double) {
   return std::asin(kMoonRadius * sinPi) * kRadiansToDegrees;
 }
 
-void PtMoon::CalculatePhase(Vector3D* moonEcliptic, Vector3D* moonEquatorial,
-                            Vector3D* sunEcliptic, Vector3D* sunEquatorial, double moonHourAngle,
-                            MoonPhase* result) {
+void PtMoon::CalculatePhase(Vector3D* moonEcliptic, Vector3D* moonEquatorial, Vector3D* sunEcliptic,
+                            Vector3D* sunEquatorial, double moonHourAngle, MoonPhase* result) {
   const double lambda = (*moonEcliptic)[pol_index::phi];
   const double beta = (*moonEcliptic)[pol_index::theta];
   const double moonDistance = (*moonEcliptic)[pol_index::r];
@@ -75,8 +73,8 @@ void PtMoon::CalculatePhase(Vector3D* moonEcliptic, Vector3D* moonEquatorial,
 
   const double cosElongation = std::cos(beta) * std::cos(lambda - sunLongitude);
   const double elongation = std::acos(cosElongation);
-  const double phaseAngle = std::atan2(sunDistance * std::sin(elongation),
-                                       moonDistance - sunDistance * cosElongation);
+  const double phaseAngle =
+      std::atan2(sunDistance * std::sin(elongation), moonDistance - sunDistance * cosElongation);
   result->illumination = (1.0 + std::cos(phaseAngle)) / 2.0;
   result->phaseAngle = std::fabs(phaseAngle) * kRadiansToDegrees;
 

@@ -27,8 +27,7 @@ bool PtMoonApogeePerigee::CalculateForK(double k, PtApogeePerigee* result) {
   const double T3 = T2 * T_;
   const double T4 = T3 * T_;
   jde_ = 2451534.6698 + 27.55454989 * k - 0.0006691 * T2 - 0.000001098 * T3 + 0.0000000052 * T4;
-  D_ = std::fmod((171.9179 + 335.9106046 * k - 0.010025 * T2 - 0.00001156 * T3 +
-                  0.000000055 * T4) *
+  D_ = std::fmod((171.9179 + 335.9106046 * k - 0.010025 * T2 - 0.00001156 * T3 + 0.000000055 * T4) *
                      kDegreesToRadians,
                  kTwoPi);
   M_ = std::fmod((347.3477 + 27.1577721 * k - 0.0008323 * T2 - 0.000001 * T3) * kDegreesToRadians,
@@ -48,13 +47,9 @@ bool PtMoonApogeePerigee::CalculateForK(double k, PtApogeePerigee* result) {
   return true;
 }
 
-void PtMoonApogeePerigee::SumTermsApogee() {
-  SumTerms(kApogeeTimeTerms, kApogeeParallaxTerms);
-}
+void PtMoonApogeePerigee::SumTermsApogee() { SumTerms(kApogeeTimeTerms, kApogeeParallaxTerms); }
 
-void PtMoonApogeePerigee::SumTermsPerigee() {
-  SumTerms(kPerigeeTimeTerms, kPerigeeParallaxTerms);
-}
+void PtMoonApogeePerigee::SumTermsPerigee() { SumTerms(kPerigeeTimeTerms, kPerigeeParallaxTerms); }
 
 void PtMoonApogeePerigee::SumTerms(std::span<const ApsisTerm> timeTerms,
                                    std::span<const ApsisTerm> parallaxTerms) {

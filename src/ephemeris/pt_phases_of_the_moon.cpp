@@ -35,22 +35,22 @@ double PhaseJde(double k, MoonPhaseType type) {
   const double powersOfE[] = {1.0, E, E * E};
   const double M =
       (2.5534 + 29.10535669 * k - 0.0000218 * T2 - 0.00000011 * T3) * kDegreesToRadians;
-  const double Mp = (201.5643 + 385.81693528 * k + 0.0107438 * T2 + 0.00001239 * T3 -
-                     0.000000058 * T4) *
-                    kDegreesToRadians;
-  const double F = (160.7108 + 390.67050274 * k - 0.0016341 * T2 - 0.00000227 * T3 +
-                    0.000000011 * T4) *
-                   kDegreesToRadians;
+  const double Mp =
+      (201.5643 + 385.81693528 * k + 0.0107438 * T2 + 0.00001239 * T3 - 0.000000058 * T4) *
+      kDegreesToRadians;
+  const double F =
+      (160.7108 + 390.67050274 * k - 0.0016341 * T2 - 0.00000227 * T3 + 0.000000011 * T4) *
+      kDegreesToRadians;
   const double node =
       (124.7746 - 1.5637558 * k + 0.0020691 * T2 + 0.00000215 * T3) * kDegreesToRadians;
 
-  const double mean = 2451550.09765 + 29.530588853 * k + 0.0001337 * T2 - 0.00000015 * T3 +
-                      0.00000000073 * T4;
+  const double mean =
+      2451550.09765 + 29.530588853 * k + 0.0001337 * T2 - 0.00000015 * T3 + 0.00000000073 * T4;
 
   double periodic = 0.0;
   for (const PhaseTerm& term : TermsOf(type)) {
-    const double angle = term.moonAnomaly * Mp + term.sunAnomaly * M + term.latitudeArgument * F +
-                         term.node * node;
+    const double angle =
+        term.moonAnomaly * Mp + term.sunAnomaly * M + term.latitudeArgument * F + term.node * node;
     periodic += term.coefficient * powersOfE[term.powerOfE] * std::sin(angle);
   }
 

@@ -107,10 +107,9 @@ Matrix3D PtPlanet::NutationMatrix(double T) {
       (-17.2 * std::sin(N) - 1.319 * std::sin(2.0 * (F - D + N)) - 0.227 * std::sin(2.0 * (F + N)) +
        0.206 * std::sin(2.0 * N) + 0.143 * std::sin(ls)) /
       kArcsecondsPerRadian;
-  nutationInObliquity_ =
-      (9.203 * std::cos(N) + 0.574 * std::cos(2.0 * (F - D + N)) + 0.098 * std::cos(2.0 * (F + N)) -
-       0.09 * std::cos(2.0 * N)) /
-      kArcsecondsPerRadian;
+  nutationInObliquity_ = (9.203 * std::cos(N) + 0.574 * std::cos(2.0 * (F - D + N)) +
+                          0.098 * std::cos(2.0 * (F + N)) - 0.09 * std::cos(2.0 * N)) /
+                         kArcsecondsPerRadian;
 
   const double obliquity = 0.4090928 - 0.00022696 * T;
   return Matrix3D::R_x(-obliquity - nutationInObliquity_) * Matrix3D::R_z(-nutationInLongitude_) *
@@ -151,8 +150,8 @@ PtPolar PtPlanet::TopocentricToHorizontalCoordinates(double hourAngle, double de
   const double cosLat = std::cos(latitude);
   const double cosHourAngle = std::cos(hourAngle);
 
-  const double azimuth = std::atan2(std::sin(hourAngle),
-                                    cosHourAngle * sinLat - std::tan(declination) * cosLat);
+  const double azimuth =
+      std::atan2(std::sin(hourAngle), cosHourAngle * sinLat - std::tan(declination) * cosLat);
   const double elevation =
       std::asin(sinLat * std::sin(declination) + cosLat * std::cos(declination) * cosHourAngle);
   return PtPolar(azimuth * kRadiansToDegrees + 180.0, elevation * kRadiansToDegrees, distance);
@@ -167,8 +166,8 @@ void PtPlanet::CalculateEclipticEquatorialAndHorizontalPositions(double mjd, dou
   double declination = 0.0;
   EquatorialToTopocentricCoordinates(gast, &equatorialPosition_, &hourAngle, &declination,
                                      &semidiameter_);
-  horizontalPosition_ = TopocentricToHorizontalCoordinates(hourAngle, declination,
-                                                           equatorialPosition_[pol_index::r]);
+  horizontalPosition_ =
+      TopocentricToHorizontalCoordinates(hourAngle, declination, equatorialPosition_[pol_index::r]);
   horizontalPosition_.theta =
       std::min(90.0, horizontalPosition_.theta + RefractionTrue(horizontalPosition_.theta));
 }

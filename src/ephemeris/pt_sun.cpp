@@ -155,9 +155,8 @@ Vector3D PtSun::GetEclipticPosition(double T, bool highPrecision) {
         0.27 * std::sin(kTwoPi * (0.4189 + 0.3306 * T)) +
         0.20 * std::sin(kTwoPi * (0.3581 + 2.4814 * T));
 
-  const double l =
-      kTwoPi * PtMath::Frac(0.7859453 + M3 / kTwoPi +
-                            ((6191.2 + 1.1 * T) * T + dl) / kArcsecondsPerRevolution);
+  const double l = kTwoPi * PtMath::Frac(0.7859453 + M3 / kTwoPi +
+                                         ((6191.2 + 1.1 * T) * T + dl) / kArcsecondsPerRevolution);
   const double b = db / kArcsecondsPerRadian;
   const double r = 1.0001398 - 0.0000007 * T + dr * 1e-6;
   return Vector3D(PtPolar(l, b, r));

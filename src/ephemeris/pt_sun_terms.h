@@ -8,9 +8,9 @@
 
 namespace ephemeris {
 
-/// One term: the angle is I·M + i·m, M and m being the mean anomalies of the Earth and of the planet,
-/// times T to the power iT. Coefficients of cosine (c) and sine (s): longitude and latitude in
-/// arcseconds, radius in 1e-6 AU. A row with iT > 0 continues the row before it.
+/// One term: the angle is I·M + i·m, M and m being the mean anomalies of the Earth and of the
+/// planet, times T to the power iT. Coefficients of cosine (c) and sine (s): longitude and latitude
+/// in arcseconds, radius in 1e-6 AU. A row with iT > 0 continues the row before it.
 struct SolarPerturbationTerm {
   int I;
   int i;

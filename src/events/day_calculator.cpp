@@ -25,7 +25,7 @@ constexpr double kFourHours = 1.0 / 6.0;
 
 /// Which light begins at which crossing.
 struct LightChange {
-  double Twilights::* mjd;
+  double Twilights::*mjd;
   const char* nameKey;
 };
 
@@ -110,8 +110,8 @@ void DayCalculator::calculateRiseSetForBody(ephemeris::PtPlanet& body, bool isSu
   const auto isLongPast = [&](double mjd) { return mjd < mjdNow_ - kFourHours; };
 
   if (*rise != kMjdCircumpolar) {
-    const bool isPast = isSun ? *rise < mjdTodayAtNoon_ && mjdTodayAtNoon_ < mjdNow_
-                              : isLongPast(*rise);
+    const bool isPast =
+        isSun ? *rise < mjdTodayAtNoon_ && mjdTodayAtNoon_ < mjdNow_ : isLongPast(*rise);
     if (!addEventWithMjd(*rise) || isPast) {
       const double next = lookAtTomorrow().rise;
       if (addEventWithMjd(next)) *rise = next;
@@ -138,10 +138,9 @@ std::shared_ptr<BodyInfoEvent> DayCalculator::calculateNextLightWithSun(
   for (const LightChange& change : kLightChanges) {
     if (addEventWithMjd(twilights.*change.mjd)) changes.push_back(change);
   }
-  std::stable_sort(changes.begin(), changes.end(),
-                   [&](const LightChange& a, const LightChange& b) {
-                     return twilights.*a.mjd < twilights.*b.mjd;
-                   });
+  std::stable_sort(changes.begin(), changes.end(), [&](const LightChange& a, const LightChange& b) {
+    return twilights.*a.mjd < twilights.*b.mjd;
+  });
   const auto next = std::find_if(changes.begin(), changes.end(), [&](const LightChange& change) {
     return twilights.*change.mjd > mjdNow_;
   });
@@ -185,8 +184,7 @@ void DayCalculator::calculateIntervals() {
 
 bool DayCalculator::calculateGalacticCenterWindow(ephemeris::PtMilkyWay& milkyWay,
                                                   ephemeris::PtSun& sun, NSDate date) {
-  const MilkyWayEvent event =
-      MilkyWay().calculateGalacticCenterVisibility(milkyWay, sun, date);
+  const MilkyWayEvent event = MilkyWay().calculateGalacticCenterVisibility(milkyWay, sun, date);
   const bool visible = event.mjdVisibilityFrom != kMjdAlwaysInvisible;
   if (visible) {
     const auto signedTilt = [&](double mjd) {

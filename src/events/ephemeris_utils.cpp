@@ -101,7 +101,8 @@ std::string EphemerisUtils::stringForIntervalMjdStart(double mjdStart, double mj
                                                       double mjdTodayAt0, double mjdTomorrowAt0) {
   const std::string plus = DayPlus();
   const std::string minus = DayMinus();
-  std::string start = IsOpenEnd(mjdStart) ? minus : stringForMjd(mjdStart, mjdTodayAt0, mjdTomorrowAt0);
+  std::string start =
+      IsOpenEnd(mjdStart) ? minus : stringForMjd(mjdStart, mjdTodayAt0, mjdTomorrowAt0);
   const std::string end =
       IsOpenEnd(mjdEnd) ? plus : stringForMjd(mjdEnd, mjdTodayAt0, mjdTomorrowAt0);
   if (hasRepeatedPlusMinsOneDayStart(start, end)) {

@@ -89,8 +89,8 @@ struct DayStart {
 
 std::optional<std::string> EphemerisUtils::moonPhaseToString(int phase) {
   static constexpr std::array<const char*, 8> keys{
-      "phase_new_moon",        "phase_first_quarter",  "phase_full_moon",
-      "phase_last_quarter",    "phase_waxing_crescent", "phase_waxing_gibbous",
+      "phase_new_moon",       "phase_first_quarter",   "phase_full_moon",
+      "phase_last_quarter",   "phase_waxing_crescent", "phase_waxing_gibbous",
       "phase_waning_gibbous", "phase_waning_crescent"};
   if (phase < 0 || phase >= static_cast<int>(keys.size())) return std::nullopt;
   return platform::localizedString(keys[static_cast<std::size_t>(phase)],
@@ -98,15 +98,14 @@ std::optional<std::string> EphemerisUtils::moonPhaseToString(int phase) {
 }
 
 MoonPhaseResult EphemerisUtils::moonPhaseDataForMjd(double mjd, double withDeltaT,
-                                                    ephemeris::PtSun& sun,
-                                                    ephemeris::PtMoon& moon, NSDate currentDate) {
+                                                    ephemeris::PtSun& sun, ephemeris::PtMoon& moon,
+                                                    NSDate currentDate) {
   return moonPhaseDataForMjd(mjd, withDeltaT, sun, moon, currentDate, true);
 }
 
 MoonPhaseResult EphemerisUtils::moonPhaseDataForMjd(double mjd, double withDeltaT,
-                                                    ephemeris::PtSun& sun,
-                                                    ephemeris::PtMoon& moon, NSDate currentDate,
-                                                    bool withHighPrecision) {
+                                                    ephemeris::PtSun& sun, ephemeris::PtMoon& moon,
+                                                    NSDate currentDate, bool withHighPrecision) {
   sun.CalculateEclipticEquatorialAndHorizontalPositions(mjd, withDeltaT, true);
   moon.CalculateEclipticEquatorialAndHorizontalPositions(mjd, withDeltaT, true);
 

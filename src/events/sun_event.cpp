@@ -158,9 +158,11 @@ TwilightIntervals SunEvent::goldenHourIntervals() const {
   return twilightIntervalForLightType(LightType::LightTypeGoldenHour);
 }
 
-std::optional<std::string> SunEvent::currentEventForLightType(
-    LightType lightType, double atMjd, const SunEvent& yesterdayEvents,
-    const SunEvent& tomorrowEvents, double mjdTodayAt0, double mjdTomorrowAt0) const {
+std::optional<std::string> SunEvent::currentEventForLightType(LightType lightType, double atMjd,
+                                                              const SunEvent& yesterdayEvents,
+                                                              const SunEvent& tomorrowEvents,
+                                                              double mjdTodayAt0,
+                                                              double mjdTomorrowAt0) const {
   std::vector<LightTypeEvent> marks;
   addEvents(yesterdayEvents, lightType, marks);
   addEvents(*this, lightType, marks);
@@ -172,8 +174,7 @@ std::optional<std::string> SunEvent::currentEventForLightType(
     return mjdStart > atMjd || mjdEnd > cutoff;
   };
   const auto text = [&](double mjdStart, double mjdEnd) {
-    return EphemerisUtils::stringForIntervalMjdStart(mjdStart, mjdEnd, mjdTodayAt0,
-                                                     mjdTomorrowAt0);
+    return EphemerisUtils::stringForIntervalMjdStart(mjdStart, mjdEnd, mjdTodayAt0, mjdTomorrowAt0);
   };
 
   for (std::size_t i = 0; i < marks.size();) {

@@ -36,8 +36,7 @@ void TodayViewModel::calculateGalacticCenterVisibilityWithSun(ephemeris::PtSun& 
   if (calculateGalacticCenterWindow(milkyWay, sun, currentDate_)) {
     dateNextVisiblity.reset();
   } else {
-    dateNextVisiblity =
-        MilkyWay().nextDateGalacticCenterIsVisible(milkyWay, sun, currentDate_);
+    dateNextVisiblity = MilkyWay().nextDateGalacticCenterIsVisible(milkyWay, sun, currentDate_);
   }
 }
 

@@ -9,9 +9,8 @@ namespace {
 
 /// The tab and the characters of category Zs.
 constexpr std::array<std::string_view, 18> kWhitespace{
-    "\t",           " ",            "\u00A0", "\u1680", "\u2000", "\u2001",
-    "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007",
-    "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"};
+    "\t",     " ",      "\u00A0", "\u1680", "\u2000", "\u2001", "\u2002", "\u2003", "\u2004",
+    "\u2005", "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u202F", "\u205F", "\u3000"};
 
 /// Length of the white-space character at the start or end of the text, 0 when there is none.
 template <typename Touches>

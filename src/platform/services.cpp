@@ -16,9 +16,7 @@ std::unique_ptr<Services>& Installed() {
 
 }  // namespace
 
-void Services::install(Adapters adapters) {
-  Installed().reset(new Services(std::move(adapters)));
-}
+void Services::install(Adapters adapters) { Installed().reset(new Services(std::move(adapters))); }
 
 Services& Services::current() {
   Services* installed = Installed().get();

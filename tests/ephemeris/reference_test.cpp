@@ -87,7 +87,9 @@ const std::map<std::string, Operation>& Operations() {
          return ToJson(date);
        }},
       {"PtDateTime.DeltaT",
-       [](const Json& in) { return Json{{"deltaT", DateOf(in).DeltaT()}}; }},
+       [](const Json& in) {
+         return Json{{"deltaT", DateOf(in).DeltaT()}};
+       }},
       {"PtDateTime.SiderealTimeAtGreenwich",
        [](const Json& in) {
          return Json{{"hours", PtDateTime::SiderealTimeAtGreenwich(in.at("mjd"))}};
@@ -111,8 +113,8 @@ const std::map<std::string, Operation>& Operations() {
       {"GetEquatorialPosition",
        [](const Json& in) {
          const auto body = Body(in);
-         Json out = Polar(body->GetEquatorialPosition(in.at("mjd"), in.at("deltaT"),
-                                                      in.at("highPrecision")));
+         Json out = Polar(
+             body->GetEquatorialPosition(in.at("mjd"), in.at("deltaT"), in.at("highPrecision")));
          out["mean"] = Cartesian(body->equatorialPosition());
          out["obliquity"] = body->obliquity();
          out["nutationInLongitude"] = body->nutationInLongitude();
@@ -247,16 +249,16 @@ const std::map<std::string, Operation>& Operations() {
        [](const Json& in) {
          double from = 0.0, to = 0.0;
          PtMilkyWay(PtPosition())
-             .FindVisibleFromTo(in.at("rise"), in.at("set"), in.at("nightEnd"),
-                                in.at("nightStart"), &from, &to);
+             .FindVisibleFromTo(in.at("rise"), in.at("set"), in.at("nightEnd"), in.at("nightStart"),
+                                &from, &to);
          return Json{{"visibleFrom", from}, {"visibleTo", to}};
        }},
   };
   return operations;
 }
 
-/// Deviation in units in the last place of numbers of order one or of the value itself, whichever is
-/// larger. Values near zero come out of differences of values of order one.
+/// Deviation in units in the last place of numbers of order one or of the value itself, whichever
+/// is larger. Values near zero come out of differences of values of order one.
 double Ulps(double actual, double expected) {
   const double magnitude = std::max(1.0, std::fabs(expected));
   const double ulp = std::nextafter(magnitude, INFINITY) - magnitude;
@@ -268,7 +270,8 @@ double Compare(const Json& actual, const Json& expected, const std::string& wher
   double worst = 0.0;
   if (expected.is_object()) {
     for (const auto& [key, value] : expected.items()) {
-      if (actual.contains(key)) worst = std::max(worst, Compare(actual[key], value, where + "." + key));
+      if (actual.contains(key))
+        worst = std::max(worst, Compare(actual[key], value, where + "." + key));
     }
   } else if (expected.is_array()) {
     EXPECT_EQ(actual.size(), expected.size()) << where;

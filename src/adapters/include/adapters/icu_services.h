@@ -20,7 +20,8 @@ class IcuCalendarService final : public platform::CalendarService {
  public:
   IcuCalendarService(std::string locale, std::shared_ptr<platform::TimeZoneService> timeZones);
   std::unique_ptr<platform::NSCalendar> currentCalendar() override;
-  std::unique_ptr<platform::NSCalendar> gregorianCalendar(const platform::NSTimeZone& zone) override;
+  std::unique_ptr<platform::NSCalendar> gregorianCalendar(
+      const platform::NSTimeZone& zone) override;
 
  private:
   std::string locale_;

@@ -8,8 +8,8 @@
 namespace lumenquest::adapters {
 
 /// Timestamps after RFC 3339, such as 2024-08-12T21:30:00Z or 2024-08-12T23:30:00.5+02:00, in the
-/// Gregorian calendar extended to all years. Beyond the four digits of the standard a year carries a
-/// sign: -0500-03-21T12:00:00Z.
+/// Gregorian calendar extended to all years. Beyond the four digits of the standard a year carries
+/// a sign: -0500-03-21T12:00:00Z.
 
 /// Nothing when the text is no such timestamp or names a date or time that does not exist.
 std::optional<platform::NSDate> parseRfc3339(const std::string& text);

@@ -1,11 +1,9 @@
 #pragma once
 
-
 #include <mutex>
 #include <string>
 
 #include "platform/services.h"
-
 
 namespace lumenquest::adapters {
 

@@ -7,8 +7,8 @@
 
 namespace lumenquest::app {
 
-/// Folder of the string tables and the other resources: beside the program's folder in the build and
-/// in an installed tree that was moved, else where the installation put it.
+/// Folder of the string tables and the other resources: beside the program's folder in the build
+/// and in an installed tree that was moved, else where the installation put it.
 std::string resourceFolder();
 
 /// Installs the adapters for a locale (an ICU identifier) and a clock.

@@ -30,7 +30,8 @@ struct TodayReport {
   std::optional<platform::NSDate> dateNextVisiblity;
 };
 
-/// Computes the day at the injected clock's instant. Leaves the shared formatters in the place's zone.
+/// Computes the day at the injected clock's instant. Leaves the shared formatters in the place's
+/// zone.
 TodayReport computeToday(const platform::CLLocation& location,
                          const platform::NSTimeZone& timeZone);
 

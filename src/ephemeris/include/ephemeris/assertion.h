@@ -11,6 +11,6 @@ namespace ephemeris {
 
 /// Stops the program when `expression` is false. For programming errors only; input that comes
 /// from outside is checked where it comes in and answered with an error.
-#define LUMENQUEST_ASSERT(expression)                                                    \
-  ((expression) ? static_cast<void>(0)                                                   \
+#define LUMENQUEST_ASSERT(expression)  \
+  ((expression) ? static_cast<void>(0) \
                 : ::ephemeris::assertionFailed(__func__, __FILE_NAME__, __LINE__, #expression))

@@ -7,14 +7,15 @@
 
 namespace ephemeris {
 
-/// The Moon's geocentric ecliptic position (mean equinox of date) at one instant, from Brown's lunar
-/// theory as truncated by Montenbruck and Pfleger, Astronomy on the Personal Computer: 104 solar
-/// terms, ten terms of the latitude, eleven planetary terms in longitude.
+/// The Moon's geocentric ecliptic position (mean equinox of date) at one instant, from Brown's
+/// lunar theory as truncated by Montenbruck and Pfleger, Astronomy on the Personal Computer: 104
+/// solar terms, ten terms of the latitude, eleven planetary terms in longitude.
 ///
 /// Call Init(), Calculate(), then read lambda(), beta() and dist().
 class PtBrownLunarPerturbation {
  public:
-  /// Mean arguments and the multiples' tables at `T` Julian centuries of dynamical time from J2000.0.
+  /// Mean arguments and the multiples' tables at `T` Julian centuries of dynamical time from
+  /// J2000.0.
   void Init(double T);
 
   /// cos and sin of p·l + q·ls + r·F + s·D, each factor scaled by its eccentricity factor.

@@ -17,8 +17,8 @@ class PtMilkyWay final : public PtPlanet {
   double CalculateSemidiameterAtUnitDistance(double sinPi, double distance) override;
 
   /// Rise and set of the centre in the 24 h from `mjd0`, and the part of the night in which it is
-  /// up. All MJD (UT); the special values of FindEvents() may stand in the night's bounds and in the
-  /// results; no visibility is kMjdAlwaysInvisible in both bounds.
+  /// up. All MJD (UT); the special values of FindEvents() may stand in the night's bounds and in
+  /// the results; no visibility is kMjdAlwaysInvisible in both bounds.
   void FindRiseSet(double mjd0, double deltaT, double nightEnd, double nightStart, double* rise,
                    double* set, double* visibleFrom, double* visibleTo);
 
@@ -29,8 +29,9 @@ class PtMilkyWay final : public PtPlanet {
   ///
   /// `centreHorizontal`: direction of the centre, x north, y east, z zenith (apparent elevation).
   /// `bandDirection`: direction along the galactic equator, 90° from the centre.
-  /// `tilt`: how far the band leans, radians. `highestAzimuth`: azimuth of its highest point, radians.
-  /// `signedTilt`: the tilt, negative when the highest point lies before the band's nearer foot.
+  /// `tilt`: how far the band leans, radians. `highestAzimuth`: azimuth of its highest point,
+  /// radians. `signedTilt`: the tilt, negative when the highest point lies before the band's nearer
+  /// foot.
   void CalculateMilkyWayPosition(double mjd, double deltaT, Vector3D* centreHorizontal,
                                  Vector3D* bandDirection, double* tilt, double* highestAzimuth,
                                  double* signedTilt);

@@ -28,11 +28,10 @@ enum class AltitudeType : std::int32_t { UpperLimb = 0, Center = 1 };
 /// gives, to the true equatorial place of date, topocentric place, azimuth and elevation, and the
 /// search for altitude crossings.
 ///
-/// Each computation leaves its results in the object, where later calls read them. One object serves
-/// one computation at a time.
-/// Units: observer, azimuth and elevation in degrees; vectors and other angles in radians; sidereal
-/// times in hours; distances in the unit of the subclass.
-/// Source: Montenbruck and Pfleger, Astronomy on the Personal Computer; refraction after Bennett and
+/// Each computation leaves its results in the object, where later calls read them. One object
+/// serves one computation at a time. Units: observer, azimuth and elevation in degrees; vectors and
+/// other angles in radians; sidereal times in hours; distances in the unit of the subclass. Source:
+/// Montenbruck and Pfleger, Astronomy on the Personal Computer; refraction after Bennett and
 /// Sæmundsson (Meeus, chapter 16).
 class PtPlanet {
  public:
@@ -43,9 +42,9 @@ class PtPlanet {
   /// 24 hours from `mjd0` (MJD, UT). `deltaT` is TT − UT in days.
   ///
   /// A result is an MJD; or kMjdNoRiseOrSet when only the other crossing occurs; or, for both,
-  /// kMjdCircumpolar (above all day) or kMjdAlwaysInvisible (below all day). The altitude is sampled
-  /// every hour and each crossing taken from a parabola through three samples, which leaves it some
-  /// 16 s from the true one at most. An unknown event stops the program.
+  /// kMjdCircumpolar (above all day) or kMjdAlwaysInvisible (below all day). The altitude is
+  /// sampled every hour and each crossing taken from a parabola through three samples, which leaves
+  /// it some 16 s from the true one at most. An unknown event stops the program.
   virtual void FindEvents(SearchEvent event, double mjd0, double deltaT, double* rise, double* set);
 
   /// Geocentric ecliptic position, mean equinox of date. `T`: Julian centuries of dynamical time
@@ -92,7 +91,8 @@ class PtPlanet {
   double RefractionApparent(double apparentElevation);
   double RefractionTrue(double trueElevation);
 
-  /// Degrees in, degrees out. The unnamed arguments (observer's height, horizon height) are ignored.
+  /// Degrees in, degrees out. The unnamed arguments (observer's height, horizon height) are
+  /// ignored.
   double TrueToApparentElevation(double trueElevation, double, double);
   double ApparentToTrueElevation(double apparentElevation, double, double horizonHeight);
 

@@ -36,8 +36,8 @@ class ApogeePerigee {
   static std::vector<MoonDistance> apogeePerigeesForYear(int year, int andMonth);
   static std::vector<MoonDistance> apogeePerigeesForDate(platform::NSDate date);
 
-  /// Whether a full Moon at this instant and distance (km) is a supermoon: below 360,000 km, or below
-  /// 361,000 km within a day and a half of a perigee of the same month.
+  /// Whether a full Moon at this instant and distance (km) is a supermoon: below 360,000 km, or
+  /// below 361,000 km within a day and a half of a perigee of the same month.
   static bool isFullMoonDateASupermoonDay(platform::NSDate date, double moonDistance);
 
   /// Localised name of an extreme.

@@ -32,8 +32,8 @@ class DayCalculator {
   static SunEvent sunEventFromTwilight(const Twilights& twilights);
 
   /// The rise and set to show. The Sun's rise is tomorrow's from noon on once today's is past; the
-  /// Moon's rise and set are tomorrow's four hours after they happened; and either is tomorrow's when
-  /// today has none and tomorrow does.
+  /// Moon's rise and set are tomorrow's four hours after they happened; and either is tomorrow's
+  /// when today has none and tomorrow does.
   void calculateRiseSetForBody(ephemeris::PtPlanet& body, bool isSun, double* rise,
                                double* set) const;
   /// Stores both bodies' rise and set; a null body leaves its pair untouched.

@@ -19,7 +19,8 @@ class EphemerisUtils {
  public:
   // Texts of instants.
 
-  /// Time of day, rounded to the minute unless seconds are asked for; a special value gives its text.
+  /// Time of day, rounded to the minute unless seconds are asked for; a special value gives its
+  /// text.
   static std::string mjdToString(double mjd);
   static std::string mjdToString(double mjd, bool withSeconds);
   /// Time with a direction in degrees.
@@ -28,7 +29,8 @@ class EphemerisUtils {
   static std::string stringForMjd(double mjd, double mjdTodayAt0, double mjdTomorrowAt0);
   /// Interval, an open end (0 or kMjdNoRiseOrSet) shown as "(-1)" or "(+1)".
   static std::string stringForIntervalMjdStart(double mjdStart, double mjdEnd);
-  /// Interval with the marks of the days before and after; a mark that both ends share is shown once.
+  /// Interval with the marks of the days before and after; a mark that both ends share is shown
+  /// once.
   static std::string stringForIntervalMjdStart(double mjdStart, double mjdEnd, double mjdTodayAt0,
                                                double mjdTomorrowAt0);
   /// Joins two times, showing a half-day marker that both share once, after the end.
@@ -51,7 +53,8 @@ class EphemerisUtils {
   static std::string moonlessHoursText(float hours);
   /// Days since the last new Moon.
   static float moonAgeAt(platform::NSDate date);
-  /// Apparent size of the Moon at a distance in km relative to its mean size; 0.1 is a tenth larger.
+  /// Apparent size of the Moon at a distance in km relative to its mean size; 0.1 is a tenth
+  /// larger.
   static double moonPercentageFromMeanAngularDiameterAtDistance(double distance);
 
   // Light.
@@ -67,8 +70,7 @@ class EphemerisUtils {
   /// The Moon's look at an instant. With high precision the whole local day of a principal phase
   /// counts as that phase.
   static MoonPhaseResult moonPhaseDataForMjd(double mjd, double withDeltaT, ephemeris::PtSun& sun,
-                                             ephemeris::PtMoon& moon,
-                                             platform::NSDate currentDate);
+                                             ephemeris::PtMoon& moon, platform::NSDate currentDate);
   static MoonPhaseResult moonPhaseDataForMjd(double mjd, double withDeltaT, ephemeris::PtSun& sun,
                                              ephemeris::PtMoon& moon, platform::NSDate currentDate,
                                              bool withHighPrecision);

@@ -30,8 +30,8 @@ class MilkyWay {
                                                   ephemeris::PtSun& withSun,
                                                   platform::NSDate atDate) const;
 
-  /// The first of the next 180 days on which the centre is visible. Nothing beyond them, and nothing
-  /// north of 58°, where it never clears the horizon at night.
+  /// The first of the next 180 days on which the centre is visible. Nothing beyond them, and
+  /// nothing north of 58°, where it never clears the horizon at night.
   std::optional<platform::NSDate> nextDateGalacticCenterIsVisible(ephemeris::PtMilkyWay& milkyWay,
                                                                   ephemeris::PtSun& sun,
                                                                   platform::NSDate atDate) const;

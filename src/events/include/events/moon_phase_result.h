@@ -17,8 +17,8 @@ class MoonPhaseResult {
   float sunElevation = 0.0f;
   /// 0 to 3 principal phases, 4 to 7 the spans between them.
   int phase = 0;
-  /// MJD of the day's principal phase; 0 when it was not asked for, kMjdNoRiseOrSet when the day has
-  /// none.
+  /// MJD of the day's principal phase; 0 when it was not asked for, kMjdNoRiseOrSet when the day
+  /// has none.
   double mjdPhase = 0.0;
 
   /// Last quarter, waning gibbous or waning crescent.

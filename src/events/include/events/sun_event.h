@@ -78,7 +78,8 @@ class SunEvent {
                                                       double mjdTodayAt0,
                                                       double mjdTomorrowAt0) const;
 
-  /// Append a change of light when its instant can be drawn, coloured by a Sun elevation in degrees.
+  /// Append a change of light when its instant can be drawn, coloured by a Sun elevation in
+  /// degrees.
   void addEventToArray(std::vector<std::shared_ptr<BodyInfoSunEvent>>& list, double atMjd,
                        double withSunElevation, const std::string& withName,
                        const std::string& subtitle) const;

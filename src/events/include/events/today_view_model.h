@@ -8,8 +8,8 @@
 
 namespace lumenquest::events {
 
-/// A place's day for a summary view: the values of WidgetAstrolib in one go, the records behind them
-/// whole, and the next date with the galactic centre when tonight is without.
+/// A place's day for a summary view: the values of WidgetAstrolib in one go, the records behind
+/// them whole, and the next date with the galactic centre when tonight is without.
 ///
 /// It takes the shared calendar and formatters as they are; the caller gives them the place's zone.
 class TodayViewModel final : public DayCalculator {

@@ -10,25 +10,26 @@ namespace lumenquest::events {
 
 /// What calculateData() is to compute.
 enum WidgetData : unsigned {
-  WidgetDataSunLight = 1,      ///< current light and next change
-  WidgetDataSunIntervals = 2,  ///< as before, with the interval texts
-  WidgetDataMoon = 4,          ///< moonrise, moonset and phase
+  WidgetDataSunLight = 1,        ///< current light and next change
+  WidgetDataSunIntervals = 2,    ///< as before, with the interval texts
+  WidgetDataMoon = 4,            ///< moonrise, moonset and phase
   WidgetDataGalacticCenter = 8,  ///< visibility and moonless hours
 };
 
 /// Turns a place and the present moment into the values that the widgets show.
 ///
-/// Set the location and, where it is not the device's, its time zone; call calculateData(); read the
-/// properties. Values that were not asked for keep what an earlier call left. Not for two threads at
-/// once: calculateData() sets the zone of the shared formatters (and leaves it so) and of the shared
-/// calendar (and gives its own back).
+/// Set the location and, where it is not the device's, its time zone; call calculateData(); read
+/// the properties. Values that were not asked for keep what an earlier call left. Not for two
+/// threads at once: calculateData() sets the zone of the shared formatters (and leaves it so) and
+/// of the shared calendar (and gives its own back).
 class WidgetAstrolib final : public DayCalculator {
  public:
   void setCurrentTimeZone(const std::optional<platform::NSTimeZone>& zone) {
     currentTimeZone = zone;
   }
 
-  /// `flags`: a sum of WidgetData. Without a location it only drops the crossings of an earlier call.
+  /// `flags`: a sum of WidgetData. Without a location it only drops the crossings of an earlier
+  /// call.
   void calculateData(unsigned flags);
 
   void calculateCurrentLightForSun(ephemeris::PtSun& sun);

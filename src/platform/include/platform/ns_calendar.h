@@ -33,8 +33,8 @@ class NSCalendar {
   virtual int dayInWeek(NSDate date) = 0;
   virtual int numberOfDaysInMonth(NSDate date) = 0;
 
-  /// The user's calendar as it was when first asked for, shared by the process and guarded by a lock
-  /// of its own.
+  /// The user's calendar as it was when first asked for, shared by the process and guarded by a
+  /// lock of its own.
   static NSCalendar& cachedCalendar();
   /// The calendar of all engine-side conversions, in GMT; shared and guarded likewise.
   static NSCalendar& gmtCachedCalendar();

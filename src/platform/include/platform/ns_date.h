@@ -50,7 +50,8 @@ class NSDate {
   static NSDate dateWithEndDateTime(NSDate date);
   /// Strictly between both.
   static bool date(NSDate date, NSDate isBetweenDate, NSDate andDate);
-  /// `ofDate` itself when it lies strictly between the two, else the nearer one (a tie gives toDate).
+  /// `ofDate` itself when it lies strictly between the two, else the nearer one (a tie gives
+  /// toDate).
   static NSDate closestDateFromDate(NSDate fromDate, NSDate toDate, NSDate ofDate);
   static bool isDate(NSDate date, NSDate sameDayAsDate);
   /// 1 January, start of the day.

@@ -5,7 +5,8 @@
 
 namespace lumenquest::platform {
 
-/// A time zone by its identifier in the IANA time-zone database. Its rules live behind the services.
+/// A time zone by its identifier in the IANA time-zone database. Its rules live behind the
+/// services.
 struct NSTimeZone {
   std::string name;
 
