@@ -47,7 +47,10 @@ bool HasTimestampShape(std::string_view text) {
 }
 
 absl::Time ToTime(NSDate date) {
-  return absl::UnixEpoch() + absl::Microseconds(std::round(date.timeIntervalSince1970() * 1e6));
+  const double seconds = date.timeIntervalSince1970();
+  const double whole = std::floor(seconds);
+  return absl::FromUnixSeconds(static_cast<int64_t>(whole)) +
+         absl::Microseconds(std::llround((seconds - whole) * 1e6));
 }
 
 }  // namespace

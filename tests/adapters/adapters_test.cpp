@@ -1,0 +1,161 @@
+// Timestamps, zones, locales and string tables.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "adapters/icu_string_tables.h"
+#include "platform/localized_strings.h"
+#include "test_services.h"
+
+namespace lumenquest::adapters {
+namespace {
+
+TEST(Rfc3339, RoundTripsAndRefuses) {
+  const std::map<std::string, std::string> accepted{
+      {"2024-08-12T21:30:00Z", "2024-08-12T21:30:00Z"},
+      {"2024-08-12t23:30:00.25+02:00", "2024-08-12T21:30:00.25Z"},
+      {"0000-02-29T00:00:00Z", "0000-02-29T00:00:00Z"},
+      {"-3000-01-01T00:00:00Z", "-3000-01-01T00:00:00Z"},
+      {"+12345-06-07T08:09:10Z", "+12345-06-07T08:09:10Z"},
+      {"3855-05-25T01:40:24Z", "3855-05-25T01:40:24Z"},
+      {"1582-10-10T00:00:00Z", "1582-10-10T00:00:00Z"},
+      {"2016-12-31T23:59:60Z", "2017-01-01T00:00:00Z"},
+  };
+  for (const auto& [text, expected] : accepted) {
+    const auto date = parseRfc3339(text);
+    ASSERT_TRUE(date) << text;
+    EXPECT_EQ(formatRfc3339(*date), expected);
+  }
+  for (const char* text :
+       {"", "now", "2024-08-12", "2024-08-12 21:30:00Z", "2024-08-12T21:30:00",
+        "2024-8-12T21:30:00Z", "2024-02-30T00:00:00Z", "2023-02-29T00:00:00Z",
+        "2024-08-12T25:00:00Z", "2024-08-12T21:30:00+25:00", "2024-08-12T21:30:00.Z",
+        " 2024-08-12T21:30:00Z", "2024-08-12T21:30:00Z ", "infinite-future", "24-08-12T21:30:00Z",
+        "2024-13-01T00:00:00Z", "-12345678-01-01T00:00:00Z", "12024-08-12T21:30:00Z"}) {
+    EXPECT_FALSE(parseRfc3339(text)) << text;
+  }
+}
+
+TEST(TimeZones, OnlyIdentifiersOfTheDatabase) {
+  SystemTimeZones zones;
+  for (const char* name : {"Europe/Madrid", "UTC", "GMT", "America/Argentina/Ushuaia", "Etc/GMT+12",
+                           "America/Port-au-Prince"}) {
+    EXPECT_TRUE(zones.isKnown(name)) << name;
+  }
+  for (const char* name : {"", "Europe/Nowhere", "/etc/localtime", "../etc/passwd", "Europe/../UTC",
+                           "Fixed/UTC+05:00:00", "right/UTC", "posix/UTC", "localtime", "Factory",
+                           "Europe", "Europe/Madrid\n", "tzdata.zi", "zone.tab"}) {
+    EXPECT_FALSE(zones.isKnown(name)) << name;
+  }
+}
+
+TEST(Locales, KnownTags) {
+  const std::map<std::string, std::string> known{{"en", "en"},
+                                                 {"de-AT", "de_AT"},
+                                                 {"de_AT.UTF-8", "de_AT"},
+                                                 {"sr-RS", "sr_RS"},
+                                                 {"zh-Hant-TW", "zh_Hant_TW"},
+                                                 {"pt-BR", "pt_BR"},
+                                                 {"en-US-u-hc-h23", "en_US@hours=h23"}};
+  for (const auto& [tag, identifier] : known) EXPECT_EQ(localeIdentifier(tag), identifier) << tag;
+  for (const char* tag : {"", "xx", "xx-YY", "en-XQ", "english", "de--AT", "42", "en-Zzzx"}) {
+    EXPECT_FALSE(localeIdentifier(tag)) << tag;
+  }
+}
+
+// The tables as their sources have them: language -> key -> text.
+using Languages = std::map<std::string, std::map<std::string, std::string>>;
+
+Languages ReadSources(const std::string& table) {
+  static const std::regex entry(R"rx(^\s+(\w+) \{ "(.*)" \}\s*$)rx");
+  Languages languages;
+  const auto folder =
+      std::filesystem::path(LUMENQUEST_SOURCE_DIR) / "resources" / "strings" / table;
+  for (const auto& file : std::filesystem::directory_iterator(folder)) {
+    auto& texts = languages[file.path().stem().string()];
+    std::ifstream stream(file.path());
+    for (std::string line; std::getline(stream, line);) {
+      std::smatch match;
+      if (std::regex_match(line, match, entry)) texts[match[1]] = match[2];
+    }
+  }
+  return languages;
+}
+
+std::multiset<std::string> Placeholders(const std::string& text) {
+  static const std::regex placeholder(R"(%(\d+\$)?(\.\d+)?[@df%])");
+  return {std::sregex_token_iterator(text.begin(), text.end(), placeholder),
+          std::sregex_token_iterator()};
+}
+
+TEST(StringTables, EveryLanguageHasEveryKey) {
+  for (const char* table : {"Ephemeris", "Common", "App"}) {
+    Languages languages = ReadSources(table);
+    const auto english = languages.at("root");
+    EXPECT_GT(english.size(), 20u);
+    languages.erase("root");
+    languages.erase("en");  // English is the root table
+    EXPECT_TRUE(languages.contains("de"));
+    for (const auto& [language, texts] : languages) {
+      IcuStringTables compiled(LUMENQUEST_TEST_RESOURCES "/strings", language);
+      for (const auto& [key, text] : english) {
+        ASSERT_TRUE(texts.contains(key)) << table << ' ' << language << ' ' << key;
+        EXPECT_FALSE(texts.at(key).empty()) << key;
+        EXPECT_EQ(Placeholders(texts.at(key)), Placeholders(text)) << language << ' ' << key;
+        EXPECT_EQ(compiled.localizedString(key, table).substr(0, 4), texts.at(key).substr(0, 4));
+      }
+      EXPECT_EQ(texts.size(), english.size()) << language << " has keys that English lacks";
+    }
+  }
+}
+
+TEST(StringTables, HoldEveryKeyInUse) {
+  std::set<std::string> keys;
+  for (const char* table : {"Ephemeris", "Common", "App"}) {
+    const auto english = ReadSources(table).at("root");
+    for (const auto& [key, text] : english) keys.insert(key);
+  }
+  // Keys in the sources are quoted words with an underscore; these few are something else.
+  const std::set<std::string> others{"pt_planet", "global_use_geodesics"};
+  static const std::regex quoted(R"rx("([a-z]+(?:_[a-z0-9]+)+)")rx");
+  int found = 0;
+  for (const auto& file : std::filesystem::recursive_directory_iterator(
+           std::filesystem::path(LUMENQUEST_SOURCE_DIR) / "src")) {
+    if (file.path().extension() != ".cpp") continue;
+    std::ifstream stream(file.path());
+    std::stringstream text;
+    text << stream.rdbuf();
+    const std::string source = text.str();
+    for (std::sregex_iterator match(source.begin(), source.end(), quoted), end; match != end;
+         ++match) {
+      const std::string key = (*match)[1];
+      if (others.contains(key)) continue;
+      EXPECT_TRUE(keys.contains(key)) << key << " in " << file.path().filename();
+      ++found;
+    }
+  }
+  EXPECT_GT(found, 80);
+}
+
+TEST(StringTables, FallBackToEnglishAndToNothing) {
+  const std::string folder = LUMENQUEST_TEST_RESOURCES "/strings";
+  const auto night = [&](const char* locale) {
+    return IcuStringTables(folder, locale).localizedString("light_nighttime", "Ephemeris");
+  };
+  EXPECT_EQ(night("en_GB"), "Night");
+  EXPECT_EQ(night("de_CH"), "Nacht");
+  EXPECT_EQ(night("fi_FI"), "Night");
+  IcuStringTables tables(folder, "de");
+  EXPECT_EQ(tables.localizedString("no_such_key", "Ephemeris"), "");
+  EXPECT_EQ(tables.localizedString("light_nighttime", "NoSuchTable"), "");
+}
+
+}  // namespace
+}  // namespace lumenquest::adapters

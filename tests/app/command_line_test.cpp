@@ -1,0 +1,209 @@
+// The command as its users call it.
+
+#include "app/command_line.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <random>
+#include <sstream>
+
+namespace lumenquest::app {
+namespace {
+
+using Json = nlohmann::json;
+
+struct Result {
+  int code;
+  std::string out;
+  std::string err;
+};
+
+Result Call(const std::vector<std::string>& arguments) {
+  std::ostringstream out, err;
+  const int code = run(arguments, out, err);
+  return {code, out.str(), err.str()};
+}
+
+std::vector<std::string> Today(const std::string& latitude, const std::string& longitude,
+                               const std::vector<std::string>& more = {}) {
+  std::vector<std::string> arguments{"today",   "--latitude", latitude, "--longitude",
+                                     longitude, "--locale",   "en"};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return arguments;
+}
+
+TEST(CommandLine, WrongUseIsOneLineThatSaysWhatWouldBeRight) {
+  struct Case {
+    std::vector<std::string> arguments;
+    std::vector<std::string> mentions;
+  };
+  const std::vector<std::string> zone{"--time-zone", "UTC"};
+  const std::vector<Case> cases{
+      {{}, {"today", "--help"}},
+      {{"tomorrow"}, {"tomorrow", "today"}},
+      {{"today", "--frobnicate"}, {"--frobnicate", "--help"}},
+      {{"today", "--latitude"}, {"--latitude", "no value"}},
+      {{"today", "--longitude", "3"}, {"--latitude", "missing", "-90 to 90"}},
+      {{"today", "--latitude", "3"}, {"--longitude", "missing", "-180 to 180"}},
+      {Today("90.001", "0"), {"--latitude", "\"90.001\"", "-90 to 90"}},
+      {Today("-91", "0"), {"--latitude", "\"-91\""}},
+      {Today("nan", "0"), {"--latitude", "\"nan\""}},
+      {Today("inf", "0"), {"--latitude"}},
+      {Today("45,5", "0"), {"--latitude", "\"45,5\""}},
+      {Today("45N", "0"), {"--latitude"}},
+      {Today("", "0"), {"--latitude", "\"\""}},
+      {Today("0", "180.5"), {"--longitude", "\"180.5\"", "-180 to 180"}},
+      {Today("0", "0", {"--time-zone", "Mars/Olympus"}),
+       {"--time-zone", "Mars/Olympus", "Europe/Madrid"}},
+      {Today("0", "0", {"--time-zone", "../../etc/passwd"}), {"--time-zone"}},
+      {Today("0", "0", {"--time-zone", "UTC", "--at", "tonight"}), {"--at", "tonight", "RFC 3339"}},
+      {Today("0", "0", {"--time-zone", "UTC", "--at", "2024-02-30T00:00:00Z"}), {"--at"}},
+      {Today("0", "0", {"--time-zone", "UTC", "--at", "-3001-01-01T00:00:00Z"}), {"--at", "-3000"}},
+      {Today("0", "0", {"--time-zone", "UTC", "--at", "5001-01-01T00:00:00Z"}), {"--at", "5000"}},
+      {Today("0", "0", {"--time-zone", "UTC", "--format", "xml"}), {"--format", "xml", "json"}},
+      {Today("0", "0", {"--time-zone", "UTC", "--locale", "klingon"}), {"--locale", "klingon"}},
+      {Today("0", "0", {"--time-zone", "UTC", "stray"}), {"stray"}},
+  };
+  for (const Case& c : cases) {
+    const Result result = Call(c.arguments);
+    SCOPED_TRACE(result.err);
+    EXPECT_EQ(result.code, kExitUsage);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1);
+    for (const std::string& word : c.mentions)
+      EXPECT_NE(result.err.find(word), std::string::npos) << word;
+  }
+}
+
+TEST(CommandLine, HelpAndVersion) {
+  EXPECT_EQ(Call({"--version"}).code, kExitSuccess);
+  EXPECT_TRUE(Call({"--version"}).out.starts_with("lumenquest "));
+  for (const auto& arguments : {std::vector<std::string>{"--help"}, {"today", "--help"}}) {
+    const Result help = Call(arguments);
+    EXPECT_EQ(help.code, kExitSuccess);
+    EXPECT_NE(help.out.find("lumenquest today --latitude"), std::string::npos);
+  }
+  EXPECT_NE(Call({"today", "--help", "--locale", "de"}).out.find("Zeitzone"), std::string::npos);
+}
+
+TEST(Today, TextReadsAtAGlance) {
+  const Result english = Call(Today(
+      "36.1", "-112.1", {"--time-zone", "America/Phoenix", "--at", "2026-06-20T22:00:00-07:00"}));
+  EXPECT_EQ(english.code, kExitSuccess);
+  for (const char* row :
+       {"36.1000° N, 112.1000° W   America/Phoenix", "Saturday, June 20, 2026", "10:00\u202FPM",
+        "Light now               Night\n", "Next light              Astronomical twilight, 3:22",
+        "Sunrise                 5:12\u202FAM (+1)\n", "Golden hour             4:53 - 5:50",
+        "Moon                    Waxing crescent (42.8%)\n",
+        "Galactic centre         From 9:39\u202FPM, azimuth 145° SE, band tilt -60°\n",
+        "                        To 3:22\u202FAM (+1), azimuth 220° SW, band tilt 5°\n",
+        "Moonless hours          3h 19min\n"}) {
+    EXPECT_NE(english.out.find(row), std::string::npos) << row << "\nin\n" << english.out;
+  }
+
+  const Result german = Call({"today", "--latitude", "45.92", "--longitude", "6.87", "--time-zone",
+                              "Europe/Paris", "--at", "2026-11-22T20:30:00Z", "--locale", "de"});
+  for (const char* row :
+       {"45,9200° N, 6,8700° O", "Sonntag, 22. November 2026, 21:30",
+        "Mond                      Zunehmender Mond (95", "Erst sichtbar am Sonntag, 24.01.27"}) {
+    EXPECT_NE(german.out.find(row), std::string::npos) << row << "\nin\n" << german.out;
+  }
+}
+
+TEST(Today, JsonHoldsEveryValueAndComesOutTheSameAgain) {
+  const auto arguments =
+      Today("40.0", "3.836187",
+            {"--time-zone", "Europe/Madrid", "--at", "2026-06-21T00:00:00+02:00", "--format=json"});
+  const Result result = Call(arguments);
+  EXPECT_EQ(result.out, Call(arguments).out);
+  const Json json = Json::parse(result.out);
+  EXPECT_EQ(json.at("location"),
+            (Json{{"latitude", 40.0}, {"longitude", 3.836187}, {"timeZone", "Europe/Madrid"}}));
+  EXPECT_EQ(json.at("instant"), "2026-06-20T22:00:00Z");
+  EXPECT_TRUE(json.at("dateNextVisiblity").is_null());
+  const Json& values = json.at("values");
+  for (const char* name :
+       {"mjdTodayAt0",          "mjdTomorrowAt0",     "currentLocation",
+        "currentTimeZone",      "mjdSunRise",         "mjdSunSet",
+        "currentLightType",     "nextEventMjd",       "nextEventName",
+        "goldenHourInterval",   "blueHourInterval",   "astronomicalTwilightInterval",
+        "mjdMoonRise",          "mjdMoonSet",         "moonPhase",
+        "phaseIllumination",    "zenithAngle",        "moonElevation",
+        "sunElevation",         "isMoonWaning",       "isSupermoon",
+        "mjdGcVisibilityStart", "mjdGcVisibilityEnd", "gcVisibilityStartAngle",
+        "gcVisibilityEndAngle", "moonlessHours",      "dateNextVisiblity"}) {
+    EXPECT_TRUE(values.contains(name)) << name;
+  }
+  EXPECT_EQ(values.size(), 27u);
+
+  // No visibility tonight: the view model's date, at the same time of day.
+  const Result winter = Call(
+      Today("45.92", "6.87",
+            {"--time-zone", "Europe/Paris", "--at", "2026-11-22T20:30:00Z", "--format", "json"}));
+  EXPECT_EQ(Json::parse(winter.out).at("dateNextVisiblity"), "2027-01-24T20:30:00Z");
+}
+
+TEST(Today, NoPlaceOrAgeMakesItFail) {
+  // Poles, the equator, both sides of the date line, grazing latitudes, and years from −3000 to
+  // 5000: an answer, and no number that is none.
+  std::mt19937 random(7);
+  const std::vector<std::string> latitudes{"90",     "-90",  "0",    "66.56",
+                                           "-66.56", "67.4", "48.6", "84.5"};
+  const std::vector<std::string> longitudes{"180", "-180", "0", "123.4"};
+  const std::vector<std::string> zones{"UTC", "Pacific/Kiritimati", "America/Adak", "Africa/Cairo"};
+  const std::vector<std::string> years{"-3000", "-0044", "0000", "1582",
+                                       "1899",  "2026",  "2050", "4999"};
+  const auto any = [&](const auto& list) { return list[random() % list.size()]; };
+  for (int i = 0; i < 120; ++i) {
+    const std::string month = any(std::vector<std::string>{"01", "03", "04", "06", "10", "12"});
+    const auto arguments = Today(any(latitudes), any(longitudes),
+                                 {"--time-zone", any(zones), "--at",
+                                  any(years) + "-" + month + "-" + std::to_string(10 + i % 18) +
+                                      "T" + std::to_string(10 + i % 14) + ":47:00Z",
+                                  "--format", i % 2 ? "json" : "text"});
+    const Result result = Call(arguments);
+    SCOPED_TRACE(arguments[2] + " " + arguments[4] + " " + arguments[8] + " " + arguments[10]);
+    EXPECT_EQ(result.code, kExitSuccess);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.out.find("nan"), std::string::npos);
+    EXPECT_EQ(result.out.find("inf"), std::string::npos);
+    if (i % 2 == 0) continue;
+    for (const auto& [name, value] : Json::parse(result.out).at("values").items()) {
+      const bool mayBeNull =
+          name == "nextEventName" || name.ends_with("Interval") || name == "dateNextVisiblity";
+      EXPECT_TRUE(mayBeNull || !value.is_null()) << name;
+    }
+  }
+}
+
+TEST(Today, SpeaksEveryLocale) {
+  // Words fall back to English, times and digits do not; years stay the engine's.
+  struct Case {
+    const char* locale;
+    const char* contains;
+  };
+  const Case cases[] = {{"fi", "22.00"}, {"ja", "22:00"},   {"ar-EG", "١٠:٠٠"},
+                        {"th", "22:00"}, {"fa", "۲۲:۰۰"},   {"en-GB", "Night"},
+                        {"hi", "10:00"}, {"sr-RS", "22:00"}};
+  for (const Case& c : cases) {
+    const Result result =
+        Call({"today", "--latitude", "36.1", "--longitude", "-112.1", "--time-zone",
+              "America/Phoenix", "--at", "2026-06-20T22:00:00-07:00", "--locale", c.locale});
+    EXPECT_EQ(result.code, kExitSuccess) << c.locale;
+    EXPECT_NE(result.out.find(c.contains), std::string::npos) << c.locale << '\n' << result.out;
+    EXPECT_NE(result.out.find("Night"), std::string::npos) << c.locale;
+  }
+}
+
+TEST(Today, AFullDiskIsAnError) {
+  std::ostringstream err;
+  std::ostringstream full;
+  full.setstate(std::ios::badbit);
+  EXPECT_EQ(run(Today("0", "0", {"--time-zone", "UTC"}), full, err), kExitFailure);
+  EXPECT_NE(err.str().find("cannot be written"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace lumenquest::app
