@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "adapters/icu_services.h"
-#include "ephemeris/assertion.h"
 #include "icu_strings.h"
 #include "icu_time_zone.h"
+#include "platform/assertion.h"
 
 namespace lumenquest::adapters {
 
@@ -47,13 +47,18 @@ class IcuCalendar final : public platform::NSCalendar {
     calendar_->set(UCAL_EXTENDED_YEAR, components.year);
     calendar_->set(UCAL_MONTH, components.month - 1);
     calendar_->set(UCAL_DATE, components.day);
-    calendar_->set(UCAL_HOUR_OF_DAY, components.hour);
-    calendar_->set(UCAL_MINUTE, components.minute);
-    calendar_->set(UCAL_SECOND, components.second);
-    UErrorCode status = U_ZERO_ERROR;
-    const UDate millis = calendar_->getTime(status);
-    LUMENQUEST_ASSERT(U_SUCCESS(status));
-    return NSDate::dateWithTimeIntervalSince1970(millis / 1000.0);
+    SetTime(components);
+    return Resolve();
+  }
+
+  NSDate dateByAddingDays(NSDate date, int days) override {
+    // Counted in Julian days, which know nothing of the days dropped in October 1582.
+    const NSDateComponents time = componentsFromDate(date);
+    const int julianDay = Get(UCAL_JULIAN_DAY) + days;
+    calendar_->clear();
+    calendar_->set(UCAL_JULIAN_DAY, julianDay);
+    SetTime(time);
+    return Resolve();
   }
 
   int weekday(NSDate date) override {
@@ -80,6 +85,19 @@ class IcuCalendar final : public platform::NSCalendar {
                                                              icu::Locale(locale.c_str()), status);
     LUMENQUEST_ASSERT(U_SUCCESS(status));
     return calendar;
+  }
+
+  void SetTime(const NSDateComponents& components) {
+    calendar_->set(UCAL_HOUR_OF_DAY, components.hour);
+    calendar_->set(UCAL_MINUTE, components.minute);
+    calendar_->set(UCAL_SECOND, components.second);
+  }
+
+  NSDate Resolve() {
+    UErrorCode status = U_ZERO_ERROR;
+    const UDate millis = calendar_->getTime(status);
+    LUMENQUEST_ASSERT(U_SUCCESS(status));
+    return NSDate::dateWithTimeIntervalSince1970(millis / 1000.0);
   }
 
   void Set(NSDate date) {

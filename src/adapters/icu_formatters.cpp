@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "adapters/icu_services.h"
-#include "ephemeris/assertion.h"
 #include "icu_strings.h"
 #include "icu_time_zone.h"
+#include "platform/assertion.h"
 
 namespace lumenquest::adapters {
 

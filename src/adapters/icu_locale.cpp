@@ -1,9 +1,12 @@
+#include <unicode/localpointer.h>
 #include <unicode/locid.h>
+#include <unicode/uenum.h>
+#include <unicode/uloc.h>
 #include <unicode/uregion.h>
 #include <unicode/uscript.h>
 
 #include <algorithm>
-#include <cstring>
+#include <cstdlib>
 
 #include "adapters/icu_services.h"
 
@@ -11,12 +14,16 @@ namespace lumenquest::adapters {
 
 namespace {
 
-bool IsKnownLanguage(const char* language) {
-  int32_t count = 0;
-  const icu::Locale* available = icu::Locale::getAvailableLocales(count);
-  return std::any_of(available, available + count, [language](const icu::Locale& locale) {
-    return std::strcmp(locale.getLanguage(), language) == 0;
-  });
+bool IsKnownLanguage(const icu::Locale& locale) {
+  // With the older names that still lead to a locale: "iw" for "he", "tl" for "fil".
+  UErrorCode status = U_ZERO_ERROR;
+  const icu::LocalUEnumerationPointer available(
+      uloc_openAvailableByType(ULOC_AVAILABLE_WITH_LEGACY_ALIASES, &status));
+  const std::string language = locale.getLanguage();
+  while (const char* name = uenum_next(available.getAlias(), nullptr, &status)) {
+    if (language == icu::Locale(name).getLanguage()) return true;
+  }
+  return false;
 }
 
 bool IsKnownScript(const char* script) {
@@ -40,13 +47,21 @@ std::optional<std::string> localeIdentifier(const std::string& tag) {
   std::replace(languageTag.begin(), languageTag.end(), '_', '-');
   UErrorCode status = U_ZERO_ERROR;
   const icu::Locale locale = icu::Locale::forLanguageTag(languageTag, status);
-  if (U_FAILURE(status) || !IsKnownLanguage(locale.getLanguage()) ||
+  if (U_FAILURE(status) || !IsKnownLanguage(locale) ||
       !IsKnownScript(locale.getScript()) || !IsKnownRegion(locale.getCountry())) {
     return std::nullopt;
   }
   return std::string(locale.getName());
 }
 
-std::string environmentLocale() { return icu::Locale::getDefault().getName(); }
+std::string environmentLocale() {
+  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* value = std::getenv(name);
+    if (value == nullptr || *value == '\0') continue;
+    if (const auto locale = localeIdentifier(value)) return *locale;
+    break;
+  }
+  return "en_US_POSIX";
+}
 
 }  // namespace lumenquest::adapters

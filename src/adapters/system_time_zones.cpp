@@ -5,18 +5,38 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <memory>
+#include <string_view>
 
 #include "icu_strings.h"
 
 namespace lumenquest::adapters {
 
+namespace {
+
+/// The zone that TZ names: an identifier, with or without the database's folder before it. Its other
+/// forms, rules spelled out, name no zone, and stay as they are for the caller to refuse.
+std::string ZoneOfEnvironment(std::string_view value) {
+  constexpr std::string_view kFolder = "/usr/share/zoneinfo/";
+  if (value.starts_with(':')) value.remove_prefix(1);
+  if (value.starts_with(kFolder)) value.remove_prefix(kFolder.size());
+  return value.empty() ? "UTC" : std::string(value);
+}
+
+std::string ZoneOfHost() {
+  const std::unique_ptr<icu::TimeZone> host(icu::TimeZone::detectHostTimeZone());
+  icu::UnicodeString name;
+  host->getID(name);
+  return ToUtf8(name);
+}
+
+}  // namespace
+
 platform::NSTimeZone SystemTimeZones::localTimeZone() {
   std::call_once(localTimeZoneOnce_, [this] {
-    const std::unique_ptr<icu::TimeZone> host(icu::TimeZone::detectHostTimeZone());
-    icu::UnicodeString name;
-    host->getID(name);
-    localTimeZone_.name = ToUtf8(name);
+    const char* value = std::getenv("TZ");
+    localTimeZone_.name = value != nullptr ? ZoneOfEnvironment(value) : ZoneOfHost();
   });
   return localTimeZone_;
 }
@@ -30,7 +50,8 @@ bool SystemTimeZones::isKnown(const std::string& name) {
         return std::isalnum(c) != 0 || c == '/' || c == '_' || c == '-' || c == '+';
       });
   if (!identifier || name.starts_with("Fixed/") || name.starts_with("right/") ||
-      name.starts_with("posix/") || name == "localtime" || name == "Factory") {
+      name.starts_with("posix/") || name == "localtime" || name == "posixrules" ||
+      name == "Factory" || name.find("//") != std::string::npos) {
     return false;
   }
   absl::TimeZone zone;

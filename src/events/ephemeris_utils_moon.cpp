@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "ephemeris/assertion.h"
 #include "ephemeris/constants.h"
 #include "ephemeris/pt_phases_of_the_moon.h"
 #include "events/ephemeris_utils.h"
+#include "platform/assertion.h"
 #include "platform/localized_strings.h"
 #include "platform/ns_calendar.h"
 #include "platform/services.h"
@@ -167,14 +167,17 @@ std::string EphemerisUtils::moonlessHoursText(float hours) {
 
 float EphemerisUtils::moonAgeAt(NSDate date) {
   const double mjdNow = date.modifiedJulianDay();
-  const int year = date.yearValue();
-  const int month = date.monthValue();
-
+  int year = date.yearValue();
+  int month = date.monthValue();
   double newMoon = ephemeris::getNewMoonMjd(PhasesFromFirstOfMonth(year, month), mjdNow);
-  if (!(newMoon < mjdNow)) {
-    const bool january = month == 1;
-    newMoon = ephemeris::getNewMoonMjd(
-        PhasesFromFirstOfMonth(january ? year - 1 : year, january ? 12 : month - 1), mjdNow);
+  // A February can be without a new Moon, so that one month back is not always enough.
+  while (!(newMoon < mjdNow)) {
+    month -= 1;
+    if (month == 0) {
+      month = 12;
+      year -= 1;
+    }
+    newMoon = ephemeris::getNewMoonMjd(PhasesFromFirstOfMonth(year, month), mjdNow);
   }
   return static_cast<float>(mjdNow - newMoon);
 }

@@ -29,6 +29,10 @@ class LockedCalendar final : public NSCalendar {
     const std::lock_guard lock(mutex_);
     return calendar_->dateFromComponents(components);
   }
+  NSDate dateByAddingDays(NSDate date, int days) override {
+    const std::lock_guard lock(mutex_);
+    return calendar_->dateByAddingDays(date, days);
+  }
   int weekday(NSDate date) override {
     const std::lock_guard lock(mutex_);
     return calendar_->weekday(date);

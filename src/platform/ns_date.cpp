@@ -105,11 +105,11 @@ NSDate NSDate::firstDayOfYear(int year) {
 }
 
 NSDate NSDate::dateByAddingNumberOfDays(int numberOfDays) const {
-  NSDateComponents components = LocalComponents(*this);
-  components.day += numberOfDays;
-  const NSDate wholeSecond = NSCalendar::cachedCalendar().dateFromComponents(components);
-  const double partOfSecond = timeInterval_ - std::floor(timeInterval_);
-  return NSDate(wholeSecond.timeInterval_ + partOfSecond);
+  if (numberOfDays == 0) return *this;
+  const double wholeSeconds = std::floor(timeInterval_);
+  const NSDate moved =
+      NSCalendar::cachedCalendar().dateByAddingDays(NSDate(wholeSeconds), numberOfDays);
+  return NSDate(moved.timeInterval_ + (timeInterval_ - wholeSeconds));
 }
 
 int NSDate::yearValue() const { return LocalComponents(*this).year; }

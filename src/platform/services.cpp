@@ -2,8 +2,8 @@
 
 #include <utility>
 
-#include "ephemeris/assertion.h"
 #include "locked_calendar.h"
+#include "platform/assertion.h"
 
 namespace lumenquest::platform {
 

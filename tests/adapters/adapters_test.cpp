@@ -51,9 +51,44 @@ TEST(TimeZones, OnlyIdentifiersOfTheDatabase) {
   }
   for (const char* name : {"", "Europe/Nowhere", "/etc/localtime", "../etc/passwd", "Europe/../UTC",
                            "Fixed/UTC+05:00:00", "right/UTC", "posix/UTC", "localtime", "Factory",
-                           "Europe", "Europe/Madrid\n", "tzdata.zi", "zone.tab"}) {
+                           "Europe", "Europe/Madrid\n", "tzdata.zi", "zone.tab", "posixrules", "Europe//Berlin"}) {
     EXPECT_FALSE(zones.isKnown(name)) << name;
   }
+}
+
+TEST(TimeZones, OfTheEnvironment) {
+  const std::map<std::string, std::string> zones{
+      {"Asia/Tokyo", "Asia/Tokyo"}, {":Asia/Tokyo", "Asia/Tokyo"},
+      {"/usr/share/zoneinfo/Asia/Tokyo", "Asia/Tokyo"}, {"", "UTC"},
+      // Rules that no zone of the database has are not taken for UTC; the command refuses them.
+      {"CET-1CEST,M3.5.0,M10.5.0/3", "CET-1CEST,M3.5.0,M10.5.0/3"}, {"<-03>3", "<-03>3"}};
+  const char* before = std::getenv("TZ");
+  const std::string saved = before ? before : "";
+  for (const auto& [value, zone] : zones) {
+    setenv("TZ", value.c_str(), 1);
+    EXPECT_EQ(SystemTimeZones().localTimeZone().name, zone);
+  }
+  if (before) {
+    setenv("TZ", saved.c_str(), 1);
+  } else {
+    unsetenv("TZ");
+  }
+}
+
+TEST(Locales, OfTheEnvironment) {
+  const auto locale = [](const char* all, const char* messages, const char* lang) {
+    setenv("LC_ALL", all, 1);
+    setenv("LC_MESSAGES", messages, 1);
+    setenv("LANG", lang, 1);
+    return environmentLocale();
+  };
+  EXPECT_EQ(locale("", "", "de_DE.UTF-8"), "de_DE");
+  EXPECT_EQ(locale("", "fr_FR.UTF-8", "de_DE.UTF-8"), "fr_FR");
+  EXPECT_EQ(locale("pt_BR", "fr_FR.UTF-8", "de_DE.UTF-8"), "pt_BR");
+  for (const char* value : {"", "C", "C.UTF-8", "POSIX", "xx_YY"}) {
+    EXPECT_EQ(locale("", "", value), "en_US_POSIX");
+  }
+  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) unsetenv(name);
 }
 
 TEST(Locales, KnownTags) {
@@ -63,7 +98,8 @@ TEST(Locales, KnownTags) {
                                                  {"sr-RS", "sr_RS"},
                                                  {"zh-Hant-TW", "zh_Hant_TW"},
                                                  {"pt-BR", "pt_BR"},
-                                                 {"en-US-u-hc-h23", "en_US@hours=h23"}};
+                                                 {"en-US-u-hc-h23", "en_US@hours=h23"},
+      {"no-NO", "no_NO"}, {"tl", "fil"}, {"iw", "he"}};
   for (const auto& [tag, identifier] : known) EXPECT_EQ(localeIdentifier(tag), identifier) << tag;
   for (const char* tag : {"", "xx", "xx-YY", "en-XQ", "english", "de--AT", "42", "en-Zzzx"}) {
     EXPECT_FALSE(localeIdentifier(tag)) << tag;

@@ -131,6 +131,8 @@ TEST(Numbers, HoursAgeAndSize) {
   EXPECT_NEAR(EphemerisUtils::moonAgeAt(Instant("2024-03-10T21:00:00Z")), 0.5, 0.01);
   EXPECT_NEAR(EphemerisUtils::moonAgeAt(Instant("2024-03-10T08:00:00Z")), 29.36, 0.05);
   EXPECT_NEAR(EphemerisUtils::moonAgeAt(Instant("2025-01-01T00:00:00Z")), 1.06, 0.02);
+  // February 2014 had no new Moon; the last one was on January 30 at 21:39.
+  EXPECT_NEAR(EphemerisUtils::moonAgeAt(Instant("2014-03-01T00:00:00Z")), 29.1, 0.02);
   EXPECT_NEAR(EphemerisUtils::moonPercentageFromMeanAngularDiameterAtDistance(384603.0), 0.0, 1e-3);
   EXPECT_NEAR(EphemerisUtils::moonPercentageFromMeanAngularDiameterAtDistance(356509.0), 0.079,
               1e-3);

@@ -54,6 +54,12 @@ TEST(NSDate, EngineTimesOfAllAgesComeBack) {
   const NSDate lastJulianDay = NSDate::dateFromModifiedJulianDay(-100841.0);
   EXPECT_EQ(lastJulianDay.dayValue(), 4);
   EXPECT_EQ(lastJulianDay.dateByAddingNumberOfDays(1).dayValue(), 15);
+  for (const int days : {-400, -10, -1, 1, 9, 30}) {
+    for (const int from : {-11, -1, 0, 1, 9, 20}) {
+      const NSDate date = NSDate::dateFromModifiedJulianDay(-100840.0 + from);
+      EXPECT_EQ(date.dateByAddingNumberOfDays(days).modifiedJulianDay(), -100840.0 + from + days);
+    }
+  }
 }
 
 struct Day {
@@ -115,6 +121,17 @@ TEST(NSDate, HoursAndDays) {
 
   const TestServices german("2024-03-05T12:00:00Z", "Europe/Berlin", "de_DE");
   EXPECT_EQ(Instant("2024-03-09T12:00:00Z").weekday(), 6);  // from Monday on
+}
+
+TEST(NSDate, AddingDaysKeepsTheInstantWithinItsSecond) {
+  const TestServices services("2024-03-05T12:00:00Z", "Europe/Berlin");
+  const NSDate almost(744163200.0 - 1e-7);
+  EXPECT_EQ(almost.dateByAddingNumberOfDays(1).timeIntervalSinceReferenceDate(),
+            744163200.0 - 1e-7 + 86400.0);
+  // The second 02:30 of the day that winter time begins.
+  const NSDate repeated = Instant("2024-10-27T02:30:00+01:00");
+  EXPECT_EQ(repeated.dateByAddingNumberOfDays(0), repeated);
+  EXPECT_EQ(Text(repeated.dateByAddingNumberOfDays(1)), Text(Instant("2024-10-28T02:30:00+01:00")));
 }
 
 TEST(NSDate, Between) {

@@ -12,7 +12,8 @@ namespace lumenquest::adapters {
 /// names, or nothing when ICU knows no such language, script or region.
 std::optional<std::string> localeIdentifier(const std::string& tag);
 
-/// The locale of the environment.
+/// The locale of the environment: the first of LC_ALL, LC_MESSAGES and LANG that is set, where ICU
+/// knows it, else the plain English one.
 std::string environmentLocale();
 
 /// Calendars in the zones of the machine's database, with the first weekday of a locale.

@@ -12,6 +12,8 @@ namespace lumenquest::events {
 /// When the galactic centre is up during a night. MJD; kMjdAlwaysInvisible in both when it is not.
 struct MilkyWayEvent {
   int visibilityType = 0;
+  /// An older spelling of the same field; nothing reads or writes it.
+  int visiblityType = 0;
   double mjdVisibilityFrom = 0.0;
   double mjdVisibilityTo = 0.0;
   /// Degrees. Carried for views; not set here.

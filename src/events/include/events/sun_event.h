@@ -36,10 +36,16 @@ struct TwilightIntervals {
   std::string secondInterval;
 };
 
+/// A line of the map towards sunrise or sunset; drawn by the main application, never here.
+struct GeodesicLine;
+
 /// One day's light phases.
 class SunEvent {
  public:
   SunEvent();
+
+  std::shared_ptr<const GeodesicLine> riseLine;
+  std::shared_ptr<const GeodesicLine> setLine;
 
   TwilightEvent civilTwilight;
   TwilightEvent nauticalTwilight;
@@ -54,6 +60,8 @@ class SunEvent {
   /// only when the user has geodesic lines switched on.
   std::optional<std::vector<double>> riseLinePositions;
   std::optional<std::vector<double>> setLinePositions;
+  /// Carried for the main application's map; not filled here.
+  std::vector<double> positionsPerHour;
 
   /// Append a mark when the instant can be drawn.
   void addEventToArray(std::vector<LightTypeEvent>& list, bool isBegin, double mjd) const;

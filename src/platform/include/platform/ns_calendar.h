@@ -27,10 +27,13 @@ class NSCalendar {
   /// Lenient: a minute of 60 or a day of 32 carries on. A local time that does not exist moves
   /// forward by the gap; one that exists twice is its first occurrence.
   virtual NSDate dateFromComponents(const NSDateComponents& components) = 0;
+  /// n calendar days further (or back) at the same wall-clock time, in whole seconds.
+  virtual NSDate dateByAddingDays(NSDate date, int days) = 0;
   /// 1…7, 1 being Sunday.
   virtual int weekday(NSDate date) = 0;
   /// 1…7, counted from the calendar's first weekday.
   virtual int dayInWeek(NSDate date) = 0;
+  /// Length of the month that holds the instant.
   virtual int numberOfDaysInMonth(NSDate date) = 0;
 
   /// The user's calendar as it was when first asked for, shared by the process and guarded by a

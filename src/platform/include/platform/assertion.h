@@ -1,0 +1,4 @@
+#pragma once
+
+// The one assertion of the system, LUMENQUEST_ASSERT, for everything above the engine.
+#include "ephemeris/assertion.h"
