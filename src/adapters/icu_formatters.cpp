@@ -31,6 +31,17 @@ icu::DateFormat::EStyle IcuStyle(NSDateFormatterStyle style) {
   return icu::DateFormat::kNone;
 }
 
+/// The locale's pattern for the fields of a template.
+std::string BestPattern(const std::string& locale, const std::string& fields) {
+  UErrorCode status = U_ZERO_ERROR;
+  const std::unique_ptr<icu::DateTimePatternGenerator> generator(
+      icu::DateTimePatternGenerator::createInstance(icu::Locale(locale.c_str()), status));
+  LUMENQUEST_ASSERT(U_SUCCESS(status));
+  const icu::UnicodeString best = generator->getBestPattern(FromUtf8(fields), status);
+  LUMENQUEST_ASSERT(U_SUCCESS(status));
+  return ToUtf8(best);
+}
+
 class IcuDateFormatter final : public platform::NSDateFormatter {
  public:
   IcuDateFormatter(std::string locale, NSTimeZone zone, NSDateFormatterStyle dateStyle,
@@ -79,11 +90,35 @@ class IcuDateFormatter final : public platform::NSDateFormatter {
 
  private:
   void Rebuild() {
-    icu::DateFormat* format = icu::DateFormat::createDateTimeInstance(
-        IcuStyle(dateStyle_), IcuStyle(timeStyle_), icu::Locale(locale_.c_str()));
-    format_.reset(dynamic_cast<icu::SimpleDateFormat*>(format));
-    LUMENQUEST_ASSERT(format_ != nullptr);
+    format_ = NewFormat(dateStyle_, timeStyle_);
+    ApplyHourCycle();
     AdoptZone();
+  }
+
+  std::unique_ptr<icu::SimpleDateFormat> NewFormat(NSDateFormatterStyle dateStyle,
+                                                   NSDateFormatterStyle timeStyle) const {
+    std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createDateTimeInstance(
+        IcuStyle(dateStyle), IcuStyle(timeStyle), icu::Locale(locale_.c_str())));
+    auto* simple = dynamic_cast<icu::SimpleDateFormat*>(format.release());
+    LUMENQUEST_ASSERT(simple != nullptr);
+    return std::unique_ptr<icu::SimpleDateFormat>(simple);
+  }
+
+  /// The styles' patterns know nothing of a 12- or 24-hour clock that the locale asks for
+  /// ("en-US-u-hc-h23"); only the pattern generator does.
+  void ApplyHourCycle() {
+    UErrorCode status = U_ZERO_ERROR;
+    const std::string hours =
+        icu::Locale(locale_.c_str()).getKeywordValue<std::string>("hours", status);
+    if (hours.empty() || timeStyle_ == NSDateFormatterStyle::noStyle) return;
+    icu::UnicodeString stylePattern;
+    NewFormat(NSDateFormatterStyle::noStyle, timeStyle_)->toPattern(stylePattern);
+    icu::UnicodeString pattern;
+    format_->toPattern(pattern);
+    const bool withSeconds = timeStyle_ == NSDateFormatterStyle::mediumStyle;
+    pattern.findAndReplace(stylePattern,
+                           FromUtf8(BestPattern(locale_, withSeconds ? "jmmss" : "jmm")));
+    format_->applyPattern(pattern);
   }
 
   void AdoptZone() {
@@ -146,13 +181,7 @@ std::unique_ptr<platform::NSNumberFormatter> IcuFormatterService::numberFormatte
 }
 
 std::string IcuFormatterService::dateFormatFromTemplate(const std::string& pattern) {
-  UErrorCode status = U_ZERO_ERROR;
-  const std::unique_ptr<icu::DateTimePatternGenerator> generator(
-      icu::DateTimePatternGenerator::createInstance(icu::Locale(locale_.c_str()), status));
-  LUMENQUEST_ASSERT(U_SUCCESS(status));
-  const icu::UnicodeString best = generator->getBestPattern(FromUtf8(pattern), status);
-  LUMENQUEST_ASSERT(U_SUCCESS(status));
-  return ToUtf8(best);
+  return BestPattern(locale_, pattern);
 }
 
 }  // namespace lumenquest::adapters

@@ -47,8 +47,8 @@ std::optional<std::string> localeIdentifier(const std::string& tag) {
   std::replace(languageTag.begin(), languageTag.end(), '_', '-');
   UErrorCode status = U_ZERO_ERROR;
   const icu::Locale locale = icu::Locale::forLanguageTag(languageTag, status);
-  if (U_FAILURE(status) || !IsKnownLanguage(locale) ||
-      !IsKnownScript(locale.getScript()) || !IsKnownRegion(locale.getCountry())) {
+  if (U_FAILURE(status) || !IsKnownLanguage(locale) || !IsKnownScript(locale.getScript()) ||
+      !IsKnownRegion(locale.getCountry())) {
     return std::nullopt;
   }
   return std::string(locale.getName());

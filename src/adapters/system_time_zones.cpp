@@ -15,8 +15,8 @@ namespace lumenquest::adapters {
 
 namespace {
 
-/// The zone that TZ names: an identifier, with or without the database's folder before it. Its other
-/// forms, rules spelled out, name no zone, and stay as they are for the caller to refuse.
+/// The zone that TZ names: an identifier, with or without the database's folder before it. Its
+/// other forms, rules spelled out, name no zone, and stay as they are for the caller to refuse.
 std::string ZoneOfEnvironment(std::string_view value) {
   constexpr std::string_view kFolder = "/usr/share/zoneinfo/";
   if (value.starts_with(':')) value.remove_prefix(1);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "adapters/printable_text.h"
 #include "adapters/rfc3339.h"
 #include "platform/localized_strings.h"
 
@@ -18,7 +19,7 @@ constexpr int kFirstYear = -3000;
 constexpr int kLastYear = 5000;
 
 std::optional<double> ParseNumber(std::string_view text) {
-  if (text.starts_with('+')) text.remove_prefix(1);
+  if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   double number = 0.0;
   const char* end = text.data() + text.size();
   const auto result = std::from_chars(text.data(), end, number);
@@ -44,7 +45,8 @@ std::string appText(const char* key) { return platform::localizedString(key, pla
 
 void throwBadOption(const char* option, const std::string& value, const char* expectationKey) {
   throw UsageError(
-      stringWithFormat(appText("error_bad_option"), {option, value, appText(expectationKey)}));
+      stringWithFormat(appText("error_bad_option"),
+                       {option, adapters::printableText(value), appText(expectationKey)}));
 }
 
 platform::CLLocation parseLocation(const OptionText& latitude, const OptionText& longitude) {
@@ -62,7 +64,8 @@ platform::NSTimeZone parseTimeZone(const OptionText& text) {
   }
   const platform::NSTimeZone device = platform::NSTimeZone::localTimeZone();
   if (!platform::NSTimeZone::timeZoneWithName(device.name)) {
-    throw UsageError(stringWithFormat(appText("error_device_time_zone"), {device.name}));
+    throw UsageError(stringWithFormat(appText("error_device_time_zone"),
+                                      {adapters::printableText(device.name)}));
   }
   return device;
 }

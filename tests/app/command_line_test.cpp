@@ -44,7 +44,13 @@ TEST(CommandLine, WrongUseIsOneLineThatSaysWhatWouldBeRight) {
       {{}, {"today", "--help"}},
       {{"tomorrow"}, {"tomorrow", "today"}},
       {{"today", "--frobnicate"}, {"--frobnicate", "--help"}},
-      {{"today", "--latitude"}, {"--latitude", "no value"}},
+      {{"today", "--latitude"}, {"--latitude", "no value", "-90 to 90"}},
+      {{"today", "--latitude", "--longitude", "3"}, {"--latitude", "no value"}},
+      {Today("1", "2", {"--at", "--format", "json"}), {"--at", "no value", "RFC 3339"}},
+      {Today("1", "2", {"--time-zone="}), {"--time-zone", "no value"}},
+      {Today("1\n2", "0"), {"--latitude", "1\uFFFD2"}},
+      {Today("0", "0", {"--time-zone", "\x1b[31m" + std::string(5000, 'x')}), {"--time-zone", "…"}},
+      {Today("+-5", "0"), {"--latitude", "\"+-5\""}},
       {{"today", "--longitude", "3"}, {"--latitude", "missing", "-90 to 90"}},
       {{"today", "--latitude", "3"}, {"--longitude", "missing", "-180 to 180"}},
       {Today("90.001", "0"), {"--latitude", "\"90.001\"", "-90 to 90"}},
@@ -85,7 +91,10 @@ TEST(CommandLine, HelpAndVersion) {
     EXPECT_EQ(help.code, kExitSuccess);
     EXPECT_NE(help.out.find("lumenquest today --latitude"), std::string::npos);
   }
-  EXPECT_NE(Call({"today", "--help", "--locale", "de"}).out.find("Zeitzone"), std::string::npos);
+  const Result german = Call({"today", "--help", "--locale", "de"});
+  EXPECT_NE(german.out.find("Aufruf: lumenquest today --latitude DEG"), std::string::npos);
+  EXPECT_NE(german.out.find("Zeitzone"), std::string::npos);
+  EXPECT_EQ(german.out.find("Options"), std::string::npos) << german.out;
 }
 
 TEST(Today, TextReadsAtAGlance) {

@@ -51,6 +51,8 @@ TEST(Formatters, FollowTheLocale) {
       // Locales whose short date has the year in full are cut to two digits.
       {"es_AR", "17:07", "5/3/24", "5 mar", "5 mar, 17:07"},
       {"en_GB", "17:07", "05/03/24", "5 Mar", "5 Mar, 17:07"},
+      // A clock that differs from the region's.
+      {"en_US@hours=h23", "17:07", "3/5/24", "Mar 5", "Mar 5, 17:07"},
   };
   for (const Case& c : cases) {
     const TestServices services("2024-03-05T12:00:00Z", "UTC", c.locale);

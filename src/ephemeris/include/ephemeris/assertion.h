@@ -20,7 +20,7 @@ constexpr const char* baseName(const char* path) {
 
 /// Stops the program when `expression` is false. For programming errors only; input that comes
 /// from outside is checked where it comes in and answered with an error.
-#define LUMENQUEST_ASSERT(expression)                                                          \
-  ((expression) ? static_cast<void>(0)                                                         \
-                : ::ephemeris::assertionFailed(__func__, ::ephemeris::baseName(__FILE__), __LINE__, \
-                                               #expression))
+#define LUMENQUEST_ASSERT(expression)                                                     \
+  ((expression) ? static_cast<void>(0)                                                    \
+                : ::ephemeris::assertionFailed(__func__, ::ephemeris::baseName(__FILE__), \
+                                               __LINE__, #expression))

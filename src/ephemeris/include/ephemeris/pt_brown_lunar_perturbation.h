@@ -24,6 +24,7 @@ class PtBrownLunarPerturbation {
   /// Sums the series.
   void Calculate();
 
+  /// Adds the planets' part of the longitude.
   void AddPlanetaryPerturbation(double T);
 
   /// Ecliptic longitude and latitude, radians.

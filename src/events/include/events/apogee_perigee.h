@@ -21,10 +21,13 @@ struct MoonDistance {
   platform::NSDate date;
 };
 
+/// Apogees, perigees and supermoons as people's calendars have them: local years, months and days.
 class ApogeePerigee {
  public:
+  /// Accepts an extreme by its date and the engine's record.
   using CompareFunc = std::function<bool(platform::NSDate, const ephemeris::PtApogeePerigee&)>;
 
+  /// The type of MoonDistance for the engine's kind of extreme: 1 apogee, anything else perigee.
   static unsigned moonDistanceFromDistanceType(int distanceType);
   static unsigned moonDistanceTypeDistanceType(int distanceType);
 

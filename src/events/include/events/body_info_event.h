@@ -50,15 +50,18 @@ class BodyInfoSunEvent final : public BodyInfoEvent {
   platform::UIColor bodyColor;
 };
 
+/// An event of the Moon, with its look at that time.
 class BodyInfoMoonEvent final : public BodyInfoEvent {
  public:
   using BodyInfoEvent::BodyInfoEvent;
   MoonPhaseResult phaseData;
 };
 
+/// An event of the galactic centre.
 class BodyInfoMilkyWayEvent final : public BodyInfoEvent {
  public:
   using BodyInfoEvent::BodyInfoEvent;
+  /// Tilt of the galactic band, radians.
   double galacticCenterAngle = 0.0;
 };
 
@@ -80,6 +83,7 @@ class CelestialBodyEvent {
   /// Degrees.
   double riseAzimuth = 0.0;
   double setAzimuth = 0.0;
+  /// MJD of the day.
   double date = 0.0;
 
  private:

@@ -23,6 +23,7 @@ namespace lumenquest::events {
 class DayCalculator {
  public:
   const std::optional<platform::CLLocation>& currentLocation() const { return currentLocation_; }
+  /// The place to compute for; nothing: no place, and no computation.
   void setCurrentLocation(const std::optional<platform::CLLocation>& location);
 
   /// Reads the clock and fixes yesterday, today and tomorrow in the cached calendar.

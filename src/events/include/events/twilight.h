@@ -25,6 +25,7 @@ struct Twilights {
   double mjdGoldenHourEnd = 0.0;
 };
 
+/// Finds the bounds of a day's light phases.
 class Twilight {
  public:
   /// The crossings of the local day that starts at `mjd`. The second astronomical end counts only

@@ -32,9 +32,11 @@ class WidgetAstrolib final : public DayCalculator {
   /// call.
   void calculateData(unsigned flags);
 
+  /// Fills sunElevation and currentLightType for now.
   void calculateCurrentLightForSun(ephemeris::PtSun& sun);
   /// Fills the phase's properties and returns its text.
   std::optional<std::string> calculateMoonPhase(ephemeris::PtMoon& moon, ephemeris::PtSun& sun);
+  /// Fills tonight's window and the band's tilt at its ends; never looks for a later date.
   void calculateGalacticCenterVisibilityWithSun(ephemeris::PtSun& sun);
 
   /// Time of the instant, with a mark when it lies after today.

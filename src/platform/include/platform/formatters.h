@@ -28,6 +28,7 @@ class Formatters {
   static std::unique_ptr<NSDateFormatter> RFC3339DateFormatter();
   /// With an offset in place of the Z; starts in GMT.
   static std::unique_ptr<NSDateFormatter> RFC3339DateFormatterWithSpecificTimeZone();
+  /// Plain decimal numbers with a point, up to 20 decimals, no grouping.
   static std::unique_ptr<NSNumberFormatter> enUSPosixNumberFormatter();
   /// Day and abbreviated month.
   static std::unique_ptr<NSDateFormatter> dateFormatterWithMediumMonthAndNoYear();

@@ -68,7 +68,7 @@ class NSDate {
   float floatHour() const;
   /// Local time as a fraction of 24 hours, with seconds.
   double timeAsFractionOfDay() const;
-  /// The next full hour, at least one second and at most one hour away.
+  /// The next full hour of the clock, also from an instant on a full hour.
   NSDate nextMainHour() const;
   /// The same hour with its minute cleared and its second kept: 10:25:37 gives 10:00:37.
   NSDate previousMainHour() const;

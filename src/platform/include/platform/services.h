@@ -13,29 +13,34 @@
 
 namespace lumenquest::platform {
 
+/// Tells the present moment. Nothing else in the system does.
 class Clock {
  public:
   virtual ~Clock() = default;
   virtual NSDate now() = 0;
 };
 
+/// The time-zone database and the device's place in it.
 class TimeZoneService {
  public:
   virtual ~TimeZoneService() = default;
   /// The device's zone.
   virtual NSTimeZone localTimeZone() = 0;
+  /// Whether the database has a zone of this identifier.
   virtual bool isKnown(const std::string& name) = 0;
 };
 
+/// Makes calendars.
 class CalendarService {
  public:
   virtual ~CalendarService() = default;
   /// The user's calendar, with the device's zone and first weekday, as they are now.
   virtual std::unique_ptr<NSCalendar> currentCalendar() = 0;
+  /// One in a given zone.
   virtual std::unique_ptr<NSCalendar> gregorianCalendar(const NSTimeZone& zone) = 0;
 };
 
-/// Locales are identifiers such as "de_AT"; the empty one is the current locale.
+/// Makes formatters. Locales are identifiers such as "de_AT"; the empty one is the current locale.
 class FormatterService {
  public:
   virtual ~FormatterService() = default;
@@ -48,6 +53,7 @@ class FormatterService {
   virtual std::string dateFormatFromTemplate(const std::string& pattern) = 0;
 };
 
+/// The localised texts.
 class StringTables {
  public:
   virtual ~StringTables() = default;
