@@ -19,6 +19,10 @@ if(LUMENQUEST_SANITIZE)
   target_link_options(lumenquest_options INTERFACE ${sanitizers})
 endif()
 
+if(LUMENQUEST_BUILD_FUZZ)
+  target_compile_options(lumenquest_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # lumenquest_add_library(<folder> SOURCES <file>... [DEPENDS <target>...])
 #
 # One static library a folder, `lumenquest::<folder>`. Its headers lie in <folder>/include/<folder>,
