@@ -179,7 +179,8 @@ TEST(Today, NoPlaceOrAgeMakesItFail) {
     EXPECT_EQ(result.out.find("nan"), std::string::npos);
     EXPECT_EQ(result.out.find("inf"), std::string::npos);
     if (i % 2 == 0) continue;
-    for (const auto& [name, value] : Json::parse(result.out).at("values").items()) {
+    const Json values = Json::parse(result.out).at("values");
+    for (const auto& [name, value] : values.items()) {
       const bool mayBeNull =
           name == "nextEventName" || name.ends_with("Interval") || name == "dateNextVisiblity";
       EXPECT_TRUE(mayBeNull || !value.is_null()) << name;
