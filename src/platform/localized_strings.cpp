@@ -27,8 +27,9 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 std::size_t ReadNumber(std::string_view text, std::size_t from, int* number) {
   std::size_t i = from;
   *number = 0;
-  while (i < text.size() && i < from + 2 && IsDigit(text[i]))
+  while (i < text.size() && i < from + 2 && IsDigit(text[i])) {
     *number = *number * 10 + (text[i++] - '0');
+  }
   return i;
 }
 

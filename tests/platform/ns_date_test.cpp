@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
 #include "platform/ns_calendar.h"
 #include "test_services.h"
 
@@ -132,6 +136,27 @@ TEST(NSDate, AddingDaysKeepsTheInstantWithinItsSecond) {
   const NSDate repeated = Instant("2024-10-27T02:30:00+01:00");
   EXPECT_EQ(repeated.dateByAddingNumberOfDays(0), repeated);
   EXPECT_EQ(Text(repeated.dateByAddingNumberOfDays(1)), Text(Instant("2024-10-28T02:30:00+01:00")));
+}
+
+TEST(Calendars, AreMadeOnceAndGuarded) {
+  // Many threads at the shared calendars at once, from the first call on: one object, right results.
+  const TestServices services("2024-03-05T12:00:00Z", "Europe/Madrid");
+  std::atomic<int> wrong = 0;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 4; ++thread) {
+    threads.emplace_back([&wrong, thread] {
+      for (int i = 0; i < 2000; ++i) {
+        const double mjd = 50000.0 + 4.0 * i + thread;
+        const NSDate date = NSDate::dateFromModifiedJulianDay(mjd);
+        if (date.modifiedJulianDay() != mjd) ++wrong;
+        const int hour = date.hourValue();
+        if (hour != 1 && hour != 2) ++wrong;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(wrong, 0);
+  EXPECT_EQ(&NSCalendar::cachedCalendar(), &NSCalendar::cachedCalendar());
 }
 
 TEST(NSDate, Between) {
