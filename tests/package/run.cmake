@@ -3,7 +3,7 @@
 file(REMOVE_RECURSE ${SCRATCH})
 foreach(step IN ITEMS
     "${CMAKE_COMMAND};--install;${BUILD_DIR};--component;ephemeris;--prefix;${SCRATCH}/prefix"
-    "${CMAKE_COMMAND};-S;${SOURCE};-B;${SCRATCH}/build;-DCMAKE_PREFIX_PATH=${SCRATCH}/prefix;-DCMAKE_CXX_COMPILER=${COMPILER}"
+    "${CMAKE_COMMAND};-G;Ninja;-S;${SOURCE};-B;${SCRATCH}/build;-DCMAKE_PREFIX_PATH=${SCRATCH}/prefix;-DCMAKE_CXX_COMPILER=${COMPILER}"
     "${CMAKE_COMMAND};--build;${SCRATCH}/build"
     "${SCRATCH}/build/package_example")
   execute_process(COMMAND ${step} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
