@@ -151,6 +151,7 @@ class IcuNumberFormatter final : public platform::NSNumberFormatter {
     format_->setMinimumFractionDigits(style.minimumFractionDigits);
     format_->setMaximumFractionDigits(style.maximumFractionDigits);
     format_->setGroupingUsed(style.usesGroupingSeparator);
+    if (style.roundsHalfUp) format_->setRoundingMode(icu::NumberFormat::kRoundHalfUp);
   }
 
   std::string stringFromNumber(double number) override {

@@ -139,7 +139,8 @@ TEST(NSDate, AddingDaysKeepsTheInstantWithinItsSecond) {
 }
 
 TEST(Calendars, AreMadeOnceAndGuarded) {
-  // Many threads at the shared calendars at once, from the first call on: one object, right results.
+  // Many threads at the shared calendars at once, from the first call on: one object, right
+  // results.
   const TestServices services("2024-03-05T12:00:00Z", "Europe/Madrid");
   std::atomic<int> wrong = 0;
   std::vector<std::thread> threads;

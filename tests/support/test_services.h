@@ -57,11 +57,14 @@ struct TestServices {
         std::make_shared<adapters::IcuFormatterService>(locale, services.timeZones);
     services.strings = std::make_shared<KeyStrings>();
     services.settings = settings;
+    services.privateSettings = privateSettings;
     services.log = log;
     platform::Services::install(std::move(services));
   }
 
   std::shared_ptr<platform::InMemoryUserDefaults> settings =
+      std::make_shared<platform::InMemoryUserDefaults>();
+  std::shared_ptr<platform::InMemoryUserDefaults> privateSettings =
       std::make_shared<platform::InMemoryUserDefaults>();
   std::shared_ptr<CapturedLog> log = std::make_shared<CapturedLog>();
 };

@@ -31,6 +31,8 @@ struct NumberStyle {
   int minimumFractionDigits = 0;
   int maximumFractionDigits = 3;
   bool usesGroupingSeparator = true;
+  /// Otherwise halves go to the even digit.
+  bool roundsHalfUp = false;
 };
 
 class NSNumberFormatter {

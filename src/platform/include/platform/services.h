@@ -80,6 +80,8 @@ class Services {
     std::shared_ptr<StringTables> strings;
     /// May be null: then every setting reads as absent.
     std::shared_ptr<NSUserDefaults> settings;
+    /// The application's own settings of older versions; may be null.
+    std::shared_ptr<NSUserDefaults> privateSettings;
     std::shared_ptr<Log> log;
   };
 
@@ -96,6 +98,7 @@ class Services {
   FormatterService& formatters() { return *adapters_.formatters; }
   StringTables& strings() { return *adapters_.strings; }
   NSUserDefaults* settings() { return adapters_.settings.get(); }
+  NSUserDefaults* privateSettings() { return adapters_.privateSettings.get(); }
   Log& log() { return *adapters_.log; }
 
   // Objects shared by the process, made when first asked for.

@@ -1,0 +1,252 @@
+// Geodesy, coordinate texts, place titles and the saved place.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "platform/location_utils.h"
+#include "platform/ns_user_defaults.h"
+#include "test_services.h"
+
+namespace lumenquest::platform {
+namespace {
+
+using testing::TestServices;
+using Text = std::optional<std::string>;
+
+TEST(Geodesy, AgainstPublishedValues) {
+  // Paris to London: 343.6 km on this sphere; a quarter of the equator.
+  const CLLocationCoordinate2D paris{48.8566, 2.3522}, london{51.5074, -0.1278};
+  EXPECT_NEAR(LocationUtils::greatCircleDistanceWithSource(paris, london), 343.9, 0.5);
+  EXPECT_NEAR(LocationUtils::greatCircleDistanceWithSource({0, 0}, {0, 90}), 6378.137 * M_PI / 2,
+              1e-6);
+
+  // Geoscience Australia's test line: Flinders Peak to Buninyong, 54,972.271 m at 306°52′05.37″ on
+  // GRS80, which differs from WGS-84 by less than a millimetre here.
+  const CLLocationCoordinate2D flindersPeak{-37.951033416666666, 144.42486788888889};
+  const CLLocationCoordinate2D buninyong = LocationUtils::calculateDerivedPositionFromSource(
+      flindersPeak, 54972.271f, static_cast<float>(306.86815833333333));
+  // Range and bearing are single precision: 4 mm and 3e-5°, which is 3 cm over there.
+  EXPECT_NEAR(buninyong.latitude, -37.652821138888886, 5e-7);
+  EXPECT_NEAR(buninyong.longitude, 143.92649552777777, 5e-7);
+  EXPECT_NEAR(
+      LocationUtils::calculateDerivedPositionFromSource({10.0, 179.9}, 50000.0f, 90.0f).longitude,
+      -179.644, 1e-3);
+  EXPECT_EQ(LocationUtils::calculateDerivedPositionFromSource({NAN, 0.0}, 1.0f, 0.0f),
+            kCLLocationCoordinate2DInvalid);
+
+  EXPECT_NEAR(LocationUtils::initialBearingFrom({0, 0}, {0, 10}), 90.0f, 1e-4);
+  EXPECT_NEAR(LocationUtils::initialBearingFrom({0, 0}, {10, 0}), 0.0f, 1e-4);
+  EXPECT_NEAR(LocationUtils::initialBearingFrom({0, 0}, {0, -10}), 270.0f, 1e-4);
+  EXPECT_LT(LocationUtils::initialBearingFrom({0, 0}, {10, -1e-9}), 360.0f);
+  EXPECT_NEAR(LocationUtils::distanceToHorizon(2.0f), 5.456f, 1e-3);
+  // Out and back again agrees with the bearing: two formulas, one sphere nearly an ellipsoid.
+  const auto there = LocationUtils::calculateDerivedPositionFromSource(paris, 20000.0f, 42.0f);
+  EXPECT_NEAR(LocationUtils::initialBearingFrom(paris, there), 42.0f, 0.2f);
+  EXPECT_NEAR(LocationUtils::greatCircleDistanceWithSource(paris, there), 20.0, 0.06);
+}
+
+TEST(Geodesy, CompassPoints) {
+  const TestServices services("2024-03-05T12:00:00Z");
+  const std::pair<double, const char*> cases[] = {
+      {0.0, "north"},        {22.5, "north"},        {22.6, "north_east"}, {67.5, "east"},
+      {112.5, "east"},       {112.51, "south_east"}, {157.5, "south"},     {202.5, "south"},
+      {225.0, "south_west"}, {247.5, "west"},        {292.5, "west"},      {337.4, "north_west"},
+      {337.5, "north"},      {-10.0, "north"},       {NAN, "north_west"}};
+  for (const auto& [bearing, point] : cases) {
+    EXPECT_EQ(LocationUtils::cardinalNameForBearing(bearing),
+              "<cardinal_point_" + std::string(point) + "_abbr>")
+        << bearing;
+  }
+}
+
+TEST(CoordinateText, InThreeNotations) {
+  const TestServices services("2024-03-05T12:00:00Z", "UTC", "de_DE");
+  const std::string N = "<cardinal_point_north_abbr>", S = "<cardinal_point_south_abbr>",
+                    E = "<cardinal_point_east_abbr>", W = "<cardinal_point_west_abbr>";
+  const CLLocationCoordinate2D place{-33.5, 151.25};
+  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place, 0),
+            "33,500000°" + S + " 151,250000°" + E);
+  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place, 1), "33°30'" + S + " 151°15'" + E);
+  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate({1.0 + 2.0 / 60.0 + 3.25 / 3600.0, -0.5}, 2),
+            "1°2'3,25\"" + N + " 0°30'0\"" + W);
+  // No carry: seconds that round up to 60 are shown as 60.
+  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate({0.0166665, 0.0}, 7),
+            "0°0'60\"" + N + " 0°0'0\"" + E);
+  EXPECT_EQ(LocationUtils::decimalLatLonStringWithCoordinate({40.0, -3.836187}),
+            "40.000000, -3.836187");
+  EXPECT_EQ(LocationUtils::decimalLatLonStringWithCoordinate({51.123456789, 0.0}),
+            "51.123455, 0.000000");
+
+  // The user's notation, and decimal degrees without one.
+  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place),
+            LocationUtils::latLonStringWithCoordinate(place, 0));
+  services.settings->setInteger(1, kUserDefaultsCoordinateSystem);
+  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place),
+            LocationUtils::latLonStringWithCoordinate(place, 1));
+}
+
+TEST(Placemark, Titles) {
+  struct Case {
+    const char* what;
+    void (*fill)(CLPlacemark&);
+    Text title, subtitle, shortTitle, cityTitle;
+  };
+  const Case cases[] = {
+      {"nothing", [](CLPlacemark&) {}, {}, {}, {}, {}},
+      {"country",
+       [](CLPlacemark& p) { p.country = "Iceland"; },
+       "Iceland",
+       {},
+       "Iceland",
+       "Iceland"},
+      {"ocean",
+       [](CLPlacemark& p) { p.ocean = "Atlantic"; },
+       "Atlantic",
+       {},
+       "Atlantic",
+       "Atlantic"},
+      {"street",
+       [](CLPlacemark& p) {
+         p.thoroughfare = "Main St";
+         p.subThoroughfare = "5";
+         p.locality = "Moab";
+         p.administrativeArea = "Utah";
+         p.country = "USA";
+       },
+       "Main St 5", "Moab, Utah", "Moab, USA", "Moab"},
+      {"street in a city state",
+       [](CLPlacemark& p) {
+         p.thoroughfare = "Ring";
+         p.locality = "Wien";
+         p.administrativeArea = "Wien";
+         p.country = "Österreich";
+       },
+       "Ring", "Wien, Österreich", "Wien, Österreich", "Wien"},
+      {"street without town",
+       [](CLPlacemark& p) {
+         p.thoroughfare = "Ring";
+         p.country = "Österreich";
+       },
+       "Ring",
+       {},
+       "Österreich",
+       "Österreich"},
+      {"point of interest",
+       [](CLPlacemark& p) {
+         p.areasOfInterest = {"Delicate Arch"};
+         p.name = "Trail";
+         p.region = CLCircularRegion{{}, 299.0};
+         p.locality = "Moab";
+         p.country = "USA";
+       },
+       "Delicate Arch", "Moab, USA", "Moab, USA", "Moab"},
+      {"region too large",
+       [](CLPlacemark& p) {
+         p.areasOfInterest = {"Park"};
+         p.name = "Trail";
+         p.region = CLCircularRegion{{}, 300.0};
+         p.locality = "Moab";
+         p.country = "USA";
+       },
+       "Trail", "Moab, USA", "Moab, USA", "Moab"},
+      {"town named as itself",
+       [](CLPlacemark& p) {
+         p.name = "Bled";
+         p.locality = "Bled";
+         p.administrativeArea = "Gorenjska";
+         p.country = "Slovenia";
+       },
+       "Bled", "Gorenjska, Slovenia", "Bled, Slovenia", "Bled"},
+      {"locality is its district",
+       [](CLPlacemark& p) {
+         p.locality = "Bled";
+         p.subAdministrativeArea = "Bled";
+         p.country = "Slovenia";
+       },
+       "Bled", "Slovenia", "Bled, Slovenia", "Bled"},
+      {"locality in a district",
+       [](CLPlacemark& p) {
+         p.locality = "Bled";
+         p.subAdministrativeArea = "Radovljica";
+         p.administrativeArea = "Gorenjska";
+         p.country = "Slovenia";
+       },
+       "Bled, Radovljica", "Gorenjska, Slovenia", "Bled, Slovenia", "Bled"},
+      {"district",
+       [](CLPlacemark& p) {
+         p.subAdministrativeArea = "Grand";
+         p.administrativeArea = "Utah";
+         p.country = "USA";
+       },
+       "Grand, Utah", "USA", "Utah, USA", "Utah"},
+      {"area",
+       [](CLPlacemark& p) {
+         p.administrativeArea = "Utah";
+         p.name = "Desert";
+         p.country = "USA";
+       },
+       "Desert", "Utah, USA", "Utah, USA", "Utah"},
+  };
+  const TestServices services("2024-03-05T12:00:00Z");
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    CLPlacemark placemark;
+    c.fill(placemark);
+    EXPECT_EQ(placemark.title(), c.title);
+    EXPECT_EQ(placemark.subtitle(), c.subtitle);
+    EXPECT_EQ(placemark.shortTitle(), c.shortTitle);
+    EXPECT_EQ(placemark.cityTitle(), c.cityTitle);
+  }
+}
+
+TEST(SavedLocation, IsAPairAndZeroIsAPlace) {
+  const TestServices services("2024-03-05T12:00:00Z");
+  EXPECT_FALSE(SavedLocation::load());
+  services.settings->setDouble(0.0, kUserDefaultsTodayExtensionLastLatitude);
+  EXPECT_FALSE(SavedLocation::load());
+  SavedLocation::save({0.0, 0.0});
+  EXPECT_EQ(SavedLocation::load(), (CLLocation{{0.0, 0.0}}));
+}
+
+TEST(SavedLocation, FollowsTheGeocoder) {
+  const TestServices services("2024-03-05T12:00:00Z");
+  CLPlacemark bled;
+  bled.locality = "Bled";
+  bled.timeZone = NSTimeZone{"Europe/Ljubljana"};
+  const CLLocation there{{46.36, 14.09}};
+  const SavedPlace known{"Bled", "Europe/Ljubljana"};
+  EXPECT_EQ(SavedLocation::saveGeocoded({bled, CLPlacemark()}, false, there), known);
+  EXPECT_EQ(SavedLocation::readPlace(), known);
+
+  bled.timeZone.reset();
+  EXPECT_EQ(SavedLocation::saveGeocoded({bled}, false, there), (SavedPlace{"Bled", {}}));
+  EXPECT_EQ(SavedLocation::readPlace(), (SavedPlace{"Bled", {}}));
+
+  // A failure leaves nothing stale beside the new coordinate; the coordinate's text is for showing.
+  for (const bool failed : {true, false}) {
+    SavedLocation::savePlace(known);
+    const SavedPlace shown = SavedLocation::saveGeocoded(
+        failed ? std::vector{bled} : std::vector<CLPlacemark>(), failed, there);
+    EXPECT_EQ(shown.address, LocationUtils::latLonStringWithCoordinate(there.coordinate));
+    EXPECT_EQ(SavedLocation::readPlace(), SavedPlace());
+  }
+}
+
+TEST(UserDefaults, MigrateOnce) {
+  const TestServices services("2024-03-05T12:00:00Z");
+  services.settings->setInteger(1, kUserDefaultsCoordinateSystem);
+  services.privateSettings->setInteger(2, kUserDefaultsCoordinateSystem);
+  services.privateSettings->setObject("kept", "anything");
+  EXPECT_FALSE(NSUserDefaults::hasMigratedDefault());
+  NSUserDefaults::migrateUserDefaultsIfNeccessary();
+  EXPECT_TRUE(NSUserDefaults::hasMigratedDefault());
+  EXPECT_EQ(services.settings->integerForKey(kUserDefaultsCoordinateSystem), 2);
+  EXPECT_EQ(services.settings->stringForKey("anything"), "kept");
+  services.settings->setInteger(0, kUserDefaultsCoordinateSystem);
+  NSUserDefaults::migrateUserDefaultsIfNeccessary();
+  EXPECT_EQ(services.settings->integerForKey(kUserDefaultsCoordinateSystem), 0);
+}
+
+}  // namespace
+}  // namespace lumenquest::platform
