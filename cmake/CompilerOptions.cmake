@@ -5,7 +5,8 @@ add_library(lumenquest::options ALIAS lumenquest_options)
 
 target_compile_features(lumenquest_options INTERFACE cxx_std_20)
 target_compile_options(lumenquest_options INTERFACE
-  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  $<$<BOOL:${PROJECT_IS_TOP_LEVEL}>:-Werror>
   # One rounding per operation: a fused multiply-add would round a·b + c once where the series
   # round twice, and results would depend on the machine.
   -ffp-contract=off)
@@ -31,7 +32,9 @@ function(lumenquest_add_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
   add_library(lumenquest_${name} STATIC ${ARG_SOURCES})
   add_library(lumenquest::${name} ALIAS lumenquest_${name})
-  set_target_properties(lumenquest_${name} PROPERTIES EXPORT_NAME ${name})
+  # Position-independent, so that others can link the library into a shared one.
+  set_target_properties(lumenquest_${name} PROPERTIES
+    EXPORT_NAME ${name} POSITION_INDEPENDENT_CODE ON)
   target_include_directories(lumenquest_${name} PUBLIC
     $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/lumenquest>)

@@ -101,7 +101,9 @@ std::string Describe(const CLI::ParseError& error, const std::vector<std::string
                          !unexpected.front().starts_with("-");
   const std::string shown = adapters::printableText(unexpected.front());
   if (isCommand) return stringWithFormat(appText("error_unknown_command"), {shown, kCommands});
-  return stringWithFormat(appText("error_unexpected_argument"), {shown});
+  return stringWithFormat(
+      appText("error_unexpected_argument"),
+      {shown, arguments.front() == "today" ? "lumenquest today --help" : "lumenquest --help"});
 }
 
 }  // namespace
@@ -149,6 +151,8 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     return fail(kExitUsage, Describe(error, arguments, app));
   } catch (const UsageError& error) {
     return fail(kExitUsage, error.what());
+  } catch (const std::exception& error) {
+    return fail(kExitFailure, adapters::printableText(error.what()));
   }
 
   errno = 0;

@@ -22,16 +22,16 @@ std::string resourceFolder() {
 }
 
 void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock) {
-  platform::Services::Adapters adapters;
-  adapters.clock = std::move(clock);
-  adapters.timeZones = std::make_shared<adapters::SystemTimeZones>();
-  adapters.calendars = std::make_shared<adapters::IcuCalendarService>(locale, adapters.timeZones);
-  adapters.formatters = std::make_shared<adapters::IcuFormatterService>(locale, adapters.timeZones);
-  adapters.strings =
+  platform::Services::Adapters services;
+  services.clock = std::move(clock);
+  services.timeZones = std::make_shared<adapters::SystemTimeZones>();
+  services.calendars = std::make_shared<adapters::IcuCalendarService>(locale, services.timeZones);
+  services.formatters = std::make_shared<adapters::IcuFormatterService>(locale, services.timeZones);
+  services.strings =
       std::make_shared<adapters::IcuStringTables>(resourceFolder() + "/strings", locale);
-  adapters.settings = std::make_shared<platform::InMemoryUserDefaults>();
-  adapters.log = std::make_shared<adapters::SystemLog>();
-  platform::Services::install(std::move(adapters));
+  services.settings = std::make_shared<platform::InMemoryUserDefaults>();
+  services.log = std::make_shared<adapters::SystemLog>();
+  platform::Services::install(std::move(services));
 }
 
 }  // namespace lumenquest::app

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -9,7 +8,9 @@
 #include "ephemeris/constants.h"
 #include "events/ephemeris_utils.h"
 #include "events/milky_way.h"
+#include "platform/formatters.h"
 #include "platform/localized_strings.h"
+#include "platform/location_utils.h"
 #include "platform/services.h"
 
 namespace lumenquest::app {
@@ -46,25 +47,6 @@ std::string DateText(NSDate date, const platform::NSTimeZone& zone, const std::s
   return formatter->stringFromDate(date);
 }
 
-std::string CoordinateText(const platform::CLLocationCoordinate2D& coordinate) {
-  const auto axis = [](double degrees, const char* positiveKey, const char* negativeKey) {
-    return stringWithFormat("%@° %@", {Number(std::fabs(degrees), 4),
-                                       EphemerisText(degrees < 0.0 ? negativeKey : positiveKey)});
-  };
-  return axis(coordinate.latitude, "cardinal_point_north_abbr", "cardinal_point_south_abbr") +
-         ", " + axis(coordinate.longitude, "cardinal_point_east_abbr", "cardinal_point_west_abbr");
-}
-
-std::string CompassPoint(double azimuth) {
-  static constexpr std::array<const char*, 8> keys{
-      "cardinal_point_north_abbr", "cardinal_point_north_east_abbr",
-      "cardinal_point_east_abbr",  "cardinal_point_south_east_abbr",
-      "cardinal_point_south_abbr", "cardinal_point_south_west_abbr",
-      "cardinal_point_west_abbr",  "cardinal_point_north_west_abbr"};
-  const auto sector = static_cast<std::size_t>(std::lround(azimuth / 45.0)) % keys.size();
-  return EphemerisText(keys[sector]);
-}
-
 /// Code points, which is columns for the words of our tables.
 std::size_t Width(const std::string& utf8) {
   return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
@@ -93,14 +75,33 @@ class Table {
   std::vector<std::pair<std::string, std::string>> rows_;
 };
 
+/// Time of an instant, with a mark when it belongs to yesterday or tomorrow.
+std::string TimeText(const events::WidgetAstrolib& values, double mjd) {
+  return EphemerisUtils::drawEventAtMjd(mjd)
+             ? EphemerisUtils::stringForMjd(mjd, values.mjdTodayAt0, values.mjdTomorrowAt0)
+             : EphemerisUtils::mjdToString(mjd);
+}
+
+/// Rise and set in two rows; in one when the body does neither.
+void AddRiseSet(Table& table, const events::WidgetAstrolib& values, const char* riseKey,
+                const char* setKey, const char* bothKey, double rise, double set) {
+  if (rise == set && !EphemerisUtils::drawEventAtMjd(rise)) {
+    table.Row(appText(bothKey), EphemerisUtils::mjdToString(rise));
+    return;
+  }
+  table.Row(appText(riseKey), TimeText(values, rise));
+  table.Row(appText(setKey), TimeText(values, set));
+}
+
 /// One end of the galactic centre's window.
 std::string GalacticCentreEnd(const TodayReport& report, const char* titleKey, double mjd,
                               double tilt) {
   const double azimuth = events::MilkyWay::azimuthOfGalacticCenter(report.location, mjd);
   return stringWithFormat(
       appText("value_galactic_centre_end"),
-      {EphemerisText(titleKey), report.values.stringForMjd(mjd), Number(azimuth, 0),
-       CompassPoint(azimuth), Number(tilt * ephemeris::kRadiansToDegrees, 0)});
+      {EphemerisText(titleKey), TimeText(report.values, mjd), Number(azimuth, 0),
+       platform::LocationUtils::cardinalNameForBearing(azimuth),
+       Number(tilt * ephemeris::kRadiansToDegrees, 0)});
 }
 
 void AddGalacticCentre(Table& table, const TodayReport& report) {
@@ -121,41 +122,49 @@ void AddGalacticCentre(Table& table, const TodayReport& report) {
   }
 }
 
+/// The place's date and time, to the minute like all times of the table.
+std::string MomentText(const TodayReport& report) {
+  const double mjd = report.instant.modifiedJulianDay();
+  const NSDate minute = NSDate::dateFromModifiedJulianDay(mjd);
+  // Before the year 1 a date needs its era.
+  const char* fields = minute.ptDateTime().year < 1 ? "GyMMMMEEEEd" : "yMMMMEEEEd";
+  const std::string pattern = Services::current().formatters().dateFormatFromTemplate(fields);
+  return DateText(minute, report.timeZone, pattern) + ", " + EphemerisUtils::mjdToString(mjd);
+}
+
 }  // namespace
 
 std::string todayText(const TodayReport& report) {
+  platform::Formatters::sharedInstance().setTimeZone(report.timeZone);
   const events::WidgetAstrolib& values = report.values;
-  const std::string fullDate =
-      Services::current().formatters().dateFormatFromTemplate("yMMMMEEEEd");
-  std::string text = CoordinateText(report.location.coordinate) + "   " + report.timeZone.name +
-                     "\n" + DateText(report.instant, report.timeZone, fullDate) + ", " +
-                     EphemerisUtils::mjdToString(report.instant.modifiedJulianDay()) + "\n\n";
+  std::string text =
+      platform::LocationUtils::latLonStringWithCoordinate(report.location.coordinate) + "   " +
+      report.timeZone.name + "\n" + MomentText(report) + "\n\n";
 
   Table table;
   const auto interval = [](const std::optional<std::string>& value) {
     return value && !value->empty() ? *value : kNothing;
   };
-  const auto time = [&](double mjd) { return values.stringForMjd(mjd); };
 
   table.Row(appText("row_light_now"), values.currentLightType);
   table.Row(appText("row_light_next"),
             values.nextEventName
                 ? stringWithFormat(appText("value_light_at"),
-                                   {*values.nextEventName, time(values.nextEventMjd)})
+                                   {*values.nextEventName, TimeText(values, values.nextEventMjd)})
                 : kNothing);
   table.Gap();
-  table.Row(appText("row_sunrise"), time(values.mjdSunRise));
-  table.Row(appText("row_sunset"), time(values.mjdSunSet));
+  AddRiseSet(table, values, "row_sunrise", "row_sunset", "row_sunrise_sunset", values.mjdSunRise,
+             values.mjdSunSet);
   table.Row(EphemerisText("twilight_golden_hour"), interval(values.goldenHourInterval));
   table.Row(EphemerisText("twilight_blue_hour"), interval(values.blueHourInterval));
   table.Row(EphemerisText("twilight_astronomical"), interval(values.astronomicalTwilightInterval));
   table.Gap();
   table.Row(appText("row_moon"), values.moonPhase.value_or(kNothing));
-  table.Row(appText("row_moonrise"), time(values.mjdMoonRise));
-  table.Row(appText("row_moonset"), time(values.mjdMoonSet));
+  AddRiseSet(table, values, "row_moonrise", "row_moonset", "row_moonrise_moonset",
+             values.mjdMoonRise, values.mjdMoonSet);
   table.Gap();
   AddGalacticCentre(table, report);
-  // High latitudes and a wrong zone can make the hours absurd.
+  // High latitudes, a wrong zone and a day of 23 hours can make the hours absurd.
   const float hours = values.moonlessHours;
   table.Row(appText("row_moonless_hours"), hours >= 0.0f && hours <= kHoursPerDay
                                                ? EphemerisUtils::moonlessHoursText(hours)

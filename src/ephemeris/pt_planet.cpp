@@ -36,7 +36,7 @@ double CentreToSinH(SearchEvent event) {
     case SearchEvent::RiseSet:
       break;
   }
-  // The place that crash reports have always carried for this fault.
+  // The parts by which diagnostics know this fault; they must not move with the source.
   assertionFailed("FindEvents", "pt_planet", 492, "false");
 }
 

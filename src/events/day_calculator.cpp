@@ -14,7 +14,6 @@ namespace {
 
 using ephemeris::kMjdAlwaysInvisible;
 using ephemeris::kMjdCircumpolar;
-using ephemeris::PtDateTime;
 using ephemeris::SearchEvent;
 using platform::kTableEphemeris;
 using platform::localizedString;
@@ -42,12 +41,6 @@ constexpr std::array<LightChange, 10> kLightChanges{{
     {&Twilights::mjdGoldenHourEnd, "light_daytime"},
 }};
 
-PtDateTime ToPtDateTime(NSDate date) {
-  PtDateTime ptDateTime;
-  NSDate::ptDateTimeForDate(date, &ptDateTime);
-  return ptDateTime;
-}
-
 }  // namespace
 
 void DayCalculator::setCurrentLocation(const std::optional<platform::CLLocation>& location) {
@@ -62,17 +55,17 @@ void DayCalculator::updateDates() {
   currentDate_ = NSDate::date();
   mjdNow_ = currentDate_.modifiedJulianDay();
 
-  ptTodayAt0_ = ToPtDateTime(NSDate::dateWithStartDateTime(currentDate_));
-  mjdTodayAt0 = ptTodayAt0_.ModifiedJulianDay();
-  deltaT_ = ptTodayAt0_.DeltaT();
+  const ephemeris::PtDateTime todayAt0 = NSDate::dateWithStartDateTime(currentDate_).ptDateTime();
+  mjdTodayAt0 = todayAt0.ModifiedJulianDay();
+  deltaT_ = todayAt0.DeltaT();
   mjdTodayAtNoon_ = NSDate::dateWithNoonDateTime(currentDate_).modifiedJulianDay();
 
-  tomorrow_ = currentDate_.dateByAddingNumberOfDays(1);
-  ptTomorrowAt0_ = ToPtDateTime(NSDate::dateWithStartDateTime(tomorrow_));
-  mjdTomorrowAt0 = ptTomorrowAt0_.ModifiedJulianDay();
-
-  const NSDate yesterday = currentDate_.dateByAddingNumberOfDays(-1);
-  mjdYesterdayAt0_ = NSDate::dateWithStartDateTime(yesterday).modifiedJulianDay();
+  const auto startOfDay = [this](int daysFromToday) {
+    const NSDate day = currentDate_.dateByAddingNumberOfDays(daysFromToday);
+    return NSDate::dateWithStartDateTime(day).modifiedJulianDay();
+  };
+  mjdTomorrowAt0 = startOfDay(1);
+  mjdYesterdayAt0_ = startOfDay(-1);
 }
 
 SunEvent DayCalculator::sunEventFromTwilight(const Twilights& t) {

@@ -38,8 +38,7 @@ ephemeris::PtMoonPhases PhasesFromFirstOfMonth(int year, int month) {
   NSDateComponents first;
   first.year = year;
   first.month = month;
-  PtDateTime ptFirst;
-  NSDate::ptDateTimeForDate(NSCalendar::cachedCalendar().dateFromComponents(first), &ptFirst);
+  const PtDateTime ptFirst = NSCalendar::cachedCalendar().dateFromComponents(first).ptDateTime();
   ephemeris::PtMoonPhases phases;
   ephemeris::PtPhasesOfTheMoon().CalculatePhasesForMonth(ptFirst, &phases);
   return phases;
@@ -74,8 +73,7 @@ double PrincipalIllumination(MoonPhaseType phase) {
 /// The engine's times of a local day's start.
 struct DayStart {
   explicit DayStart(NSDate start) : dayOfMonth(start.dayValue()) {
-    PtDateTime ptStart;
-    NSDate::ptDateTimeForDate(start, &ptStart);
+    const PtDateTime ptStart = start.ptDateTime();
     mjd = ptStart.ModifiedJulianDay();
     deltaT = ptStart.DeltaT();
   }
@@ -193,6 +191,7 @@ void EphemerisUtils::calculateAstronomicalTwilight(ephemeris::PtSun& sun, double
                                                    double* mjdAstTwEnd2) {
   *mjdAstTwEnd2 = kMjdAlwaysInvisible;
   sun.FindEvents(SearchEvent::AstronomicalTwilight, atMjd, deltaT, mjdAstTwStart, mjdAstTwEnd);
+  // Dusk in the day's first hours: the evening may bring another one before midnight.
   if (*mjdAstTwEnd < *mjdAstTwStart) {
     double start = 0.0;
     double end = 0.0;

@@ -18,11 +18,7 @@ using platform::NSDate;
 constexpr double kNorthernLimit = 58.0;
 constexpr int kDaysSearched = 180;
 
-PtDateTime StartOfDay(NSDate date) {
-  PtDateTime start;
-  NSDate::ptDateTimeForDate(NSDate::dateWithStartDateTime(date), &start);
-  return start;
-}
+PtDateTime StartOfDay(NSDate date) { return NSDate::dateWithStartDateTime(date).ptDateTime(); }
 
 }  // namespace
 

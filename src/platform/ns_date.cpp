@@ -68,11 +68,13 @@ NSDate NSDate::dateFromModifiedJulianDay(double mjd, bool withSeconds) {
   return dateWithPtDateTime(ptDateTime, withSeconds);
 }
 
-double NSDate::modifiedJulianDay() const {
-  ephemeris::PtDateTime ptDateTime;
-  ptDateTimeForDate(*this, &ptDateTime);
-  return ptDateTime.ModifiedJulianDay();
+ephemeris::PtDateTime NSDate::ptDateTime() const {
+  ephemeris::PtDateTime record;
+  ptDateTimeForDate(*this, &record);
+  return record;
 }
+
+double NSDate::modifiedJulianDay() const { return ptDateTime().ModifiedJulianDay(); }
 
 NSDate NSDate::dateWithStartDateTime(NSDate date) { return DayAt(date, 0, 0, 0); }
 

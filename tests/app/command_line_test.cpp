@@ -102,7 +102,7 @@ TEST(Today, TextReadsAtAGlance) {
       "36.1", "-112.1", {"--time-zone", "America/Phoenix", "--at", "2026-06-20T22:00:00-07:00"}));
   EXPECT_EQ(english.code, kExitSuccess);
   for (const char* row :
-       {"36.1000° N, 112.1000° W   America/Phoenix", "Saturday, June 20, 2026", "10:00\u202FPM",
+       {"36.100000°N 112.100000°W   America/Phoenix", "Saturday, June 20, 2026", "10:00\u202FPM",
         "Light now               Night\n", "Next light              Astronomical twilight, 3:22",
         "Sunrise                 5:12\u202FAM (+1)\n", "Golden hour             4:53 - 5:50",
         "Moon                    Waxing crescent (42.8%)\n",
@@ -115,7 +115,7 @@ TEST(Today, TextReadsAtAGlance) {
   const Result german = Call({"today", "--latitude", "45.92", "--longitude", "6.87", "--time-zone",
                               "Europe/Paris", "--at", "2026-11-22T20:30:00Z", "--locale", "de"});
   for (const char* row :
-       {"45,9200° N, 6,8700° O", "Sonntag, 22. November 2026, 21:30",
+       {"45,920000°N 6,870000°O", "Sonntag, 22. November 2026, 21:30",
         "Mond                      Zunehmender Mond (95", "Erst sichtbar am Sonntag, 24.01.27"}) {
     EXPECT_NE(german.out.find(row), std::string::npos) << row << "\nin\n" << german.out;
   }

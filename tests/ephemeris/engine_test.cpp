@@ -163,7 +163,7 @@ TEST(FindEvents, CrossesTheThresholdInItsDirection) {
       // At a grazing crossing the parabola's root lies farther off.
       const double before = height(mjd - kMinutes) * direction;
       const double after = height(mjd + kMinutes) * direction;
-      if (after - before < 1e-4) continue;
+      if (std::fabs(after - before) < 1e-4) continue;
       EXPECT_LT(before, 0.0) << "case " << i;
       EXPECT_GT(after, 0.0) << "case " << i;
       EXPECT_GE(mjd, mjd0 - 1e-9);

@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 
-#include "ephemeris/pt_date_time.h"
 #include "ephemeris/pt_moon.h"
 #include "ephemeris/pt_position.h"
 #include "ephemeris/pt_sun.h"
@@ -97,11 +96,8 @@ class DayCalculator {
 
  private:
   std::optional<platform::CLLocation> currentLocation_;
-  ephemeris::PtDateTime ptTodayAt0_;
   double mjdTodayAtNoon_ = 0.0;
   double mjdYesterdayAt0_ = 0.0;
-  platform::NSDate tomorrow_;
-  ephemeris::PtDateTime ptTomorrowAt0_;
   std::optional<Twilights> todayTwilights_;
   std::optional<Twilights> yesterdayTwilights_;
   std::optional<Twilights> tomorrowTwilights_;

@@ -72,8 +72,7 @@ class SunEvent {
   std::vector<LightTypeEvent> eventsForLightType(LightType lightType) const;
 
   /// The day's intervals of a light type: one or two with their starts, more joined by " | ", none
-  /// as
-  /// "--". The operations behind it are its short forms.
+  /// as "--". The operations behind it are its short forms.
   TwilightIntervals twilightIntervalForLightType(LightType lightType) const;
   TwilightIntervals civilTwilightIntervals() const;
   TwilightIntervals nauticalTwilightIntervals() const;

@@ -38,6 +38,8 @@ class NSDate {
   static NSDate dateWithPtDateTime(const ephemeris::PtDateTime& ptDateTime);
   /// Fills `PtDateTime` with the instant's UT fields; parts of a second are dropped.
   static void ptDateTimeForDate(NSDate date, ephemeris::PtDateTime* PtDateTime);
+  /// The same as a new record.
+  ephemeris::PtDateTime ptDateTime() const;
   static NSDate dateFromModifiedJulianDay(double mjd);
   static NSDate dateFromModifiedJulianDay(double mjd, bool withSeconds);
   double modifiedJulianDay() const;

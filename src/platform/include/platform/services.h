@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <utility>
 
 #include "platform/formatters.h"
 #include "platform/ns_calendar.h"
@@ -68,6 +69,8 @@ class Log {
   virtual void write(const std::string& message) = 0;
 };
 
+/// Only the shared calendars are guarded; all else is used from one thread at a time, the main one.
+///
 /// The one place through which the process-wide objects reach what the platform provides. The
 /// application installs its adapters once at start-up; each test installs its own.
 class Services {
