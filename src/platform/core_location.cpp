@@ -21,8 +21,9 @@ Text FirstPresent(std::initializer_list<const Text*> texts) {
   return std::nullopt;
 }
 
+/// "place, within", or the place alone where that is not known.
 std::string Joined(const Text& place, const Text& within) {
-  return stringWithFormat("%@, %@", {place, within});
+  return within ? stringWithFormat("%@, %@", {place, within}) : place.value_or("");
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "platform/location_utils.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -84,9 +85,10 @@ double LocationUtils::greatCircleDistanceWithSource(CLLocationCoordinate2D sourc
   const double phi1 = source.latitude * kDegreesToRadians;
   const double phi2 = destination.latitude * kDegreesToRadians;
   const double dLambda = (source.longitude - destination.longitude) * kDegreesToRadians;
-  return std::acos(std::sin(phi1) * std::sin(phi2) +
-                   std::cos(phi1) * std::cos(phi2) * std::cos(dLambda)) *
-         kSphereRadius;
+  const double cosine =
+      std::sin(phi1) * std::sin(phi2) + std::cos(phi1) * std::cos(phi2) * std::cos(dLambda);
+  // Rounding can lead beyond 1 where both are the same point.
+  return std::acos(std::clamp(cosine, -1.0, 1.0)) * kSphereRadius;
 }
 
 CLLocationCoordinate2D LocationUtils::calculateDerivedPositionFromSource(

@@ -18,6 +18,7 @@ TEST(Geodesy, AgainstPublishedValues) {
   // Paris to London: 343.6 km on this sphere; a quarter of the equator.
   const CLLocationCoordinate2D paris{48.8566, 2.3522}, london{51.5074, -0.1278};
   EXPECT_NEAR(LocationUtils::greatCircleDistanceWithSource(paris, london), 343.9, 0.5);
+  EXPECT_EQ(LocationUtils::greatCircleDistanceWithSource(paris, paris), 0.0);
   EXPECT_NEAR(LocationUtils::greatCircleDistanceWithSource({0, 0}, {0, 90}), 6378.137 * M_PI / 2,
               1e-6);
 
