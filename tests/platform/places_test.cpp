@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <GeographicLib/Geodesic.hpp>
 #include <cmath>
+#include <random>
 
 #include "platform/location_utils.h"
 #include "platform/ns_user_defaults.h"
@@ -35,6 +37,22 @@ TEST(Geodesy, AgainstPublishedValues) {
       -179.644, 1e-3);
   EXPECT_EQ(LocationUtils::calculateDerivedPositionFromSource({NAN, 0.0}, 1.0f, 0.0f),
             kCLLocationCoordinate2DInvalid);
+
+  // Against another method altogether, to a millimetre on the ground, all over the Earth.
+  const GeographicLib::Geodesic& wgs84 = GeographicLib::Geodesic::WGS84();
+  std::mt19937 random(11);
+  std::uniform_real_distribution<double> latitude(-89.0, 89.0), longitude(-180.0, 180.0);
+  std::uniform_real_distribution<float> range(1.0f, 1.5e7f), bearing(-360.0f, 360.0f);
+  for (int i = 0; i < 2000; ++i) {
+    const CLLocationCoordinate2D from{latitude(random), longitude(random)};
+    const float metres = range(random), degrees = bearing(random);
+    const auto ours = LocationUtils::calculateDerivedPositionFromSource(from, metres, degrees);
+    double lat = 0.0, lon = 0.0, apart = 0.0;
+    wgs84.Direct(from.latitude, from.longitude, degrees, metres, lat, lon);
+    wgs84.Inverse(lat, lon, ours.latitude, ours.longitude, apart);
+    ASSERT_LT(apart, 0.001) << from.latitude << ' ' << metres << ' ' << degrees;
+    ASSERT_LE(std::fabs(ours.longitude), 180.0);
+  }
 
   EXPECT_NEAR(LocationUtils::initialBearingFrom({0, 0}, {0, 10}), 90.0f, 1e-4);
   EXPECT_NEAR(LocationUtils::initialBearingFrom({0, 0}, {10, 0}), 0.0f, 1e-4);

@@ -1,0 +1,187 @@
+#include "adapters/sqlite_user_defaults.h"
+
+#include <filesystem>
+#include <type_traits>
+#include <utility>
+
+#include "sqlite.h"
+
+namespace lumenquest::adapters {
+
+namespace {
+
+/// Marks the file as one of settings ("LQse" in its header).
+constexpr std::int64_t kApplicationId = 0x4C517365;
+
+/// How a value is stored.
+enum Kind : std::int64_t { kBool = 0, kInteger = 1, kDouble = 2, kString = 3 };
+
+void RequireSettingsFile(SqliteConnection& connection) {
+  if (connection.QueryInteger("PRAGMA application_id") != kApplicationId) {
+    throw SqliteError(SQLITE_NOTADB, "the file holds something else than settings");
+  }
+}
+
+/// The path as a URI that says that nobody writes.
+std::string ImmutableUri(const std::string& path) {
+  std::string uri = "file:";
+  for (const char c : path) {
+    if (c == '?' || c == '#' || c == '%') {
+      constexpr const char* kHex = "0123456789abcdef";
+      const auto byte = static_cast<unsigned char>(c);
+      uri += {'%', kHex[byte >> 4], kHex[byte & 15]};
+    } else {
+      uri += c;
+    }
+  }
+  return uri + "?immutable=1";
+}
+
+std::unique_ptr<SqliteConnection> OpenForReading(const std::string& path) {
+  try {
+    auto connection = std::make_unique<SqliteConnection>(path, SQLITE_OPEN_READONLY);
+    connection->QueryInteger("PRAGMA schema_version");
+    return connection;
+  } catch (const SqliteError& error) {
+    // A log beside the file cannot be made in a folder that is read-only; then nobody writes
+    // either.
+    if (error.code() != SQLITE_CANTOPEN) throw;
+    return std::make_unique<SqliteConnection>(ImmutableUri(path),
+                                              SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+  }
+}
+
+platform::NSUserDefaults::Value ReadValue(const SqliteStatement& row, int kindColumn) {
+  switch (row.Integer(kindColumn)) {
+    case kBool:
+      return row.Integer(kindColumn + 1) != 0;
+    case kInteger:
+      return row.Integer(kindColumn + 1);
+    case kDouble:
+      return row.Double(kindColumn + 1);
+    default:
+      return row.Text(kindColumn + 1);
+  }
+}
+
+void BindValue(SqliteStatement& statement, const platform::NSUserDefaults::Value& value) {
+  std::visit(
+      [&statement](const auto& stored) {
+        using Stored = std::decay_t<decltype(stored)>;
+        if constexpr (std::is_same_v<Stored, bool>) {
+          statement.Bind(2, std::int64_t{kBool}).Bind(3, std::int64_t{stored});
+        } else if constexpr (std::is_same_v<Stored, std::int64_t>) {
+          statement.Bind(2, std::int64_t{kInteger}).Bind(3, stored);
+        } else if constexpr (std::is_same_v<Stored, double>) {
+          statement.Bind(2, std::int64_t{kDouble}).Bind(3, stored);
+        } else {
+          statement.Bind(2, std::int64_t{kString}).Bind(3, stored);
+        }
+      },
+      value);
+}
+
+}  // namespace
+
+SqliteUserDefaults::SqliteUserDefaults(std::string path) : path_(std::move(path)) {}
+SqliteUserDefaults::~SqliteUserDefaults() = default;
+
+SqliteConnection* SqliteUserDefaults::Reading() const {
+  std::error_code ignored;
+  if (connection_ || !std::filesystem::exists(path_, ignored)) return connection_.get();
+  try {
+    auto connection = OpenForReading(path_);
+    RequireSettingsFile(*connection);
+    connection_ = std::move(connection);
+    error_.reset();
+  } catch (const SqliteError& error) {
+    error_ = error.what();
+  }
+  return connection_.get();
+}
+
+SqliteConnection& SqliteUserDefaults::Writing() {
+  if (writable_) return *connection_;
+  // Whether a file that is there may be written is decided before anything is written to it.
+  if (std::filesystem::exists(path_)) {
+    const auto existing = OpenForReading(path_);
+    const bool isNew = existing->QueryInteger("PRAGMA schema_version") == 0;
+    if (!isNew) RequireSettingsFile(*existing);
+  } else {
+    std::filesystem::create_directories(std::filesystem::path(path_).parent_path());
+  }
+  auto connection =
+      std::make_unique<SqliteConnection>(path_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+  connection->Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;");
+  connection->Execute("BEGIN IMMEDIATE");
+  connection->Execute(
+      "PRAGMA application_id = 0x4C517365;"
+      "CREATE TABLE IF NOT EXISTS setting ("
+      "  key TEXT PRIMARY KEY NOT NULL, kind INTEGER NOT NULL, value NOT NULL) WITHOUT ROWID;"
+      "COMMIT");
+  connection_ = std::move(connection);
+  writable_ = true;
+  return *connection_;
+}
+
+std::optional<platform::NSUserDefaults::Value> SqliteUserDefaults::objectForKey(
+    const std::string& key) const {
+  const std::lock_guard lock(mutex_);
+  SqliteConnection* connection = Reading();
+  if (connection == nullptr) return std::nullopt;
+  try {
+    SqliteStatement statement =
+        connection->Prepare("SELECT kind, value FROM setting WHERE key = ?1");
+    statement.Bind(1, key);
+    if (!statement.Step()) return std::nullopt;
+    return ReadValue(statement, 0);
+  } catch (const SqliteError& error) {
+    error_ = error.what();
+    return std::nullopt;
+  }
+}
+
+void SqliteUserDefaults::setObject(const std::optional<Value>& value, const std::string& forKey) {
+  const std::lock_guard lock(mutex_);
+  try {
+    SqliteConnection& connection = Writing();
+    SqliteStatement statement = connection.Prepare(
+        value ? "INSERT INTO setting (key, kind, value) VALUES (?1, ?2, ?3) "
+                "ON CONFLICT (key) DO UPDATE SET kind = excluded.kind, value = excluded.value"
+              : "DELETE FROM setting WHERE key = ?1");
+    statement.Bind(1, forKey);
+    if (value) BindValue(statement, *value);
+    statement.Run();
+  } catch (const std::exception& error) {
+    // Of SQLite or of the file system.
+    error_ = error.what();
+    writeFailed_ = true;
+  }
+}
+
+platform::NSUserDefaults::Dictionary SqliteUserDefaults::dictionaryRepresentation() const {
+  const std::lock_guard lock(mutex_);
+  Dictionary values;
+  SqliteConnection* connection = Reading();
+  if (connection == nullptr) return values;
+  try {
+    SqliteStatement statement = connection->Prepare("SELECT key, kind, value FROM setting");
+    while (statement.Step()) values[statement.Text(0)] = ReadValue(statement, 1);
+  } catch (const SqliteError& error) {
+    error_ = error.what();
+  }
+  return values;
+}
+
+bool SqliteUserDefaults::synchronize() {
+  const std::lock_guard lock(mutex_);
+  // Every write was committed when it was made.
+  return !std::exchange(writeFailed_, false);
+}
+
+std::optional<std::string> SqliteUserDefaults::error() const {
+  const std::lock_guard lock(mutex_);
+  return error_;
+}
+
+}  // namespace lumenquest::adapters

@@ -1,0 +1,212 @@
+// Settings that processes share: what they hold, and what survives.
+
+#include "adapters/sqlite_user_defaults.h"
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <random>
+#include <sstream>
+#include <thread>
+
+namespace lumenquest::adapters {
+namespace {
+
+using platform::NSUserDefaults;
+namespace fs = std::filesystem;
+
+/// A folder that goes with the test.
+class Folder {
+ public:
+  Folder() {
+    std::string pattern = (fs::temp_directory_path() / "lumenquest-test-XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+  }
+  ~Folder() { fs::remove_all(path_); }
+  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  fs::path path_;
+};
+
+std::string Bytes(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::stringstream bytes;
+  bytes << file.rdbuf();
+  return bytes.str();
+}
+
+/// Runs work in a process of its own, which never returns from it.
+pid_t Fork(const std::function<void()>& work) {
+  const pid_t child = fork();
+  if (child == 0) {
+    work();
+    _exit(0);
+  }
+  return child;
+}
+
+int Wait(pid_t child) {
+  int status = 0;
+  waitpid(child, &status, 0);
+  return status;
+}
+
+TEST(SqliteUserDefaults, HoldsEveryTypeAndText) {
+  const Folder folder;
+  const std::string path = folder / "a folder/settings.sqlite";
+  const NSUserDefaults::Dictionary values{
+      {"flag", true},
+      {"integer", std::int64_t{-9007199254740993}},
+      {"double", 0.1 + 0.2},
+      {"text", std::string("München \u202Eשלום🌌 e\u0301 ' \" ; DROP TABLE setting")},
+      {"nul", std::string("a\0b", 3)},
+      {"long", std::string(10000, 'x')},
+      {std::string("ключ 🔑"), std::string()},
+  };
+  {
+    SqliteUserDefaults settings(path);
+    EXPECT_TRUE(settings.dictionaryRepresentation().empty());
+    EXPECT_FALSE(fs::exists(path));  // reading makes no file
+    for (const auto& [key, value] : values) settings.setObject(value, key);
+    settings.setObject(std::string("gone"), "removed");
+    settings.setObject(std::nullopt, "removed");
+    EXPECT_TRUE(settings.synchronize());
+    EXPECT_FALSE(settings.error());
+  }
+  SqliteUserDefaults again(path);
+  EXPECT_EQ(again.dictionaryRepresentation(), values);
+  EXPECT_EQ(again.doubleForKey("double"), 0.1 + 0.2);
+  EXPECT_FALSE(again.objectForKey("removed"));
+  EXPECT_EQ(again.integerForKey("text"), 0);
+
+  // Another process's write is seen by an object that is open already.
+  Wait(Fork([&] { SqliteUserDefaults(path).setInteger(7, "integer"); }));
+  EXPECT_EQ(again.integerForKey("integer"), 7);
+}
+
+TEST(SqliteUserDefaults, LeavesForeignFilesAlone) {
+  const Folder folder;
+  const std::string foreign = folder / "foreign.sqlite";
+  sqlite3* database = nullptr;
+  sqlite3_open(foreign.c_str(), &database);
+  sqlite3_exec(database, "CREATE TABLE setting (key); INSERT INTO setting VALUES ('a')", nullptr,
+               nullptr, nullptr);
+  sqlite3_close(database);
+  const std::string text = folder / "text.sqlite";
+  std::ofstream(text) << std::string(5000, '#');
+  const std::string cut = folder / "cut.sqlite";
+  SqliteUserDefaults(cut).setObject(std::string(9000, 'x'), "key");
+  fs::resize_file(cut, 5000);
+
+  for (const std::string& path : {foreign, text, cut}) {
+    SCOPED_TRACE(path);
+    const std::string before = Bytes(path);
+    SqliteUserDefaults settings(path);
+    settings.objectForKey("key");
+    EXPECT_TRUE(settings.error());
+    settings.setBool(true, "key");
+    EXPECT_FALSE(settings.synchronize());
+    EXPECT_EQ(Bytes(path), before);
+  }
+
+  // An empty file is one that was just made; a folder that cannot be is an error.
+  std::ofstream(folder / "empty.sqlite").flush();
+  SqliteUserDefaults empty(folder / "empty.sqlite");
+  empty.setBool(true, "key");
+  EXPECT_TRUE(empty.boolForKey("key"));
+  SqliteUserDefaults impossible(text + "/settings.sqlite");
+  impossible.setBool(true, "key");
+  EXPECT_FALSE(impossible.synchronize());
+  EXPECT_FALSE(impossible.boolForKey("key"));
+}
+
+TEST(SqliteUserDefaults, KeepsTheOldValueWhenTheDiskIsFull) {
+  const Folder folder;
+  const std::string path = folder / "settings.sqlite";
+  SqliteUserDefaults(path).setObject(std::string("old"), "key");
+  const int status = Wait(Fork([&] {
+    // Files of this process cannot grow beyond this.
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{200000, 200000};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    SqliteUserDefaults settings(path);
+    settings.setObject(std::string(5000000, 'x'), "key");
+    _exit(settings.synchronize() || !settings.error() ? 1 : 0);
+  }));
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(SqliteUserDefaults(path).stringForKey("key"), "old");
+}
+
+TEST(SqliteUserDefaults, TwoWritersLoseNoKey) {
+  const Folder folder;
+  const std::string path = folder / "settings.sqlite";  // made by whoever comes first
+  constexpr int kKeys = 60;
+  std::vector<pid_t> children;
+  for (int writer = 0; writer < 3; ++writer) {
+    children.push_back(Fork([&, writer] {
+      SqliteUserDefaults settings(path);
+      for (int i = 0; i < kKeys; ++i) {
+        settings.setInteger(i, std::to_string(writer) + "/" + std::to_string(i));
+        settings.setInteger(i, "shared");
+      }
+      _exit(settings.synchronize() ? 0 : 1);
+    }));
+  }
+  for (const pid_t child : children) EXPECT_EQ(Wait(child), 0);
+  SqliteUserDefaults settings(path);
+  EXPECT_EQ(settings.dictionaryRepresentation().size(), 3u * kKeys + 1u);
+  EXPECT_EQ(settings.integerForKey("shared"), kKeys - 1);
+}
+
+TEST(SqliteUserDefaults, SurvivesAKillAtAnyMoment) {
+  // Two keys are written in turn with the same number; what was acknowledged is there afterwards,
+  // and nothing is torn. LUMENQUEST_SOAK sets the number of kills.
+  const char* soak = std::getenv("LUMENQUEST_SOAK");
+  const int kills = soak != nullptr ? std::atoi(soak) : 40;
+  const Folder folder;
+  const std::string path = folder / "settings.sqlite";
+  std::mt19937 random(4);
+  std::int64_t acknowledged = 0;
+  for (int i = 0; i < kills; ++i) {
+    int channel[2];
+    ASSERT_EQ(pipe(channel), 0);
+    const pid_t child = Fork([&] {
+      SqliteUserDefaults settings(path);
+      for (std::int64_t n = acknowledged + 1;; ++n) {
+        settings.setInteger(n, "first");
+        settings.setObject(std::string(static_cast<std::size_t>(n % 9000), 'x'), "second");
+        if (write(channel[1], &n, sizeof n) != sizeof n) _exit(1);
+      }
+    });
+    close(channel[1]);
+    std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 8000));
+    kill(child, SIGKILL);
+    Wait(child);
+    for (std::int64_t n = 0; read(channel[0], &n, sizeof n) == sizeof n;) acknowledged = n;
+    close(channel[0]);
+
+    SqliteUserDefaults settings(path);
+    const std::int64_t first = settings.integerForKey("first");
+    ASSERT_GE(first, acknowledged);
+    ASSERT_LE(first, acknowledged + 1);
+    const auto second = settings.stringForKey("second").value_or("");
+    ASSERT_TRUE(second.size() == static_cast<std::size_t>(first % 9000) ||
+                second.size() == static_cast<std::size_t>((first - 1) % 9000) || first == 0);
+    ASSERT_FALSE(settings.error());
+    acknowledged = first;
+  }
+  EXPECT_GT(acknowledged, 0);
+}
+
+}  // namespace
+}  // namespace lumenquest::adapters
