@@ -51,6 +51,10 @@ std::unique_ptr<SqliteConnection> OpenForReading(const std::string& path) {
   }
 }
 
+bool IsNew(SqliteConnection& connection) {
+  return connection.QueryInteger("PRAGMA schema_version") == 0;
+}
+
 platform::NSUserDefaults::Value ReadValue(const SqliteStatement& row, int kindColumn) {
   switch (row.Integer(kindColumn)) {
     case kBool:
@@ -91,6 +95,8 @@ SqliteConnection* SqliteUserDefaults::Reading() const {
   if (connection_ || !std::filesystem::exists(path_, ignored)) return connection_.get();
   try {
     auto connection = OpenForReading(path_);
+    // A process may have died while it made the file: without a table it holds nothing yet.
+    if (IsNew(*connection)) return nullptr;
     RequireSettingsFile(*connection);
     connection_ = std::move(connection);
     error_.reset();
@@ -105,8 +111,7 @@ SqliteConnection& SqliteUserDefaults::Writing() {
   // Whether a file that is there may be written is decided before anything is written to it.
   if (std::filesystem::exists(path_)) {
     const auto existing = OpenForReading(path_);
-    const bool isNew = existing->QueryInteger("PRAGMA schema_version") == 0;
-    if (!isNew) RequireSettingsFile(*existing);
+    if (!IsNew(*existing)) RequireSettingsFile(*existing);
   } else {
     std::filesystem::create_directories(std::filesystem::path(path_).parent_path());
   }

@@ -2,8 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <array>
 #include <cerrno>
+#include <initializer_list>
 #include <memory>
 #include <ostream>
 #include <system_error>
@@ -13,6 +13,7 @@
 #include "adapters/printable_text.h"
 #include "app/option_values.h"
 #include "app/runtime.h"
+#include "app/settings_command.h"
 #include "app/today_command.h"
 #include "platform/localized_strings.h"
 
@@ -22,25 +23,17 @@ namespace {
 
 using platform::stringWithFormat;
 
-constexpr const char* kCommands = "today";
+constexpr const char* kCommands = "today, settings";
 
-/// An option of `today`, with the keys of its help and of what would be right for it.
-struct TodayOption {
+/// An option or argument of a command: the keys of its help and of what would be right for it.
+struct OptionSpec {
+  /// As in "--latitude"; a positional argument has no dashes.
   const char* name;
   const char* valueName;
   const char* helpKey;
   const char* expectationKey;
-  OptionText TodayOptions::*value;
+  OptionText* value;
 };
-
-constexpr std::array<TodayOption, 6> kTodayOptions{{
-    {"--latitude", "DEG", "help_latitude", "expect_latitude", &TodayOptions::latitude},
-    {"--longitude", "DEG", "help_longitude", "expect_longitude", &TodayOptions::longitude},
-    {"--time-zone", "IANA", "help_time_zone", "expect_time_zone", &TodayOptions::timeZone},
-    {"--at", "INSTANT", "help_at", "expect_at", &TodayOptions::at},
-    {"--locale", "TAG", "help_locale", "expect_locale", &TodayOptions::locale},
-    {"--format", "text|json", "help_format", "expect_format", &TodayOptions::format},
-}};
 
 /// The language of help and errors: a valid --locale wherever it stands, else the environment's.
 std::string MessageLocale(const std::vector<std::string>& arguments) {
@@ -59,52 +52,94 @@ std::string MessageLocale(const std::vector<std::string>& arguments) {
 class HelpFormatter final : public CLI::Formatter {
  public:
   std::string make_usage(const CLI::App* command, std::string) const override {
-    return "\n" + appText(command->get_name() == "today" ? "help_usage_today" : "help_usage_app") +
-           "\n";
+    // The key of "lumenquest settings get" is "help_usage_settings_get".
+    std::string key;
+    for (; command->get_parent() != nullptr; command = command->get_parent()) {
+      key = "_" + command->get_name() + key;
+    }
+    return "\n" + appText(("help_usage" + (key.empty() ? "_app" : key)).c_str()) + "\n";
   }
 };
 
-[[noreturn]] void ThrowNoValue(const TodayOption& option) {
+[[noreturn]] void ThrowNoValue(const OptionSpec& option) {
   throw UsageError(
       stringWithFormat(appText("error_no_value"), {option.name, appText(option.expectationKey)}));
 }
 
-void AddOptions(CLI::App& command, TodayOptions& values) {
-  command.option_defaults()->group(appText("help_options"));
-  command.set_help_flag("-h,--help", appText("help_help"))->group(appText("help_options"));
-  for (const TodayOption& option : kTodayOptions) {
-    const auto take = [&option, &values](const std::string& text) {
-      // The next option where a value should stand: the value was forgotten.
-      if (text.starts_with("--")) ThrowNoValue(option);
-      values.*option.value = text;
-    };
-    command.add_option_function<std::string>(option.name, take, appText(option.helpKey))
-        ->type_name(option.valueName)
-        ->take_last();
+/// The command line: commands with their options, in the user's language.
+class CommandLine {
+ public:
+  CommandLine() : app_(appText("help_app"), "lumenquest") {
+    const auto formatter = std::make_shared<HelpFormatter>();
+    formatter->label("Positionals", appText("help_arguments"));
+    app_.formatter(formatter);
+    app_.footer(appText("help_app_examples"));
+    SetHelp(app_);
+    app_.set_version_flag("--version", "lumenquest " LUMENQUEST_VERSION, appText("help_version"))
+        ->group(appText("help_options"));
   }
-}
 
-/// What the parser found wrong, in one line of the user's language.
-std::string Describe(const CLI::ParseError& error, const std::vector<std::string>& arguments,
-                     const CLI::App& app) {
-  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
-    const std::string message = error.what();
-    for (const TodayOption& option : kTodayOptions) {
-      if (!message.starts_with(std::string(option.name) + ":")) continue;
-      return stringWithFormat(appText("error_no_value"),
-                              {option.name, appText(option.expectationKey)});
+  CLI::App* AddCommand(CLI::App* parent, const char* name, const char* helpKey,
+                       const char* examplesKey, std::initializer_list<OptionSpec> options) {
+    CLI::App* command = parent->add_subcommand(name, appText(helpKey));
+    command->group(appText("help_commands"));
+    command->footer(appText(examplesKey));
+    command->option_defaults()->group(appText("help_options"));
+    SetHelp(*command);
+    for (const OptionSpec& option : options) {
+      options_.push_back(option);
+      const auto take = [option](const std::string& text) {
+        // The next option where a value should stand: the value was forgotten.
+        if (text.starts_with("--")) ThrowNoValue(option);
+        *option.value = text;
+      };
+      command->add_option_function<std::string>(option.name, take, appText(option.helpKey))
+          ->type_name(option.valueName)
+          ->take_last();
     }
+    return command;
   }
-  const std::vector<std::string> unexpected = app.remaining(true);
-  if (unexpected.empty()) return appText("error_usage");
-  const bool isCommand = !arguments.empty() && unexpected.front() == arguments.front() &&
-                         !unexpected.front().starts_with("-");
-  const std::string shown = adapters::printableText(unexpected.front());
-  if (isCommand) return stringWithFormat(appText("error_unknown_command"), {shown, kCommands});
-  return stringWithFormat(
-      appText("error_unexpected_argument"),
-      {shown, arguments.front() == "today" ? "lumenquest today --help" : "lumenquest --help"});
-}
+
+  CLI::App& app() { return app_; }
+
+  /// The innermost command that was named.
+  const CLI::App& named() const {
+    const CLI::App* command = &app_;
+    while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
+    return *command;
+  }
+
+  /// What the parser found wrong, in one line of the user's language.
+  std::string Describe(const CLI::ParseError& error,
+                       const std::vector<std::string>& arguments) const {
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+      const std::string message = error.what();
+      for (const OptionSpec& option : options_) {
+        if (!message.starts_with(std::string(option.name) + ":")) continue;
+        return stringWithFormat(appText("error_no_value"),
+                                {option.name, appText(option.expectationKey)});
+      }
+    }
+    const std::vector<std::string> unexpected = app_.remaining(true);
+    if (unexpected.empty()) return appText("error_usage");
+    const std::string shown = adapters::printableText(unexpected.front());
+    const bool isCommand = unexpected.front() == arguments.front() && !shown.starts_with("-");
+    if (isCommand) return stringWithFormat(appText("error_unknown_command"), {shown, kCommands});
+    std::string help = "--help";
+    for (const CLI::App* command = &named(); command != nullptr; command = command->get_parent()) {
+      help = command->get_name() + " " + help;
+    }
+    return stringWithFormat(appText("error_unexpected_argument"), {shown, help});
+  }
+
+ private:
+  static void SetHelp(CLI::App& command) {
+    command.set_help_flag("-h,--help", appText("help_help"))->group(appText("help_options"));
+  }
+
+  CLI::App app_;
+  std::vector<OptionSpec> options_;
+};
 
 }  // namespace
 
@@ -122,37 +157,58 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     return code;
   };
 
-  CLI::App app(appText("help_app"), "lumenquest");
-  app.formatter(std::make_shared<HelpFormatter>());
-  app.footer(appText("help_app_examples"));
-  app.set_help_flag("-h,--help", appText("help_help"))->group(appText("help_options"));
-  app.set_version_flag("--version", "lumenquest " LUMENQUEST_VERSION, appText("help_version"))
-      ->group(appText("help_options"));
+  CommandLine line;
+  TodayOptions t;
+  const OptionSpec format{"--format", "text|json", "help_format", "expect_format", &t.format};
+  CLI::App* today =
+      line.AddCommand(&line.app(), "today", "help_today", "help_today_examples",
+                      {{"--latitude", "DEG", "help_latitude", "expect_latitude", &t.latitude},
+                       {"--longitude", "DEG", "help_longitude", "expect_longitude", &t.longitude},
+                       {"--time-zone", "IANA", "help_time_zone", "expect_time_zone", &t.timeZone},
+                       {"--at", "INSTANT", "help_at", "expect_at", &t.at},
+                       {"--locale", "TAG", "help_locale", "expect_locale", &t.locale},
+                       format});
 
-  TodayOptions todayOptions;
-  CLI::App* today = app.add_subcommand("today", appText("help_today"));
-  today->group(appText("help_commands"));
-  today->footer(appText("help_today_examples"));
-  AddOptions(*today, todayOptions);
+  SettingsOptions s;
+  OptionSpec settingsFormat = format;
+  settingsFormat.value = &s.format;
+  const OptionSpec key{"KEY", "", "help_setting_key", "expect_text", &s.key};
+  CLI::App* settings =
+      line.AddCommand(&line.app(), "settings", "help_settings", "help_settings_examples", {});
+  const CLI::App* list = line.AddCommand(settings, "list", "help_settings_list",
+                                         "help_settings_examples", {settingsFormat});
+  const CLI::App* get = line.AddCommand(settings, "get", "help_settings_get",
+                                        "help_settings_examples", {key, settingsFormat});
+  const CLI::App* set =
+      line.AddCommand(settings, "set", "help_settings_set", "help_settings_examples",
+                      {key, {"VALUE", "", "help_setting_value", "expect_text", &s.value}});
 
   std::string output;
   try {
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
-    app.parse(reversed);
-    if (!today->parsed()) {
-      return fail(kExitUsage, stringWithFormat(appText("error_no_command"), {kCommands}));
+    line.app().parse(reversed);
+    if (today->parsed()) {
+      output = runToday(t);
+    } else if (list->parsed()) {
+      output = listSettings(s);
+    } else if (get->parsed()) {
+      output = getSetting(s);
+    } else if (set->parsed()) {
+      output = setSetting(s);
+    } else {
+      const char* commands = settings->parsed() ? "list, get, set" : kCommands;
+      return fail(kExitUsage, stringWithFormat(appText("error_no_command"), {commands}));
     }
-    output = runToday(todayOptions);
   } catch (const CLI::CallForHelp&) {
-    output = (today->parsed() ? today : &app)->help();
+    output = line.named().help();
   } catch (const CLI::CallForVersion& version) {
     output = std::string(version.what()) + "\n";
   } catch (const CLI::ParseError& error) {
-    return fail(kExitUsage, Describe(error, arguments, app));
+    return fail(kExitUsage, line.Describe(error, arguments));
   } catch (const UsageError& error) {
     return fail(kExitUsage, error.what());
   } catch (const std::exception& error) {
-    return fail(kExitFailure, adapters::printableText(error.what()));
+    return fail(kExitFailure, adapters::printableText(error.what(), 400));
   }
 
   errno = 0;

@@ -18,7 +18,22 @@ using platform::stringWithFormat;
 constexpr int kFirstYear = -3000;
 constexpr int kLastYear = 5000;
 
-std::optional<double> ParseNumber(std::string_view text) {
+double ParseDegrees(const char* option, const OptionText& text, double bound,
+                    const char* expectationKey) {
+  if (!text) {
+    throw UsageError(
+        stringWithFormat(appText("error_missing_option"), {option, appText(expectationKey)}));
+  }
+  const std::optional<double> degrees = parseNumber(*text);
+  // Written so that NaN is refused too.
+  if (!degrees || !(std::fabs(*degrees) <= bound)) throwBadOption(option, *text, expectationKey);
+  return *degrees;
+}
+
+}  // namespace
+
+std::optional<double> parseNumber(const std::string& given) {
+  std::string_view text = given;
   if (text.size() > 1 && text[0] == '+' && text[1] != '-') text.remove_prefix(1);
   double number = 0.0;
   const char* end = text.data() + text.size();
@@ -26,20 +41,6 @@ std::optional<double> ParseNumber(std::string_view text) {
   if (result.ec != std::errc() || result.ptr != end) return std::nullopt;
   return number;
 }
-
-double ParseDegrees(const char* option, const OptionText& text, double bound,
-                    const char* expectationKey) {
-  if (!text) {
-    throw UsageError(
-        stringWithFormat(appText("error_missing_option"), {option, appText(expectationKey)}));
-  }
-  const std::optional<double> degrees = ParseNumber(*text);
-  // Written so that NaN is refused too.
-  if (!degrees || !(std::fabs(*degrees) <= bound)) throwBadOption(option, *text, expectationKey);
-  return *degrees;
-}
-
-}  // namespace
 
 std::string appText(const char* key) { return platform::localizedString(key, platform::kTableApp); }
 

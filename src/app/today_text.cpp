@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/table.h"
 #include "app/today_command.h"
 #include "ephemeris/constants.h"
 #include "events/ephemeris_utils.h"
@@ -46,34 +47,6 @@ std::string DateText(NSDate date, const platform::NSTimeZone& zone, const std::s
   formatter->setTimeZone(zone);
   return formatter->stringFromDate(date);
 }
-
-/// Code points, which is columns for the words of our tables.
-std::size_t Width(const std::string& utf8) {
-  return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0u) != 0x80u;
-  }));
-}
-
-/// Rows of a label and a value, in groups set apart by a blank line.
-class Table {
- public:
-  void Row(const std::string& label, const std::string& value) { rows_.emplace_back(label, value); }
-  void Gap() { rows_.emplace_back(); }
-
-  std::string Text() const {
-    std::size_t width = 0;
-    for (const auto& [label, value] : rows_) width = std::max(width, Width(label));
-    std::string text;
-    for (const auto& [label, value] : rows_) {
-      if (!value.empty()) text += label + std::string(width - Width(label) + 3, ' ') + value;
-      text += '\n';
-    }
-    return text;
-  }
-
- private:
-  std::vector<std::pair<std::string, std::string>> rows_;
-};
 
 /// Time of an instant, with a mark when it belongs to yesterday or tomorrow.
 std::string TimeText(const events::WidgetAstrolib& values, double mjd) {

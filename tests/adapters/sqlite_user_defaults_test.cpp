@@ -182,7 +182,8 @@ TEST(SqliteUserDefaults, SurvivesAKillAtAnyMoment) {
     ASSERT_EQ(pipe(channel), 0);
     const pid_t child = Fork([&] {
       SqliteUserDefaults settings(path);
-      for (std::int64_t n = acknowledged + 1;; ++n) {
+      // From the last number again, whose second half may be missing.
+      for (std::int64_t n = std::max<std::int64_t>(acknowledged, 1);; ++n) {
         settings.setInteger(n, "first");
         settings.setObject(std::string(static_cast<std::size_t>(n % 9000), 'x'), "second");
         if (write(channel[1], &n, sizeof n) != sizeof n) _exit(1);

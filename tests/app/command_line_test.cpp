@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
@@ -13,6 +17,23 @@ namespace lumenquest::app {
 namespace {
 
 using Json = nlohmann::json;
+
+/// A folder that goes with the test.
+class Folder {
+ public:
+  Folder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "lumenquest-XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+  }
+  ~Folder() { std::filesystem::remove_all(path_); }
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+/// The user's own settings stay out of the tests.
+const int kNoSettings = setenv("XDG_DATA_HOME", "/nonexistent", 1);
 
 struct Result {
   int code;
@@ -83,6 +104,62 @@ TEST(CommandLine, WrongUseIsOneLineThatSaysWhatWouldBeRight) {
   }
 }
 
+TEST(Settings, ListGetAndSet) {
+  const Folder data;
+  setenv("XDG_DATA_HOME", data.path().c_str(), 1);
+  const auto call = [](std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "settings");
+    return Call(arguments);
+  };
+  const std::string file = data.path() + "/lumenquest/group.lumenquest.lumenquest/settings.sqlite";
+  EXPECT_EQ(call({"get", "global_coordinate_system"}).out, "--\n");
+  EXPECT_FALSE(std::filesystem::exists(file));
+  EXPECT_EQ(call({"set", "global_coordinate_system", "2"}).code, kExitSuccess);
+  EXPECT_EQ(call({"get", "global_coordinate_system"}).out, "2\n");
+  EXPECT_EQ(call({"set", "today_extension_longitude", "-112.5"}).code, kExitSuccess);
+  EXPECT_EQ(call({"set", "today_extension_address", "Grand Canyon\nSüd"}).code, kExitSuccess);
+  const Json json = Json::parse(call({"list", "--format", "json"}).out);
+  EXPECT_EQ(json.at("today_extension_longitude"), -112.5);
+  EXPECT_EQ(json.at("today_extension_address"), "Grand Canyon\nSüd");
+  EXPECT_TRUE(json.at("today_extension_latitude").is_null());
+  const std::string list = call({"list"}).out;
+  EXPECT_EQ(std::count(list.begin(), list.end(), '\n'), 6);
+  // The day's table follows the notation.
+  EXPECT_TRUE(
+      Call(Today("-33.5", "151.25", {"--time-zone", "UTC"})).out.starts_with("33°30'0\"S "));
+
+  for (const std::vector<std::string>& arguments : {std::vector<std::string>{},
+                                                    {"get"},
+                                                    {"get", "no_such"},
+                                                    {"set", "global_use_geodesics"},
+                                                    {"set", "global_use_geodesics", "maybe"},
+                                                    {"set", "global_coordinate_system", "3"},
+                                                    {"set", "today_extension_latitude", "91"},
+                                                    {"set", "today_extension_timezone", "Mars"}}) {
+    const Result result = call(arguments);
+    EXPECT_EQ(result.code, kExitUsage);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+  }
+
+  // A file that is something else is named, left alone, and does not keep the day from being shown.
+  const Folder other;
+  setenv("XDG_DATA_HOME", other.path().c_str(), 1);
+  const std::filesystem::path foreign =
+      other.path() + "/lumenquest/group.lumenquest.lumenquest/settings.sqlite";
+  std::filesystem::create_directories(foreign.parent_path());
+  std::ofstream(foreign) << "not a database, but somebody's only copy of something";
+  for (const auto& arguments :
+       {std::vector<std::string>{"list"}, {"set", "global_coordinate_system", "1"}}) {
+    const Result result = call(arguments);
+    EXPECT_EQ(result.code, kExitFailure);
+    EXPECT_NE(result.err.find(foreign.string()), std::string::npos);
+  }
+  EXPECT_EQ(std::filesystem::file_size(foreign), 53u);
+  EXPECT_EQ(Call(Today("0", "0", {"--time-zone", "UTC"})).code, kExitSuccess);
+  setenv("XDG_DATA_HOME", "/nonexistent", 1);
+}
+
 TEST(CommandLine, HelpAndVersion) {
   EXPECT_EQ(Call({"--version"}).code, kExitSuccess);
   EXPECT_TRUE(Call({"--version"}).out.starts_with("lumenquest "));
@@ -91,6 +168,8 @@ TEST(CommandLine, HelpAndVersion) {
     EXPECT_EQ(help.code, kExitSuccess);
     EXPECT_NE(help.out.find("lumenquest today --latitude"), std::string::npos);
   }
+  EXPECT_NE(Call({"settings", "set", "--help"}).out.find("lumenquest settings set KEY VALUE"),
+            std::string::npos);
   const Result german = Call({"today", "--help", "--locale", "de"});
   EXPECT_NE(german.out.find("Aufruf: lumenquest today --latitude DEG"), std::string::npos);
   EXPECT_NE(german.out.find("Zeitzone"), std::string::npos);

@@ -30,6 +30,9 @@ platform::NSTimeZone parseTimeZone(const OptionText& text);
 platform::NSDate parseInstant(const OptionText& text);
 OutputFormat parseFormat(const OptionText& text);
 
+/// A number with a decimal point, the whole text; nothing when it is none.
+std::optional<double> parseNumber(const std::string& text);
+
 /// Throws the error of an option's wrong value. `expectationKey`: key of what would be right.
 [[noreturn]] void throwBadOption(const char* option, const std::string& value,
                                  const char* expectationKey);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/services.h"
@@ -10,6 +11,13 @@ namespace lumenquest::app {
 /// Folder of the string tables and the other resources: beside the program's folder in the build
 /// and in an installed tree that was moved, else where the installation put it.
 std::string resourceFolder();
+
+/// The file of the settings shared with the main application, in the group's container under
+/// $XDG_DATA_HOME, else in ~/.local/share.
+std::string settingsPath();
+
+/// What went wrong last with that file; nothing when all went well.
+std::optional<std::string> settingsError();
 
 /// Installs the adapters for a locale (an ICU identifier) and a clock.
 void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock);
