@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <initializer_list>
+#include <map>
 #include <memory>
 #include <ostream>
 #include <system_error>
@@ -51,14 +52,14 @@ std::string MessageLocale(const std::vector<std::string>& arguments) {
 /// Help with the words of the user's language.
 class HelpFormatter final : public CLI::Formatter {
  public:
+  void SetUsage(const CLI::App& command, const char* key) { usageKeys_[&command] = key; }
+
   std::string make_usage(const CLI::App* command, std::string) const override {
-    // The key of "lumenquest settings get" is "help_usage_settings_get".
-    std::string key;
-    for (; command->get_parent() != nullptr; command = command->get_parent()) {
-      key = "_" + command->get_name() + key;
-    }
-    return "\n" + appText(("help_usage" + (key.empty() ? "_app" : key)).c_str()) + "\n";
+    return "\n" + appText(usageKeys_.at(command)) + "\n";
   }
+
+ private:
+  std::map<const CLI::App*, const char*> usageKeys_;
 };
 
 [[noreturn]] void ThrowNoValue(const OptionSpec& option) {
@@ -70,18 +71,20 @@ class HelpFormatter final : public CLI::Formatter {
 class CommandLine {
  public:
   CommandLine() : app_(appText("help_app"), "lumenquest") {
-    const auto formatter = std::make_shared<HelpFormatter>();
-    formatter->label("Positionals", appText("help_arguments"));
-    app_.formatter(formatter);
+    formatter_->label("Positionals", appText("help_arguments"));
+    formatter_->SetUsage(app_, "help_usage_app");
+    app_.formatter(formatter_);
     app_.footer(appText("help_app_examples"));
     SetHelp(app_);
     app_.set_version_flag("--version", "lumenquest " LUMENQUEST_VERSION, appText("help_version"))
         ->group(appText("help_options"));
   }
 
-  CLI::App* AddCommand(CLI::App* parent, const char* name, const char* helpKey,
-                       const char* examplesKey, std::initializer_list<OptionSpec> options) {
+  CLI::App* AddCommand(CLI::App* parent, const char* name, const char* usageKey,
+                       const char* helpKey, const char* examplesKey,
+                       std::initializer_list<OptionSpec> options) {
     CLI::App* command = parent->add_subcommand(name, appText(helpKey));
+    formatter_->SetUsage(*command, usageKey);
     command->group(appText("help_commands"));
     command->footer(appText(examplesKey));
     command->option_defaults()->group(appText("help_options"));
@@ -137,6 +140,7 @@ class CommandLine {
     command.set_help_flag("-h,--help", appText("help_help"))->group(appText("help_options"));
   }
 
+  std::shared_ptr<HelpFormatter> formatter_ = std::make_shared<HelpFormatter>();
   CLI::App app_;
   std::vector<OptionSpec> options_;
 };
@@ -161,7 +165,7 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
   TodayOptions t;
   const OptionSpec format{"--format", "text|json", "help_format", "expect_format", &t.format};
   CLI::App* today =
-      line.AddCommand(&line.app(), "today", "help_today", "help_today_examples",
+      line.AddCommand(&line.app(), "today", "help_usage_today", "help_today", "help_today_examples",
                       {{"--latitude", "DEG", "help_latitude", "expect_latitude", &t.latitude},
                        {"--longitude", "DEG", "help_longitude", "expect_longitude", &t.longitude},
                        {"--time-zone", "IANA", "help_time_zone", "expect_time_zone", &t.timeZone},
@@ -173,15 +177,17 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
   OptionSpec settingsFormat = format;
   settingsFormat.value = &s.format;
   const OptionSpec key{"KEY", "", "help_setting_key", "expect_text", &s.key};
-  CLI::App* settings =
-      line.AddCommand(&line.app(), "settings", "help_settings", "help_settings_examples", {});
-  const CLI::App* list = line.AddCommand(settings, "list", "help_settings_list",
-                                         "help_settings_examples", {settingsFormat});
-  const CLI::App* get = line.AddCommand(settings, "get", "help_settings_get",
-                                        "help_settings_examples", {key, settingsFormat});
-  const CLI::App* set =
-      line.AddCommand(settings, "set", "help_settings_set", "help_settings_examples",
-                      {key, {"VALUE", "", "help_setting_value", "expect_text", &s.value}});
+  CLI::App* settings = line.AddCommand(&line.app(), "settings", "help_usage_settings",
+                                       "help_settings", "help_settings_examples", {});
+  const CLI::App* list =
+      line.AddCommand(settings, "list", "help_usage_settings_list", "help_settings_list",
+                      "help_settings_examples", {settingsFormat});
+  const CLI::App* get =
+      line.AddCommand(settings, "get", "help_usage_settings_get", "help_settings_get",
+                      "help_settings_examples", {key, settingsFormat});
+  const CLI::App* set = line.AddCommand(
+      settings, "set", "help_usage_settings_set", "help_settings_set", "help_settings_examples",
+      {key, {"VALUE", "", "help_setting_value", "expect_text", &s.value}});
 
   std::string output;
   try {
