@@ -1,0 +1,270 @@
+// Makes the gazetteer's SQLite file from the table of resources/gazetteer at build time.
+//   build_gazetteer TABLE FILE
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "gazetteer_schema.h"
+#include "search_key.h"
+#include "sqlite_handle.h"
+
+namespace lumenquest::adapters {
+namespace {
+
+struct Place {
+  std::string name;
+  std::vector<std::string> otherNames;
+  double latitude = 0.0;
+  double longitude = 0.0;
+  std::string country;
+  std::string admin1Code;
+  std::string admin1Name;
+  std::string admin2Name;
+  std::int64_t population = 0;
+  std::string zone;
+};
+
+std::vector<std::string> Split(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::istringstream stream(text);
+  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
+  return parts;
+}
+
+template <typename Number>
+Number Parsed(const std::string& text) {
+  Number number{};
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) {
+    throw std::runtime_error("\"" + text + "\" is no number");
+  }
+  return number;
+}
+
+Place Read(const std::string& line) {
+  const std::vector<std::string> fields = Split(line, '\t');
+  if (fields.size() != 10) throw std::runtime_error("expected 10 fields");
+  Place place{fields[0],
+              Split(fields[1], ';'),
+              Parsed<double>(fields[2]),
+              Parsed<double>(fields[3]),
+              fields[4],
+              fields[5],
+              fields[6],
+              fields[7],
+              Parsed<std::int64_t>(fields[8]),
+              fields[9]};
+  if (place.name.empty() || place.country.size() != 2 || place.zone.empty()) {
+    throw std::runtime_error("expected a name, a country code and a time zone");
+  }
+  return place;
+}
+
+std::vector<Place> ReadTable(const std::string& path) {
+  std::ifstream file(path);
+  if (!file) throw std::runtime_error("cannot read it");
+  std::vector<Place> places;
+  std::size_t number = 0;
+  for (std::string line; std::getline(file, line);) {
+    ++number;
+    try {
+      places.push_back(Read(line));
+    } catch (const std::runtime_error& error) {
+      throw std::runtime_error("line " + std::to_string(number) + ": " + error.what());
+    }
+  }
+  return places;
+}
+
+class Writer {
+ public:
+  explicit Writer(const std::string& path) {
+    sqlite3* database = nullptr;
+    const int code = sqlite3_open(path.c_str(), &database);
+    database_.reset(database);
+    Check(code);
+    Execute("PRAGMA page_size = 4096");
+    Execute("PRAGMA journal_mode = OFF");
+    Execute("PRAGMA synchronous = OFF");
+    Execute("PRAGMA application_id = " + std::to_string(kGazetteerApplicationId));
+    Execute("PRAGMA user_version = " + std::to_string(kGazetteerVersion));
+    Execute(kGazetteerSchema);
+  }
+
+  void Execute(const std::string& sql) {
+    Check(sqlite3_exec(database_.get(), sql.c_str(), nullptr, nullptr, nullptr));
+  }
+
+  SqliteStatement Prepare(const char* sql) {
+    sqlite3_stmt* statement = nullptr;
+    Check(sqlite3_prepare_v2(database_.get(), sql, -1, &statement, nullptr));
+    return SqliteStatement(statement);
+  }
+
+  template <typename... Values>
+  void Insert(const SqliteStatement& statement, const Values&... values) {
+    int index = 0;
+    (Bind(statement.get(), ++index, values), ...);
+    if (sqlite3_step(statement.get()) != SQLITE_DONE) Check(sqlite3_errcode(database_.get()));
+    Check(sqlite3_reset(statement.get()));
+  }
+
+ private:
+  void Check(int code) const {
+    if (code != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(database_.get()));
+  }
+
+  void Bind(sqlite3_stmt* statement, int index, const std::string& text) {
+    Check(sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()),
+                            SQLITE_TRANSIENT));
+  }
+  void Bind(sqlite3_stmt* statement, int index, double number) {
+    Check(sqlite3_bind_double(statement, index, number));
+  }
+  void Bind(sqlite3_stmt* statement, int index, std::int64_t number) {
+    Check(sqlite3_bind_int64(statement, index, number));
+  }
+
+  SqliteDatabase database_;
+};
+
+/// Postal abbreviations where GeoNames' codes are others.
+struct Abbreviation {
+  const char* country;
+  const char* area;
+  const char* key;
+};
+
+constexpr std::array<Abbreviation, 21> kAbbreviations{{
+    {"AU", "Australian Capital Territory", "act"},
+    {"AU", "New South Wales", "nsw"},
+    {"AU", "Northern Territory", "nt"},
+    {"AU", "Queensland", "qld"},
+    {"AU", "South Australia", "sa"},
+    {"AU", "Tasmania", "tas"},
+    {"AU", "Victoria", "vic"},
+    {"AU", "Western Australia", "wa"},
+    {"CA", "Alberta", "ab"},
+    {"CA", "British Columbia", "bc"},
+    {"CA", "Manitoba", "mb"},
+    {"CA", "New Brunswick", "nb"},
+    {"CA", "Newfoundland and Labrador", "nl"},
+    {"CA", "Northwest Territories", "nt"},
+    {"CA", "Nova Scotia", "ns"},
+    {"CA", "Nunavut", "nu"},
+    {"CA", "Ontario", "on"},
+    {"CA", "Prince Edward Island", "pe"},
+    {"CA", "Quebec", "qc"},
+    {"CA", "Saskatchewan", "sk"},
+    {"CA", "Yukon", "yt"},
+}};
+
+/// The words by which an area is searched: its name, its postal abbreviation, and its code where
+/// that is letters (the postal abbreviations of the United States among them).
+std::vector<std::string> AreaKeys(const Place& place) {
+  std::vector<std::string> keys = searchKeys(place.admin1Name);
+  for (const Abbreviation& abbreviation : kAbbreviations) {
+    if (place.country == abbreviation.country && place.admin1Name == abbreviation.area) {
+      keys.emplace_back(abbreviation.key);
+    }
+  }
+  if (std::all_of(place.admin1Code.begin(), place.admin1Code.end(),
+                  [](char c) { return c >= 'A' && c <= 'Z'; })) {
+    keys.push_back(joinedWords(searchWords(place.admin1Code)));
+  }
+  return keys;
+}
+
+void Write(std::vector<Place> places, const std::string& path) {
+  std::stable_sort(places.begin(), places.end(),
+                   [](const Place& a, const Place& b) { return a.population > b.population; });
+  Writer writer(path);
+  writer.Execute("BEGIN");
+  const auto insertZone = writer.Prepare("INSERT INTO zone VALUES (?, ?)");
+  const auto insertArea = writer.Prepare("INSERT INTO admin1 VALUES (?, ?, ?, ?)");
+  const auto insertAreaKey = writer.Prepare("INSERT OR IGNORE INTO admin1_key VALUES (?, ?)");
+  const auto insertPlace =
+      writer.Prepare("INSERT INTO place VALUES (?, ?, ?, ?, ?, NULLIF(?, 0), ?, ?, ?)");
+  const auto insertKey = writer.Prepare("INSERT INTO name_key VALUES (?, ?)");
+  const auto insertBox = writer.Prepare("INSERT INTO place_box VALUES (?1, ?2, ?2, ?3, ?3)");
+  const auto insertSearch =
+      writer.Prepare("INSERT INTO place_search (rowid, names, region) VALUES (?, ?, ?)");
+
+  std::map<std::string, std::int64_t> zones;
+  std::map<std::pair<std::string, std::string>, std::int64_t> areas;
+  std::set<std::pair<std::string, std::int64_t>> keys;
+  std::int64_t id = 0;
+  for (const Place& place : places) {
+    ++id;
+    const auto [zone, isNewZone] =
+        zones.emplace(place.zone, static_cast<std::int64_t>(zones.size() + 1));
+    if (isNewZone) writer.Insert(insertZone, zone->second, zone->first);
+
+    std::int64_t area = 0;
+    if (!place.admin1Name.empty()) {
+      const auto [found, isNewArea] = areas.emplace(std::pair(place.country, place.admin1Code),
+                                                    static_cast<std::int64_t>(areas.size() + 1));
+      area = found->second;
+      if (isNewArea) {
+        writer.Insert(insertArea, area, place.country, place.admin1Code, place.admin1Name);
+        for (const std::string& key : AreaKeys(place)) writer.Insert(insertAreaKey, key, area);
+      }
+    }
+    writer.Insert(insertPlace, id, place.name, place.latitude, place.longitude, place.country, area,
+                  place.admin2Name, place.population, zone->second);
+    writer.Insert(insertBox, id, place.latitude, place.longitude);
+
+    std::string text;
+    std::set<std::string> own;
+    std::vector<std::string> names{place.name};
+    names.insert(names.end(), place.otherNames.begin(), place.otherNames.end());
+    for (const std::string& name : names) {
+      for (const std::string& key : searchKeys(name)) {
+        if (!own.insert(key).second) continue;
+        text += std::string(kNameMark) + " " + key + " ";
+        keys.emplace(key, id);
+      }
+    }
+    writer.Insert(insertSearch, id, text, "c" + place.country + " a" + std::to_string(area));
+  }
+  for (const auto& [key, place] : keys) writer.Insert(insertKey, key, place);
+  writer.Execute("INSERT INTO place_search (place_search) VALUES ('optimize')");
+  writer.Execute("COMMIT");
+  writer.Execute("ANALYZE");
+  writer.Execute("VACUUM");
+}
+
+}  // namespace
+}  // namespace lumenquest::adapters
+
+int main(int argc, char** argv) {
+  using namespace lumenquest::adapters;
+  if (argc != 3) {
+    std::cerr << "build_gazetteer: give the table and the file to write\n";
+    return 2;
+  }
+  const std::string table = argv[1];
+  const std::string file = argv[2];
+  // Under another name until it is whole.
+  const std::string unfinished = file + ".new";
+  try {
+    std::filesystem::remove(unfinished);
+    Write(ReadTable(table), unfinished);
+    std::filesystem::rename(unfinished, file);
+  } catch (const std::exception& error) {
+    std::cerr << "build_gazetteer: " << table << ": " << error.what() << "\n";
+    return 1;
+  }
+  return 0;
+}
