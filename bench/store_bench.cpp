@@ -1,4 +1,5 @@
-// Time of the stores' operations. Absolute times: a commit waits for the disk, whatever the processor.
+// Time of the stores' operations. Absolute times: a commit waits for the disk, whatever the
+// processor.
 
 #include <benchmark/benchmark.h>
 

@@ -438,4 +438,8 @@ std::optional<NSTimeZone> Gazetteer::timeZoneAt(CLLocationCoordinate2D coordinat
   return implementation_->TimeZoneAt(coordinate);
 }
 
+bool isSameName(const std::string& a, const std::string& b) {
+  return searchWords(a) == searchWords(b);
+}
+
 }  // namespace lumenquest::adapters

@@ -13,6 +13,7 @@
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "app/option_values.h"
+#include "app/places_command.h"
 #include "app/runtime.h"
 #include "app/settings_command.h"
 #include "app/today_command.h"
@@ -24,7 +25,7 @@ namespace {
 
 using platform::stringWithFormat;
 
-constexpr const char* kCommands = "today, settings";
+constexpr const char* kCommands = "today, places, settings";
 
 /// An option or argument of a command: the keys of its help and of what would be right for it.
 struct OptionSpec {
@@ -166,12 +167,28 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
   const OptionSpec format{"--format", "text|json", "help_format", "expect_format", &t.format};
   CLI::App* today =
       line.AddCommand(&line.app(), "today", "help_usage_today", "help_today", "help_today_examples",
-                      {{"--latitude", "DEG", "help_latitude", "expect_latitude", &t.latitude},
+                      {{"--place", "TEXT", "help_place", "expect_place", &t.place},
+                       {"--latitude", "DEG", "help_latitude", "expect_latitude", &t.latitude},
                        {"--longitude", "DEG", "help_longitude", "expect_longitude", &t.longitude},
                        {"--time-zone", "IANA", "help_time_zone", "expect_time_zone", &t.timeZone},
                        {"--at", "INSTANT", "help_at", "expect_at", &t.at},
                        {"--locale", "TAG", "help_locale", "expect_locale", &t.locale},
                        format});
+
+  PlacesOptions p;
+  OptionSpec placesFormat = format;
+  placesFormat.value = &p.format;
+  const OptionSpec placesLocale{"--locale", "TAG", "help_locale", "expect_locale", &p.locale};
+  CLI::App* places = line.AddCommand(&line.app(), "places", "help_usage_places", "help_places",
+                                     "help_places_examples", {});
+  const CLI::App* search = line.AddCommand(
+      places, "search", "help_usage_places_search", "help_places_search", "help_places_examples",
+      {{"TEXT", "", "help_places_text", "expect_place", &p.text}, placesLocale, placesFormat});
+  const CLI::App* at = line.AddCommand(
+      places, "at", "help_usage_places_at", "help_places_at", "help_places_examples",
+      {{"COORDINATE", "", "help_places_coordinate", "expect_coordinate", &p.text},
+       placesLocale,
+       placesFormat});
 
   SettingsOptions s;
   OptionSpec settingsFormat = format;
@@ -195,6 +212,10 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     line.app().parse(reversed);
     if (today->parsed()) {
       output = runToday(t);
+    } else if (search->parsed()) {
+      output = searchPlaces(p);
+    } else if (at->parsed()) {
+      output = placesAt(p);
     } else if (list->parsed()) {
       output = listSettings(s);
     } else if (get->parsed()) {
@@ -202,7 +223,9 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     } else if (set->parsed()) {
       output = setSetting(s);
     } else {
-      const char* commands = settings->parsed() ? "list, get, set" : kCommands;
+      const char* commands = settings->parsed() ? "list, get, set"
+                             : places->parsed() ? "search, at"
+                                                : kCommands;
       return fail(kExitUsage, stringWithFormat(appText("error_no_command"), {commands}));
     }
   } catch (const CLI::CallForHelp&) {

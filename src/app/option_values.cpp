@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "adapters/rfc3339.h"
 #include "platform/localized_strings.h"
@@ -78,6 +79,13 @@ platform::NSDate parseInstant(const OptionText& text) {
   const int year = adapters::rfc3339Year(*instant);
   if (year < kFirstYear || year > kLastYear) throwBadOption("--at", *text, "expect_at");
   return *instant;
+}
+
+std::string checkedLocale(const OptionText& tag) {
+  if (!tag) return adapters::environmentLocale();
+  const std::optional<std::string> known = adapters::localeIdentifier(*tag);
+  if (!known) throwBadOption("--locale", *tag, "expect_locale");
+  return *known;
 }
 
 OutputFormat parseFormat(const OptionText& text) {

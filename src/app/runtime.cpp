@@ -45,6 +45,10 @@ std::string settingsPath() {
 
 std::optional<std::string> settingsError() { return Suite() ? Suite()->error() : std::nullopt; }
 
+std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale) {
+  return std::make_unique<adapters::Gazetteer>(resourceFolder() + "/gazetteer.sqlite", locale);
+}
+
 void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock) {
   platform::Services::Adapters services;
   services.clock = std::move(clock);

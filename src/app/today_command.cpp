@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "adapters/clocks.h"
-#include "adapters/icu_services.h"
+#include "app/places_command.h"
 #include "app/runtime.h"
 #include "events/today_view_model.h"
 #include "platform/calendar_zone.h"
@@ -34,20 +34,30 @@ TodayReport computeToday(const platform::CLLocation& location,
 }
 
 std::string runToday(const TodayOptions& options) {
-  std::string locale = adapters::environmentLocale();
-  if (options.locale) {
-    const std::optional<std::string> known = adapters::localeIdentifier(*options.locale);
-    if (!known) throwBadOption("--locale", *options.locale, "expect_locale");
-    locale = *known;
+  const std::string locale = checkedLocale(options.locale);
+  platform::CLLocation location;
+  platform::NSTimeZone timeZone;
+  std::optional<std::string> title;
+  if (options.place) {
+    if (options.latitude || options.longitude) {
+      throw UsageError(appText("error_place_or_coordinate"));
+    }
+    const platform::CLPlacemark place = resolvePlace(*options.place, locale);
+    location = *place.location;
+    title = place.shortTitle();
+    timeZone =
+        options.timeZone || !place.timeZone ? parseTimeZone(options.timeZone) : *place.timeZone;
+  } else {
+    location = parseLocation(options.latitude, options.longitude);
+    timeZone = parseTimeZone(options.timeZone);
   }
-  const platform::CLLocation location = parseLocation(options.latitude, options.longitude);
-  const platform::NSTimeZone timeZone = parseTimeZone(options.timeZone);
   const platform::NSDate instant = parseInstant(options.at);
   const OutputFormat format = parseFormat(options.format);
 
   // From here on the clock stands, so that all values are of one instant.
   installServices(locale, std::make_shared<adapters::FixedClock>(instant));
-  const TodayReport report = computeToday(location, timeZone);
+  TodayReport report = computeToday(location, timeZone);
+  report.title = title;
   return format == OutputFormat::json ? todayJson(report) : todayText(report);
 }
 

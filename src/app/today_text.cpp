@@ -111,6 +111,7 @@ std::string todayText(const TodayReport& report) {
   platform::Formatters::sharedInstance().setTimeZone(report.timeZone);
   const events::WidgetAstrolib& values = report.values;
   std::string text =
+      (report.title ? *report.title + "   " : "") +
       platform::LocationUtils::latLonStringWithCoordinate(report.location.coordinate) + "   " +
       report.timeZone.name + "\n" + MomentText(report) + "\n\n";
 

@@ -160,6 +160,59 @@ TEST(Settings, ListGetAndSet) {
   setenv("XDG_DATA_HOME", "/nonexistent", 1);
 }
 
+TEST(Places, SearchAtAndPlace) {
+  const Json found = Json::parse(Call({"places", "search", "moab ut", "--format", "json"}).out);
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(found[0].at("name"), "Moab");
+  EXPECT_EQ(found[0].at("timeZone"), "America/Denver");
+  const std::string list = Call({"places", "search", "sao paulo", "--locale", "de"}).out;
+  EXPECT_TRUE(list.starts_with("São Paulo, Brasilien")) << list;
+
+  const Json bled = Json::parse(
+      Call({"places", "at", "46.3625, 14.0936", "--locale", "en", "--format", "json"}).out);
+  EXPECT_EQ(bled.at("title"), "Bled");
+  EXPECT_EQ(bled.at("timeZone"), "Europe/Ljubljana");
+  EXPECT_EQ(bled.at("decimalMinutes"), "46°21.75'N 14°5.62'E");
+  // On the high sea the coordinate is the title.
+  const Json sea =
+      Json::parse(Call({"places", "at", "-45,-130", "--locale", "en", "--format", "json"}).out);
+  EXPECT_EQ(sea.at("title"), "45.000000°S 130.000000°W");
+  EXPECT_TRUE(sea.at("subtitle").is_null());
+
+  const auto today = [](const std::string& place, std::vector<std::string> more = {}) {
+    std::vector<std::string> arguments{"today",   "--locale", "en", "--at", "2026-06-20T20:00:00Z",
+                                       "--place", place};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return Call(arguments);
+  };
+  EXPECT_TRUE(today("chamonix, france")
+                  .out.starts_with(
+                      "Chamonix-Mont-Blanc, France   45.923750°N 6.869330°E   Europe/Paris\n"));
+  EXPECT_NE(today("Moab, Utah", {"--time-zone", "UTC"}).out.find("   UTC\n"), std::string::npos);
+
+  struct Case {
+    Result result;
+    const char* mentions;
+  };
+  const Case wrong[] = {
+      {today("paris"), "Paris, Île-de-France, France; Paris, Texas, United States"},
+      {today("xyzzyq"), "xyzzyq"},
+      {today(std::string(10000, 'q')), "…"},
+      {today("moab", {"--latitude", "3"}), "one of them"},
+      {Call({"places"}), "search, at"},
+      {Call({"places", "search", "--locale", "en"}), "TEXT"},
+      {Call({"places", "search", "xyzzyq\n", "--locale", "en"}), "xyzzyq\uFFFD"},
+      {Call({"places", "at", "46.3625", "--locale", "en"}), "46.3625,14.0936"},
+      {Call({"places", "at", "91,0", "--locale", "en"}), "91,0"},
+  };
+  for (const Case& c : wrong) {
+    EXPECT_EQ(c.result.code, kExitUsage);
+    EXPECT_EQ(c.result.out, "");
+    EXPECT_EQ(std::count(c.result.err.begin(), c.result.err.end(), '\n'), 1) << c.result.err;
+    EXPECT_NE(c.result.err.find(c.mentions), std::string::npos) << c.result.err;
+  }
+}
+
 TEST(CommandLine, HelpAndVersion) {
   EXPECT_EQ(Call({"--version"}).code, kExitSuccess);
   EXPECT_TRUE(Call({"--version"}).out.starts_with("lumenquest "));

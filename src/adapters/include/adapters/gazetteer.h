@@ -9,6 +9,9 @@
 
 namespace lumenquest::adapters {
 
+/// Whether two names are the same to a search: without case, accents and punctuation.
+bool isSameName(const std::string& a, const std::string& b);
+
 /// The world's places of more than a thousand people, in a file made at build time; needs no
 /// network. Places, their areas and zones are GeoNames' (CC BY 4.0); countries are in the user's
 /// language. May be used from several threads.

@@ -28,6 +28,8 @@ platform::CLLocation parseLocation(const OptionText& latitude, const OptionText&
 platform::NSTimeZone parseTimeZone(const OptionText& text);
 /// Nothing given: now.
 platform::NSDate parseInstant(const OptionText& text);
+/// The identifier of a locale; nothing given: the environment's.
+std::string checkedLocale(const OptionText& tag);
 OutputFormat parseFormat(const OptionText& text);
 
 /// A number with a decimal point, the whole text; nothing when it is none.

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "adapters/gazetteer.h"
 #include "platform/services.h"
 
 namespace lumenquest::app {
@@ -18,6 +19,10 @@ std::string settingsPath();
 
 /// What went wrong last with that file; nothing when all went well.
 std::optional<std::string> settingsError();
+
+/// The places of the world, countries in the language of a locale. Throws std::runtime_error when
+/// its file is missing or damaged.
+std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale);
 
 /// Installs the adapters for a locale (an ICU identifier) and a clock.
 void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock);

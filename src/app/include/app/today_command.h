@@ -12,6 +12,7 @@
 namespace lumenquest::app {
 
 struct TodayOptions {
+  OptionText place;
   OptionText latitude;
   OptionText longitude;
   OptionText timeZone;
@@ -23,6 +24,8 @@ struct TodayOptions {
 /// A place's day: where, when, and everything computed for it.
 struct TodayReport {
   platform::CLLocation location;
+  /// The place's name, when it was asked for by name.
+  std::optional<std::string> title;
   platform::NSTimeZone timeZone;
   platform::NSDate instant;
   events::WidgetAstrolib values;

@@ -1,0 +1,155 @@
+#include "app/places_command.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "adapters/printable_text.h"
+#include "app/runtime.h"
+#include "app/table.h"
+#include "platform/localized_strings.h"
+#include "platform/location_utils.h"
+
+namespace lumenquest::app {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using platform::CLPlacemark;
+using platform::LocationUtils;
+using platform::stringWithFormat;
+
+Json ToJson(const std::optional<std::string>& text) { return text ? Json(*text) : Json(nullptr); }
+
+Json ToJson(const std::optional<platform::NSTimeZone>& zone) {
+  return zone ? Json(zone->name) : Json(nullptr);
+}
+
+/// "Chamonix-Mont-Blanc, Auvergne-Rhône-Alpes, France": enough to find the same place again.
+std::string FullName(const CLPlacemark& place) {
+  std::string text;
+  const std::string* before = nullptr;
+  for (const auto* part : {&place.locality, &place.administrativeArea, &place.country}) {
+    if (!*part || (before != nullptr && *before == **part)) continue;
+    if (before != nullptr) text += ", ";
+    text += **part;
+    before = &**part;
+  }
+  return text;
+}
+
+const std::string& TextOf(const PlacesOptions& options, const char* name,
+                          const char* expectationKey) {
+  if (!options.text) {
+    throw UsageError(
+        stringWithFormat(appText("error_missing_option"), {name, appText(expectationKey)}));
+  }
+  return *options.text;
+}
+
+/// A coordinate as "46.36,14.09".
+platform::CLLocation ParseCoordinate(const std::string& text) {
+  const std::size_t comma = text.find(',');
+  if (comma != std::string::npos) {
+    std::size_t second = comma + 1;
+    while (second < text.size() && text[second] == ' ') ++second;
+    const auto latitude = parseNumber(text.substr(0, comma));
+    const auto longitude = parseNumber(text.substr(second));
+    if (latitude && longitude) {
+      const platform::CLLocation location{{*latitude, *longitude}};
+      if (location.coordinate.isValid()) return location;
+    }
+  }
+  throwBadOption("LAT,LON", text, "expect_coordinate");
+}
+
+}  // namespace
+
+std::string searchPlaces(const PlacesOptions& options) {
+  const std::string locale = checkedLocale(options.locale);
+  const std::string& text = TextOf(options, "TEXT", "expect_place");
+  const OutputFormat format = parseFormat(options.format);
+  const auto places = openGazetteer(locale)->geocodeAddressString(text);
+
+  if (format == OutputFormat::json) {
+    Json list = Json::array();
+    for (const CLPlacemark& place : places) {
+      list.push_back({{"name", ToJson(place.locality)},
+                      {"administrativeArea", ToJson(place.administrativeArea)},
+                      {"country", ToJson(place.country)},
+                      {"latitude", place.location->coordinate.latitude},
+                      {"longitude", place.location->coordinate.longitude},
+                      {"timeZone", ToJson(place.timeZone)}});
+    }
+    return list.dump(2) + "\n";
+  }
+  if (places.empty()) {
+    throw UsageError(
+        stringWithFormat(appText("error_unknown_place"), {adapters::printableText(text)}));
+  }
+  Table table;
+  for (const CLPlacemark& place : places) {
+    table.Row(FullName(place),
+              LocationUtils::latLonStringWithCoordinate(place.location->coordinate) + "   " +
+                  (place.timeZone ? place.timeZone->name : "--"));
+  }
+  return table.Text();
+}
+
+std::string placesAt(const PlacesOptions& options) {
+  const std::string locale = checkedLocale(options.locale);
+  const platform::CLLocation location =
+      ParseCoordinate(TextOf(options, "LAT,LON", "expect_coordinate"));
+  const OutputFormat format = parseFormat(options.format);
+  const auto gazetteer = openGazetteer(locale);
+  const auto places = gazetteer->reverseGeocodeLocation(location);
+  const auto zone = gazetteer->timeZoneAt(location.coordinate);
+  const auto notation = [&](int system) {
+    return LocationUtils::latLonStringWithCoordinate(location.coordinate, system);
+  };
+  // Far from any place the coordinate is all there is to say.
+  const std::optional<std::string> title =
+      places.empty() ? LocationUtils::latLonStringWithCoordinate(location.coordinate)
+                     : places.front().title();
+  const std::optional<std::string> subtitle =
+      places.empty() ? std::nullopt : places.front().subtitle();
+
+  if (format == OutputFormat::json) {
+    const Json json{{"title", ToJson(title)},
+                    {"subtitle", ToJson(subtitle)},
+                    {"timeZone", ToJson(zone)},
+                    {"decimalDegrees", notation(platform::kCoordinateSystemDecimalDegrees)},
+                    {"decimalMinutes", notation(platform::kCoordinateSystemDecimalMinutes)},
+                    {"seconds", notation(platform::kCoordinateSystemSeconds)}};
+    return json.dump(2) + "\n";
+  }
+  Table table;
+  table.Row(appText("row_place"), title.value_or("--"));
+  table.Row(appText("row_place_within"), subtitle.value_or("--"));
+  table.Row(appText("row_time_zone"), zone ? zone->name : "--");
+  table.Row(appText("row_coordinates"), notation(platform::kCoordinateSystemDecimalDegrees));
+  table.Row("", notation(platform::kCoordinateSystemDecimalMinutes));
+  table.Row("", notation(platform::kCoordinateSystemSeconds));
+  return table.Text();
+}
+
+platform::CLPlacemark resolvePlace(const std::string& text, const std::string& locale) {
+  const auto places = openGazetteer(locale)->geocodeAddressString(text);
+  const std::string shown = adapters::printableText(text);
+  if (places.empty()) {
+    throw UsageError(stringWithFormat(appText("error_unknown_place"), {shown}));
+  }
+  // Another place of the same name: which one is meant is the user's to say.
+  std::string candidates;
+  int namesakes = 0;
+  for (const CLPlacemark& place : places) {
+    if (!adapters::isSameName(*place.locality, *places.front().locality)) continue;
+    if (namesakes++ > 0) candidates += "; ";
+    candidates += FullName(place);
+  }
+  if (namesakes > 1) {
+    throw UsageError(stringWithFormat(appText("error_ambiguous_place"), {shown, candidates}));
+  }
+  return places.front();
+}
+
+}  // namespace lumenquest::app
