@@ -316,8 +316,12 @@ TEST(GazetteerFile, MissingOrDamagedIsSaidInOneLine) {
   std::string head(1 << 20, '\0');
   whole.read(head.data(), static_cast<std::streamsize>(head.size()));
 
+  // Its head is in order; what the indexes lead to is not.
+  const std::string inside = write("inside.sqlite", head);
+  std::filesystem::resize_file(inside, std::filesystem::file_size(kFile));
+
   for (const std::string& path :
-       {(folder / "missing.sqlite").string(), folder.string(), write("empty.sqlite", ""),
+       {inside, (folder / "missing.sqlite").string(), folder.string(), write("empty.sqlite", ""),
         write("text.sqlite", std::string(8192, 'x')), write("cut.sqlite", head.substr(0, 50)),
         write("head.sqlite", head.substr(0, 4096))}) {
     try {
