@@ -66,33 +66,50 @@ const isUseful = (name) =>
     // "City of ..." in languages whose plain form is listed as well.
     !/^(Gorad|Lungsod (ng|sa)|Dakbayan sa|Siyudad (ng|sa)|Горад|Город|Місто) /.test(name) &&
     !/[\t;"]/.test(name);
-let unmatched = 0;
-const lent = new Map();  // population -> the city that has it
 const cities = lines(citiesFile).map((line) => line.split('\t')).map((f) => ({
   names: [f[1], f[2], ...f[3].split(',')].filter(Boolean),
-  lat: Number(f[4]), lng: Number(f[5]), country: f[8], population: Number(f[14]),
+  lat: Number(f[4]), lng: Number(f[5]), kind: f[7], country: f[8], population: Number(f[14]),
+  zone: f[17],
 })).sort((a, b) => b.population - a.population || b.names.length - a.names.length);
-for (const city of cities) {
-  const folded = new Set(city.names.map(fold));
-  const match = cells.near(city, 1).find(({place, distance}) =>
-      distance < 25 && place.population === 0 && folded.has(fold(place.name)));
-  if (!match) { unmatched++; continue; }
-  const place = match.place;
+const lent = new Map();  // country and population -> the city that lent them
+function lend(city, place) {
+  place.city = city;
   // A quarter that is listed with the whole city's people ("City of London") is not as well known
   // as the city, which bears more names and comes first.
-  const whole = lent.get(`${city.country} ${city.population}`);
+  const key = `${city.country} ${city.population}`;
+  const whole = lent.get(key);
   if (!whole || distance(whole, city) > 10) {
     place.population = city.population;
-    lent.set(`${city.country} ${city.population}`, city);
+    lent.set(key, city);
   }
   const seen = new Set([fold(place.name)]);
   for (const name of city.names.filter(isUseful)) {
-    const key = fold(name);
-    if (key && !seen.has(key)) {
-      seen.add(key);
-      place.names.set(key, name.normalize('NFC'));
+    const folded = fold(name);
+    if (folded && !seen.has(folded)) {
+      seen.add(folded);
+      place.names.set(folded, name.normalize('NFC'));
     }
   }
+}
+// Names that the cities bear now, where they stand too far from where they stood to be found so.
+const renamed = new Map([['Dnipropetrovsk', 'Dnipro'], ['Port Elizabeth', 'Gqeberha']]);
+for (const city of cities) {
+  if (renamed.has(city.names[0])) city.names.push(renamed.get(city.names[0]));
+}
+const nameless = [];
+for (const city of cities) {
+  const folded = new Set(city.names.map(fold));
+  const match = cells.near(city, 1).find(({place, distance}) =>
+      distance < 25 && !place.city && folded.has(fold(place.name)));
+  if (match) lend(city, match.place);
+  else if (/^PPL(A\d?|C)?$/.test(city.kind)) nameless.push(city);
+}
+// Renamed since (Dnipro, Prayagraj): the place that stands where the city stood.
+let unmatched = 0;
+for (const city of nameless) {
+  const match = cells.near(city, 1).find(({place, distance}) => distance < 2 && !place.city);
+  if (match) lend(city, match.place);
+  else unmatched++;
 }
 
 // Zones. The look-up's boundaries are coarse and put some places across a border; there the zone is
@@ -120,6 +137,36 @@ for (const place of astray) {
   else process.stderr.write(`kept: ${place.name}, ${place.country}: ${place.zone}\n`);
 }
 
+
+// Within a country the coarse boundaries err as well (Yuma). A city has the zone that it had in 2015
+// where most of its area still has that one, a place within 100 km among them; so have its
+// neighbours. Not in Mexico, which drew its zones anew in 2022.
+const counts = new Map();  // area -> zone -> places
+const area = (place) => `${place.country}.${place.admin1}`;
+for (const place of places) {
+  if (!counts.has(area(place))) counts.set(area(place), new Map());
+  const count = counts.get(area(place));
+  count.set(place.zone, (count.get(place.zone) || 0) + 1);
+}
+let returned = 0;
+for (const place of places.filter((p) => p.city && p.country !== 'MX')) {
+  const {zone} = place.city;
+  const count = counts.get(area(place));
+  const all = [...count.values()].reduce((a, b) => a + b, 0);
+  if (zone === place.zone || (count.get(zone) || 0) < 0.6 * all) continue;
+  const isFar = !cells.near(place, 2).some(({place: near, distance}) =>
+      distance < 100 && area(near) === area(place) && near.zone === zone);
+  if (isFar) continue;
+  const wrong = place.zone;
+  for (const {place: near, distance} of cells.near(place, 1)) {
+    const agrees = !near.city || near.city.zone === zone;
+    if (distance < 25 && near.zone === wrong && area(near) === area(place) && agrees) {
+      near.zone = zone;
+      returned++;
+    }
+  }
+}
+
 const compare = (a, b) => (a < b ? -1 : a > b ? 1 : 0);
 places.sort((a, b) => compare(a.country, b.country) || compare(a.admin1, b.admin1) ||
     compare(a.admin2Name, b.admin2Name) || compare(a.name, b.name) ||
@@ -130,5 +177,6 @@ for (const p of places) {
   process.stdout.write([clean(p.name).normalize('NFC'), names, p.latText, p.lngText, p.country,
     p.admin1, clean(p.admin1Name), clean(p.admin2Name), p.population, p.zone].join('\t') + '\n');
 }
-process.stderr.write(`${places.length} places, ${cities.length - unmatched} with a population, ` +
-    `${unmatched} cities of 2015 not among them, ${astray.length} zones taken from a neighbour\n`);
+process.stderr.write(`${places.length} places, ${places.filter((p) => p.city).length} of them cities ` +
+    `of 2015, ${unmatched} cities not among them; zones: ${astray.length} from a neighbour, ` +
+    `${returned} as in 2015\n`);

@@ -92,6 +92,10 @@ TEST(GazetteerSearch, FindsWhatPeopleType) {
       {"new york", "New York City | New York | United States | America/New_York"},
       {"mexico city", "Mexico City | Mexico City | Mexico | America/Mexico_City"},
       {"bled", "Bled | Municipality of Bled | Slovenia | Europe/Ljubljana"},
+      {"london", "London | England | United Kingdom | Europe/London"},
+      {"Dnipropetrovsk", "Dnipro | Dnipropetrovsk | Ukraine | Europe/Kyiv"},
+      {"dnipro", "Dnipro | Dnipropetrovsk | Ukraine | Europe/Kyiv"},
+      {"tabatinga amazonas", "Tabatinga | Amazonas | Brazil | America/Eirunepe"},
       {"moab france", "none"},
       {"qqqqqqqq", "none"},
   };
@@ -221,6 +225,10 @@ TEST(GazetteerZone, OfTheNearestPlace) {
       {"Saratov, apart since 2016", {51.54, 46.01}, "Europe/Saratov"},
       {"Ciudad Juárez, apart since 2022", {31.720, -106.461}, "America/Ciudad_Juarez"},
       {"El Paso, across the river", {31.759, -106.487}, "America/Denver"},
+      {"Yuma, by the border of its state", {32.725, -114.624}, "America/Phoenix"},
+      {"Navajo country in the same state", {36.727, -110.255}, "America/Denver"},
+      {"Coyhaique, apart since 2025", {-45.575, -72.066}, "America/Coyhaique"},
+      {"Hanoi, by its own country's zone", {21.0245, 105.841}, "Asia/Ho_Chi_Minh"},
       {"Grand Canyon", {36.1, -112.1}, "America/Phoenix"},
       {"Uluru, far from everything", {-25.345, 131.036}, "Australia/Darwin"},
       {"east of the 180th meridian, nearest west of it", {-16.8, -179.9}, "Pacific/Fiji"},
@@ -308,8 +316,12 @@ TEST(GazetteerFile, MissingOrDamagedIsSaidInOneLine) {
   std::string head(1 << 20, '\0');
   whole.read(head.data(), static_cast<std::streamsize>(head.size()));
 
+  // Its head is in order; what the indexes lead to is not.
+  const std::string inside = write("inside.sqlite", head);
+  std::filesystem::resize_file(inside, std::filesystem::file_size(kFile));
+
   for (const std::string& path :
-       {(folder / "missing.sqlite").string(), folder.string(), write("empty.sqlite", ""),
+       {inside, (folder / "missing.sqlite").string(), folder.string(), write("empty.sqlite", ""),
         write("text.sqlite", std::string(8192, 'x')), write("cut.sqlite", head.substr(0, 50)),
         write("head.sqlite", head.substr(0, 4096))}) {
     try {
