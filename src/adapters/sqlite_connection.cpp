@@ -29,7 +29,7 @@ std::string ImmutableUri(const std::filesystem::path& path) {
 
 }  // namespace
 
-SqliteConnection::SqliteConnection(const std::filesystem::path& path, Mode mode) {
+SqliteConnection::SqliteConnection(const std::filesystem::path& path, Mode mode) : mode_(mode) {
   int flags = SQLITE_OPEN_EXRESCODE;
   std::string name = std::filesystem::absolute(path).string();
   switch (mode) {

@@ -33,6 +33,7 @@ class SqliteConnection {
   SqliteConnection(const std::filesystem::path& path, Mode mode);
 
   sqlite3* handle() const { return handle_.get(); }
+  bool isImmutable() const { return mode_ == Mode::immutable; }
   /// Prepares and runs a statement that has no parameters and no result.
   void Run(const std::string& sql);
   [[noreturn]] void Throw(int code) const;
@@ -41,6 +42,7 @@ class SqliteConnection {
   struct Close {
     void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
   };
+  Mode mode_;
   std::unique_ptr<sqlite3, Close> handle_;
 };
 

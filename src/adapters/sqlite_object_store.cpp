@@ -290,7 +290,10 @@ std::unique_ptr<SqliteConnection> Connect(const fs::path& url, bool readOnly) {
   } catch (const SqliteFailure& failure) {
     // Beside a file in a folder that is read-only there can be no log of changes; if there is none,
     // the file is all.
-    if ((failure.code & 0xFF) != SQLITE_CANTOPEN || fs::exists(url.string() + "-wal")) throw;
+    const int code = failure.code & 0xFF;
+    std::error_code noLog;
+    const auto logSize = fs::file_size(url.string() + "-wal", noLog);
+    if ((code != SQLITE_CANTOPEN && code != SQLITE_READONLY) || (!noLog && logSize != 0)) throw;
     return std::make_unique<SqliteConnection>(url, Mode::immutable);
   }
 }
@@ -463,8 +466,10 @@ class SqliteObjectStore final : public ObjectStore {
   std::vector<ObjectRecord> Fetch(const NSFetchRequest& request) {
     const NSEntityDescription* entity = model_->entityNamed(request.entityName);
     LUMENQUEST_ASSERT(entity != nullptr);
-    if (connection_ == nullptr) {
+    // One that takes its file for unchangeable would not see what others write to it.
+    if (connection_ == nullptr || connection_->isImmutable()) {
       if (!fs::exists(url_)) return {};
+      schemaVersion_ = -1;
       Adopt(Connect(url_, readOnly_));
     }
     // One transaction: objects and their members are of one moment.

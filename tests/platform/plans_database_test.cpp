@@ -133,6 +133,8 @@ TEST(Database, RemovesWhatIsEqualAndNothingElse) {
                     {"latitude", 46.0},
                     {"longitude", 14.0}};
   const Values poi{{"name", std::string("Hut")}, {"latitude", 1.0}, {"longitude", 2.0}};
+  Values poiAtZero = poi;
+  poiAtZero["longitude"] = 0.0;
   const Values camera{{"model", std::string("Field")},
                       {"sensorWidth", 36.0},
                       {"sensorHeight", 24.0},
@@ -150,7 +152,7 @@ TEST(Database, RemovesWhatIsEqualAndNothingElse) {
       {"equal", "Planning", plan, {}, {}, 1},
       {"5e-8 degrees", "Planning", plan, {{"latitude", 46.0 + 5e-8}}, {}, 1},
       {"1e-7 degrees", "Planning", plan, {{"latitude", 46.0 + 1.0001e-7}}, {}, 2},
-      {"exactly 1e-7", "Planning", plan, {{"longitude", 14.0 - 1.0001e-7}}, {}, 2},
+      {"exactly 1e-7", "CustomPoi", poiAtZero, {{"longitude", 1e-7}}, {}, 2},
       {"another date", "Planning", plan, {{"date", NSDate(1000.001)}}, {}, 2},
       {"another zone", "Planning", plan, {{"timezone", std::string("UTC")}}, {}, 1},
       {"another name", "Planning", plan, {{"name", std::string("bled")}}, {}, 2},
