@@ -320,5 +320,41 @@ TEST(Database, WithoutAStoreFetchesNothingAndSaysWhy) {
   EXPECT_EQ(testing::Contents(folder / "foreign/Lumenquest.sqlite"), text);
 }
 
+TEST(Database, TheStaticStoreIsReadOnly) {
+  const ScratchFolder folder;
+  const PlansServices services(folder / "");
+  const auto observer = std::make_shared<Observer>();
+  {
+    Database without;
+    without.setDelegate(observer);
+    EXPECT_TRUE(without.staticManagedObjectContext());
+    EXPECT_THAT(observer->told,
+                ElementsAre("<static_persistent_store_unresolved_error_title>"
+                            "<static_persistent_store_unresolved_error_message_ios>"));
+  }
+  fs::create_directories(folder / "bundle");
+  std::ofstream(folder / "bundle/LumenquestStatic.momd")
+      << R"({"model": "LumenquestStatic", "current": 1, "versions": [{"version": 1, "entities":
+           [{"name": "Sensor", "attributes": {"name": "string", "width": "number"}}]}]})";
+  Database& database = Database::sharedInstance();
+  const fs::path url = folder / "bundle/LumenquestStatic.sqlite";
+  {
+    const auto coordinator =
+        std::make_shared<NSPersistentStoreCoordinator>(database.staticManagedObjectModel());
+    ASSERT_FALSE(coordinator->addPersistentStore(url, {}));
+    NSManagedObjectContext writer(coordinator);
+    writer.insertNewObjectForEntityForName("Sensor")->setValue(std::int64_t{36}, "width");
+    ASSERT_FALSE(writer.save());
+  }
+  const std::string before = testing::Contents(url);
+  const auto context = database.staticManagedObjectContext();
+  const auto found = context->executeFetchRequest({"Sensor"});
+  ASSERT_EQ(found.value.size(), 1U);
+  EXPECT_EQ(found.value[0]->numberForKey("width"), 36.0);
+  context->deleteObject(found.value[0]);
+  EXPECT_TRUE(context->save());
+  EXPECT_EQ(testing::Contents(url), before);
+}
+
 }  // namespace
 }  // namespace lumenquest::platform

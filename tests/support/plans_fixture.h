@@ -48,8 +48,11 @@ class FakeFiles final : public platform::FileManager {
   }
   std::optional<std::filesystem::path> resource(const std::string& name,
                                                 const std::string& withExtension) override {
-    const std::filesystem::path path =
-        std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "models" / (name + "." + withExtension);
+    // A test may have put resources of its own into the group's folder.
+    const std::string file = name + "." + withExtension;
+    std::filesystem::path path = std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "models" / file;
+    if (group_ && std::filesystem::exists(*group_ / "bundle" / file))
+      path = *group_ / "bundle" / file;
     return std::filesystem::exists(path) ? std::optional(path) : std::nullopt;
   }
 
