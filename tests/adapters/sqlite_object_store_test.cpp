@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -313,6 +313,32 @@ TEST(SqliteObjectStore, TwoWritersAtOnceLoseNothing) {
   EXPECT_EQ(std::count_if(found.begin(), found.end(),
                           [](const auto& record) { return NameOf(record) == "a"; }),
             kSaves);
+}
+
+TEST(SqliteObjectStore, WithoutRoomTheOldStays) {
+  const ScratchFolder folder;
+  const auto model = UserModel();
+  const auto& entity = *model->entityNamed("Planning");
+  ASSERT_FALSE(
+      Open(folder / "store").value->save({{{&entity, Plan(entity, "a", 0.0)}}, {}, {}}).error);
+  // A limit on the size of files stands for the full disk.
+  const int code = ExitCode(Fork([&] {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const auto store = Open(folder / "store", Role::owner, model);
+    if (store.error) return 1;
+    const rlimit limit{100000, 100000};
+    if (::setrlimit(RLIMIT_FSIZE, &limit) != 0) return 2;
+    SaveRequest request;
+    for (int i = 0; i < 5000; ++i) {
+      request.inserted.push_back({&entity, Plan(entity, std::string(100, 'b'), i)});
+    }
+    if (!store.value->save(request).error) return 3;
+    return store.value->fetch({"Planning"}).value.size() == 1 ? 0 : 4;
+  }));
+  EXPECT_EQ(code, 0);
+  const auto store = Open(folder / "store").value;
+  EXPECT_EQ(store->fetch({"Planning"}).value.size(), 1U);
+  EXPECT_FALSE(store->save({{{&entity, Plan(entity, "b", 0.0)}}, {}, {}}).error);
 }
 
 TEST(SqliteObjectStore, AKilledWriterLeavesItWhole) {
