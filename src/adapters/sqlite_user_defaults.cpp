@@ -4,7 +4,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "sqlite.h"
+#include "sqlite_connection.h"
 
 namespace lumenquest::adapters {
 
@@ -16,43 +16,33 @@ constexpr std::int64_t kApplicationId = 0x4C517365;
 /// How a value is stored.
 enum Kind : std::int64_t { kBool = 0, kInteger = 1, kDouble = 2, kString = 3 };
 
-void RequireSettingsFile(SqliteConnection& connection) {
-  if (connection.QueryInteger("PRAGMA application_id") != kApplicationId) {
-    throw SqliteError(SQLITE_NOTADB, "the file holds something else than settings");
-  }
+/// The integer that a pragma gives.
+std::int64_t QueryInteger(const SqliteConnection& connection, const char* sql) {
+  SqliteStatement statement(connection, sql);
+  return statement.Step() ? statement.Integer(0) : 0;
 }
 
-/// The path as a URI that says that nobody writes.
-std::string ImmutableUri(const std::string& path) {
-  std::string uri = "file:";
-  for (const char c : path) {
-    if (c == '?' || c == '#' || c == '%') {
-      constexpr const char* kHex = "0123456789abcdef";
-      const auto byte = static_cast<unsigned char>(c);
-      uri += {'%', kHex[byte >> 4], kHex[byte & 15]};
-    } else {
-      uri += c;
-    }
+void RequireSettingsFile(SqliteConnection& connection) {
+  if (QueryInteger(connection, "PRAGMA application_id") != kApplicationId) {
+    throw SqliteFailure(SQLITE_NOTADB, "the file holds something else than settings");
   }
-  return uri + "?immutable=1";
 }
 
 std::unique_ptr<SqliteConnection> OpenForReading(const std::string& path) {
   try {
-    auto connection = std::make_unique<SqliteConnection>(path, SQLITE_OPEN_READONLY);
-    connection->QueryInteger("PRAGMA schema_version");
+    auto connection = std::make_unique<SqliteConnection>(path, SqliteConnection::Mode::readOnly);
+    QueryInteger(*connection, "PRAGMA schema_version");
     return connection;
-  } catch (const SqliteError& error) {
+  } catch (const SqliteFailure& failure) {
     // A log beside the file cannot be made in a folder that is read-only; then nobody writes
     // either.
-    if (error.code() != SQLITE_CANTOPEN) throw;
-    return std::make_unique<SqliteConnection>(ImmutableUri(path),
-                                              SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    if ((failure.code & 0xFF) != SQLITE_CANTOPEN) throw;
+    return std::make_unique<SqliteConnection>(path, SqliteConnection::Mode::immutable);
   }
 }
 
 bool IsNew(SqliteConnection& connection) {
-  return connection.QueryInteger("PRAGMA schema_version") == 0;
+  return QueryInteger(connection, "PRAGMA schema_version") == 0;
 }
 
 platform::NSUserDefaults::Value ReadValue(const SqliteStatement& row, int kindColumn) {
@@ -62,7 +52,7 @@ platform::NSUserDefaults::Value ReadValue(const SqliteStatement& row, int kindCo
     case kInteger:
       return row.Integer(kindColumn + 1);
     case kDouble:
-      return row.Double(kindColumn + 1);
+      return row.Number(kindColumn + 1);
     default:
       return row.Text(kindColumn + 1);
   }
@@ -100,7 +90,7 @@ SqliteConnection* SqliteUserDefaults::Reading() const {
     RequireSettingsFile(*connection);
     connection_ = std::move(connection);
     error_.reset();
-  } catch (const SqliteError& error) {
+  } catch (const SqliteFailure& error) {
     error_ = error.what();
   }
   return connection_.get();
@@ -115,15 +105,14 @@ SqliteConnection& SqliteUserDefaults::Writing() {
   } else {
     std::filesystem::create_directories(std::filesystem::path(path_).parent_path());
   }
-  auto connection =
-      std::make_unique<SqliteConnection>(path_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
-  connection->Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;");
-  connection->Execute("BEGIN IMMEDIATE");
-  connection->Execute(
-      "PRAGMA application_id = 0x4C517365;"
+  auto connection = std::make_unique<SqliteConnection>(path_, SqliteConnection::Mode::create);
+  connection->Run("PRAGMA journal_mode = WAL");
+  SqliteTransaction transaction(*connection, true);
+  connection->Run("PRAGMA application_id = 0x4C517365");
+  connection->Run(
       "CREATE TABLE IF NOT EXISTS setting ("
-      "  key TEXT PRIMARY KEY NOT NULL, kind INTEGER NOT NULL, value NOT NULL) WITHOUT ROWID;"
-      "COMMIT");
+      "key TEXT PRIMARY KEY NOT NULL, kind INTEGER NOT NULL, value NOT NULL) WITHOUT ROWID");
+  transaction.Commit();
   connection_ = std::move(connection);
   writable_ = true;
   return *connection_;
@@ -135,12 +124,11 @@ std::optional<platform::NSUserDefaults::Value> SqliteUserDefaults::objectForKey(
   SqliteConnection* connection = Reading();
   if (connection == nullptr) return std::nullopt;
   try {
-    SqliteStatement statement =
-        connection->Prepare("SELECT kind, value FROM setting WHERE key = ?1");
+    SqliteStatement statement(*connection, "SELECT kind, value FROM setting WHERE key = ?1");
     statement.Bind(1, key);
     if (!statement.Step()) return std::nullopt;
     return ReadValue(statement, 0);
-  } catch (const SqliteError& error) {
+  } catch (const SqliteFailure& error) {
     error_ = error.what();
     return std::nullopt;
   }
@@ -150,13 +138,14 @@ void SqliteUserDefaults::setObject(const std::optional<Value>& value, const std:
   const std::lock_guard lock(mutex_);
   try {
     SqliteConnection& connection = Writing();
-    SqliteStatement statement = connection.Prepare(
+    SqliteStatement statement(
+        connection,
         value ? "INSERT INTO setting (key, kind, value) VALUES (?1, ?2, ?3) "
                 "ON CONFLICT (key) DO UPDATE SET kind = excluded.kind, value = excluded.value"
               : "DELETE FROM setting WHERE key = ?1");
     statement.Bind(1, forKey);
     if (value) BindValue(statement, *value);
-    statement.Run();
+    statement.Execute();
   } catch (const std::exception& error) {
     // Of SQLite or of the file system.
     error_ = error.what();
@@ -170,9 +159,9 @@ platform::NSUserDefaults::Dictionary SqliteUserDefaults::dictionaryRepresentatio
   SqliteConnection* connection = Reading();
   if (connection == nullptr) return values;
   try {
-    SqliteStatement statement = connection->Prepare("SELECT key, kind, value FROM setting");
+    SqliteStatement statement(*connection, "SELECT key, kind, value FROM setting");
     while (statement.Step()) values[statement.Text(0)] = ReadValue(statement, 1);
-  } catch (const SqliteError& error) {
+  } catch (const SqliteFailure& error) {
     error_ = error.what();
   }
   return values;

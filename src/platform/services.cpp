@@ -4,6 +4,7 @@
 
 #include "locked_calendar.h"
 #include "platform/assertion.h"
+#include "platform/database.h"
 
 namespace lumenquest::platform {
 
@@ -15,6 +16,9 @@ std::unique_ptr<Services>& Installed() {
 }
 
 }  // namespace
+
+Services::Services(Adapters adapters) : adapters_(std::move(adapters)) {}
+Services::~Services() = default;
 
 void Services::install(Adapters adapters) { Installed().reset(new Services(std::move(adapters))); }
 
@@ -42,6 +46,11 @@ NSCalendar& Services::gmtCachedCalendar() {
 Formatters& Services::sharedFormatters() {
   std::call_once(formattersOnce_, [this] { formatters_ = std::make_unique<Formatters>(); });
   return *formatters_;
+}
+
+Database& Services::sharedDatabase() {
+  std::call_once(databaseOnce_, [this] { database_ = std::make_unique<Database>(); });
+  return *database_;
 }
 
 NSTimeZone NSTimeZone::gmt() { return NSTimeZone{"GMT"}; }

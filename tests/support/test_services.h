@@ -48,8 +48,8 @@ inline platform::NSDate Instant(const std::string& rfc3339) {
 /// Services for one test: real calendars and formatters, a clock that stands, words as keys.
 struct TestServices {
   explicit TestServices(const std::string& now, const std::string& zone = "UTC",
-                        const std::string& locale = "en_US") {
-    platform::Services::Adapters services;
+                        const std::string& locale = "en_US",
+                        platform::Services::Adapters services = {}) {
     services.clock = std::make_shared<adapters::FixedClock>(Instant(now));
     services.timeZones = std::make_shared<DeviceZone>(zone);
     services.calendars = std::make_shared<adapters::IcuCalendarService>(locale, services.timeZones);

@@ -1,18 +1,26 @@
 #pragma once
 
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
+#include "platform/assertion.h"
 #include "platform/formatters.h"
 #include "platform/ns_calendar.h"
 #include "platform/ns_date.h"
 #include "platform/ns_formatter.h"
 #include "platform/ns_time_zone.h"
 #include "platform/ns_user_defaults.h"
+#include "platform/object_store.h"
 
 namespace lumenquest::platform {
+
+class Database;
 
 /// Tells the present moment. Nothing else in the system does.
 class Clock {
@@ -69,6 +77,36 @@ class Log {
   virtual void write(const std::string& message) = 0;
 };
 
+/// The folders of the application.
+class FileManager {
+ public:
+  virtual ~FileManager() = default;
+  /// The user's folders for documents of this application, the most private last.
+  virtual std::vector<std::filesystem::path> documentDirectories() = 0;
+  /// The folder that the applications of a group share, whether it is there yet or not; absent when
+  /// the user has none.
+  virtual std::optional<std::filesystem::path> containerOfGroup(const std::string& identifier) = 0;
+  /// A file of the application's bundle; absent when it is not there.
+  virtual std::optional<std::filesystem::path> resource(const std::string& name,
+                                                        const std::string& withExtension) = 0;
+};
+
+/// Makes identifiers.
+class UUIDService {
+ public:
+  virtual ~UUIDService() = default;
+  /// A new random UUID, in its canonical form with upper-case digits.
+  virtual std::string UUIDString() = 0;
+};
+
+/// The queue on which everything runs that touches shared objects.
+class MainQueue {
+ public:
+  virtual ~MainQueue() = default;
+  /// Runs the work later, after what was queued before.
+  virtual void async(std::function<void()> work) = 0;
+};
+
 /// Only the shared calendars are guarded; all else is used from one thread at a time, the main one.
 ///
 /// The one place through which the process-wide objects reach what the platform provides. The
@@ -86,7 +124,17 @@ class Services {
     /// The application's own settings of older versions; may be null.
     std::shared_ptr<NSUserDefaults> privateSettings;
     std::shared_ptr<Log> log;
+    // The plans database needs these; where nobody asks for it they may be null.
+    std::shared_ptr<FileManager> fileManager{};
+    std::shared_ptr<ModelService> models{};
+    std::shared_ptr<PersistentStoreService> persistentStores{};
+    std::shared_ptr<UUIDService> uuids{};
+    std::shared_ptr<MainQueue> mainQueue{};
   };
+
+  ~Services();
+  Services(const Services&) = delete;
+  Services& operator=(const Services&) = delete;
 
   /// Replaces the services, and with them the shared objects made from earlier ones. Not to be
   /// called while anything computes.
@@ -103,15 +151,27 @@ class Services {
   NSUserDefaults* settings() { return adapters_.settings.get(); }
   NSUserDefaults* privateSettings() { return adapters_.privateSettings.get(); }
   Log& log() { return *adapters_.log; }
+  FileManager& fileManager() { return Given(adapters_.fileManager); }
+  ModelService& models() { return Given(adapters_.models); }
+  PersistentStoreService& persistentStores() { return Given(adapters_.persistentStores); }
+  UUIDService& uuids() { return Given(adapters_.uuids); }
+  MainQueue& mainQueue() { return Given(adapters_.mainQueue); }
 
   // Objects shared by the process, made when first asked for.
 
   NSCalendar& cachedCalendar();
   NSCalendar& gmtCachedCalendar();
   Formatters& sharedFormatters();
+  Database& sharedDatabase();
 
  private:
-  explicit Services(Adapters adapters) : adapters_(std::move(adapters)) {}
+  explicit Services(Adapters adapters);
+
+  template <typename Service>
+  static Service& Given(const std::shared_ptr<Service>& service) {
+    LUMENQUEST_ASSERT(service != nullptr);
+    return *service;
+  }
 
   Adapters adapters_;
   std::once_flag cachedCalendarOnce_;
@@ -120,6 +180,8 @@ class Services {
   std::unique_ptr<NSCalendar> cachedCalendar_;
   std::unique_ptr<NSCalendar> gmtCachedCalendar_;
   std::unique_ptr<Formatters> formatters_;
+  std::once_flag databaseOnce_;
+  std::unique_ptr<Database> database_;
 };
 
 }  // namespace lumenquest::platform

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/services.h"
+
+namespace lumenquest::adapters {
+
+/// Folders below the user's data folder, `$XDG_DATA_HOME/lumenquest` (`~/.local/share/lumenquest`
+/// by default), and the bundle's models. Makes no folder.
+class XdgFileManager final : public platform::FileManager {
+ public:
+  explicit XdgFileManager(std::filesystem::path resourceFolder);
+
+  std::vector<std::filesystem::path> documentDirectories() override;
+  std::optional<std::filesystem::path> containerOfGroup(const std::string& identifier) override;
+  std::optional<std::filesystem::path> resource(const std::string& name,
+                                                const std::string& withExtension) override;
+
+ private:
+  std::filesystem::path resourceFolder_;
+};
+
+}  // namespace lumenquest::adapters

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+#include "platform/ns_managed_object_model.h"
+
+namespace lumenquest::adapters {
+
+/// Carries a failure up to the adapter's edge, where it becomes an NSError.
+struct SqliteFailure : std::runtime_error {
+  SqliteFailure(int resultCode, const std::string& text)
+      : std::runtime_error(text), code(resultCode) {}
+  int code;
+};
+
+/// A connection to a database file, with the settings that all of ours have.
+class SqliteConnection {
+ public:
+  enum class Mode {
+    create,
+    readWrite,
+    readOnly,
+    /// The file can change in no way, and nothing can be written beside it.
+    immutable
+  };
+
+  SqliteConnection(const std::filesystem::path& path, Mode mode);
+
+  sqlite3* handle() const { return handle_.get(); }
+  bool isImmutable() const { return mode_ == Mode::immutable; }
+  /// Prepares and runs a statement that has no parameters and no result.
+  void Run(const std::string& sql);
+  [[noreturn]] void Throw(int code) const;
+
+ private:
+  struct Close {
+    void operator()(sqlite3* handle) const { sqlite3_close_v2(handle); }
+  };
+  Mode mode_;
+  std::unique_ptr<sqlite3, Close> handle_;
+};
+
+/// A prepared statement. Parameters and columns count from 1 and 0.
+class SqliteStatement {
+ public:
+  SqliteStatement(const SqliteConnection& connection, const std::string& sql);
+
+  SqliteStatement& Bind(int parameter, std::int64_t number);
+  SqliteStatement& Bind(int parameter, double number);
+  SqliteStatement& Bind(int parameter, const std::string& text);
+  SqliteStatement& Bind(int parameter, const platform::AttributeValue& value);
+  /// True: a row is there to be read.
+  bool Step();
+  /// Runs the statement to its end and makes it ready for the next values.
+  void Execute();
+  void Reset() { sqlite3_reset(statement_.get()); }
+
+  std::int64_t Integer(int column) const { return sqlite3_column_int64(statement_.get(), column); }
+  double Number(int column) const { return sqlite3_column_double(statement_.get(), column); }
+  std::string Text(int column) const;
+  platform::AttributeValue Value(int column, platform::AttributeType type) const;
+
+ private:
+  struct Finalize {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+  };
+  const SqliteConnection& connection_;
+  std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+};
+
+/// Rolls back unless it was committed.
+class SqliteTransaction {
+ public:
+  /// `writes` waits for its turn now, so that no later statement can be refused it.
+  SqliteTransaction(SqliteConnection& connection, bool writes);
+  ~SqliteTransaction();
+  SqliteTransaction(const SqliteTransaction&) = delete;
+  SqliteTransaction& operator=(const SqliteTransaction&) = delete;
+  void Commit();
+
+ private:
+  SqliteConnection& connection_;
+  bool open_ = true;
+};
+
+}  // namespace lumenquest::adapters

@@ -1,0 +1,360 @@
+// The database of plans, on real stores.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <set>
+
+#include "plans_fixture.h"
+
+namespace lumenquest::platform {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using testing::PlansServices;
+using testing::Role;
+using testing::ScratchFolder;
+
+std::vector<std::string> Names(const NSManagedObjectContext::Objects& objects) {
+  std::vector<std::string> names;
+  for (const auto& object : objects) names.push_back(object->stringForKey("name").value_or("-"));
+  return names;
+}
+
+/// The attributes of an object of any entity; what is not set stays absent.
+using Values = std::map<std::string, AttributeValue>;
+
+std::shared_ptr<NSManagedObject> Add(const std::string& entity, const Values& values,
+                                     const std::vector<std::string>& images = {}) {
+  auto object =
+      Database::sharedInstance().managedObjectContext()->insertNewObjectForEntityForName(entity);
+  for (const auto& [key, value] : values) object->setValue(value, key);
+  if (!images.empty()) object->setMembers(images, "images");
+  return object;
+}
+
+NSManagedObjectContext::Objects All(const std::string& entity) {
+  const auto fetched =
+      Database::sharedInstance().managedObjectContext()->executeFetchRequest({entity});
+  EXPECT_FALSE(fetched.error);
+  return fetched.value;
+}
+
+TEST(Database, KnowsItsPlaces) {
+  const PlansServices services("/group");
+  Database& database = Database::sharedInstance();
+  EXPECT_EQ(&database, &Database::sharedInstance());
+  EXPECT_EQ(database.applicationDocumentsDirectory(), "/private");
+  EXPECT_EQ(database.groupStoreURL(), "/group/Lumenquest.sqlite");
+  EXPECT_EQ(database.modelURL().filename(), "Lumenquest.momd");
+  EXPECT_EQ(database.managedObjectModel()->version, 4);
+  for (const auto& entity : database.managedObjectModel()->entities) {
+    EXPECT_TRUE(entity.indexOfAttribute("uniqueIdentifier")) << entity.name;
+  }
+}
+
+TEST(Database, ANewPlanGetsAnIdentifierAndKeepsIt) {
+  const ScratchFolder folder;
+  const PlansServices services(folder / "group");
+  const auto plan = std::dynamic_pointer_cast<Planning>(Add("Planning", {{"name", "Bled 🌌"}}));
+  ASSERT_TRUE(plan);
+  const std::string identifier = plan->uniqueIdentifier().value();
+  EXPECT_TRUE(std::regex_match(
+      identifier,
+      std::regex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}")))
+      << identifier;
+  const std::string temporary = plan->objectID().URIRepresentation();
+  ASSERT_FALSE(Database::sharedInstance().managedObjectContext()->save());
+  const std::string uri = plan->objectID().URIRepresentation();
+  EXPECT_NE(uri, temporary);
+
+  const PlansServices another(folder / "group", Role::reader);
+  const auto found = All("Planning");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0]->stringForKey("uniqueIdentifier"), identifier);
+  EXPECT_EQ(found[0]->objectID().URIRepresentation(), uri);
+  EXPECT_EQ(found[0]->stringForKey("name"), "Bled 🌌");
+}
+
+TEST(Context, ShowsItsChangesBeforeTheyAreSaved) {
+  const ScratchFolder folder;
+  const PlansServices services(folder / "group");
+  const auto context = Database::sharedInstance().managedObjectContext();
+  for (int day = 0; day < 6; ++day) {
+    Add("Planning",
+        {{"name", std::string(1, static_cast<char>('a' + day))}, {"date", NSDate(86400.0 * day)}});
+  }
+  Add("Planning", {{"name", std::string("undated")}});
+  ASSERT_FALSE(context->save());
+  const NSFetchRequest four{"Planning", NSPredicate::greaterThanOrEqual("date", NSDate(86400.0)),
+                            "date", 4};
+  const auto first = context->executeFetchRequest(four).value;
+  EXPECT_THAT(Names(first), ElementsAre("b", "c", "d", "e"));
+  context->deleteObject(first[0]);
+  context->deleteObject(first[0]);
+  first[1]->setValue(NSDate(86400.0 * 9), "date");
+  Add("Planning", {{"name", std::string("new")}, {"date", NSDate(86400.0 * 4.5)}});
+  EXPECT_THAT(Names(context->executeFetchRequest(four).value), ElementsAre("d", "e", "new", "f"));
+  EXPECT_THAT(Names(All("Planning")), ElementsAre("a", "c", "d", "e", "f", "undated", "new"));
+  EXPECT_THAT(
+      Names(context->executeFetchRequest({"Planning", NSPredicate::isAbsent("date")}).value),
+      ElementsAre("undated"));
+  context->reset();
+  EXPECT_FALSE(context->hasChanges());
+  EXPECT_THAT(Names(context->executeFetchRequest(four).value), ElementsAre("b", "c", "d", "e"));
+  EXPECT_TRUE(context->executeFetchRequest({"Nothing"}).error);
+  EXPECT_TRUE(context->executeFetchRequest({"Planning", std::nullopt, "nothing"}).error);
+
+  Add("Planning", {{"latitude", std::nan("")}});
+  const auto error = context->save();
+  ASSERT_TRUE(error);
+  EXPECT_THAT(error->localizedDescription, HasSubstr("latitude"));
+  EXPECT_TRUE(context->hasChanges());
+}
+
+TEST(Database, DuplicatesComeOnceForEachEarlierEqual) {
+  const auto model = testing::UserModel();
+  Database::Objects plans;
+  for (int i = 0; i < 3; ++i) {
+    plans.push_back(std::make_shared<NSManagedObject>(*model->entityNamed("Planning")));
+  }
+  const auto always = [](const auto&, const auto&) { return true; };
+  EXPECT_THAT(Database::duplicateObjectsInArray(plans, always),
+              ElementsAre(plans[1], plans[2], plans[2]));
+  EXPECT_TRUE(Database::duplicateObjectsInArray({}, always).empty());
+}
+
+TEST(Database, RemovesWhatIsEqualAndNothingElse) {
+  const Values plan{{"name", std::string("Bled")},
+                    {"date", NSDate(1000.0)},
+                    {"latitude", 46.0},
+                    {"longitude", 14.0}};
+  const Values poi{{"name", std::string("Hut")}, {"latitude", 1.0}, {"longitude", 2.0}};
+  Values poiAtZero = poi;
+  poiAtZero["longitude"] = 0.0;
+  const Values camera{{"model", std::string("Field")},
+                      {"sensorWidth", 36.0},
+                      {"sensorHeight", 24.0},
+                      {"megapixels", 45.0}};
+  struct Case {
+    const char* name;
+    const char* entity;
+    Values first;
+    Values change;  // of the second against the first
+    std::vector<std::string> images;
+    std::size_t left;
+  };
+  const AttributeValue absent;
+  const Case cases[] = {
+      {"equal", "Planning", plan, {}, {}, 1},
+      {"5e-8 degrees", "Planning", plan, {{"latitude", 46.0 + 5e-8}}, {}, 1},
+      {"1e-7 degrees", "Planning", plan, {{"latitude", 46.0 + 1.0001e-7}}, {}, 2},
+      {"exactly 1e-7", "CustomPoi", poiAtZero, {{"longitude", 1e-7}}, {}, 2},
+      {"another date", "Planning", plan, {{"date", NSDate(1000.001)}}, {}, 2},
+      {"another zone", "Planning", plan, {{"timezone", std::string("UTC")}}, {}, 1},
+      {"another name", "Planning", plan, {{"name", std::string("bled")}}, {}, 2},
+      {"an image", "Planning", plan, {}, {"a.jpg"}, 2},
+      {"right name absent", "Planning", plan, {{"name", absent}}, {}, 2},
+      {"right date absent", "Planning", plan, {{"date", absent}}, {}, 2},
+      {"both names absent",
+       "Planning",
+       {{"date", NSDate(1.0)}, {"latitude", 1.0}, {"longitude", 1.0}},
+       {},
+       {},
+       2},
+      {"both dates absent",
+       "Planning",
+       {{"name", std::string("x")}, {"latitude", 1.0}, {"longitude", 1.0}},
+       {},
+       {},
+       2},
+      {"no place is not 0, 0",
+       "Planning",
+       {{"name", std::string("x")}, {"date", NSDate(1.0)}, {"latitude", 0.0}, {"longitude", 0.0}},
+       {{"latitude", absent}},
+       {},
+       2},
+      {"poi", "CustomPoi", poi, {}, {}, 1},
+      {"poi of another name", "CustomPoi", poi, {{"name", std::string("Hütte")}}, {}, 2},
+      {"camera", "CustomCamera", camera, {}, {}, 1},
+      {"camera without model", "CustomCamera", camera, {{"model", absent}}, {}, 2},
+      {"camera of another size", "CustomCamera", camera, {{"sensorWidth", 36.00000001}}, {}, 2},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const ScratchFolder folder;
+    const PlansServices services(folder / "group");
+    Add(c.entity, c.first);
+    Values second = c.first;
+    for (const auto& [key, value] : c.change) second[key] = value;
+    Add(c.entity, second, c.images);
+    const auto context = Database::sharedInstance().managedObjectContext();
+    ASSERT_FALSE(context->save());
+    // Something unsaved: it is saved along with a deletion, and left when there is none.
+    Add("CustomPoi", {{"name", std::string("unsaved")}});
+    int completions = 0;
+    Database::sharedInstance().removeDuplicatesWithCompletion([&](const auto& error) {
+      EXPECT_FALSE(error);
+      ++completions;
+    });
+    EXPECT_EQ(completions, 0);
+    services.queue->RunAll();
+    EXPECT_EQ(completions, 1);
+    EXPECT_EQ(context->hasChanges(), c.left == 2);
+    context->reset();
+    std::size_t left = 0;
+    for (const auto& object : All(c.entity)) {
+      if (object->entity().name != "CustomPoi" || object->stringForKey("name") != "unsaved") ++left;
+    }
+    EXPECT_EQ(left, c.left);
+  }
+}
+
+TEST(Database, BringsAStoreFromVersion3To4) {
+  const ScratchFolder folder;
+  const fs::path url = folder / "group/Lumenquest.sqlite";
+  {
+    const PlansServices services(folder / "group");
+    const auto old = testing::UserModel()->earlierVersion(3);
+    const auto coordinator = std::make_shared<NSPersistentStoreCoordinator>(old);
+    ASSERT_FALSE(coordinator->addPersistentStore(url, {}));
+    // As the class of version 3 did: it knew no identifiers.
+    const auto store = coordinator->persistentStore();
+    SaveRequest request;
+    for (const auto& entity : old->entities) {
+      ObjectRecord record;
+      record.values.resize(entity.attributes.size());
+      record.values[0] = entity.attributes[0].type == AttributeType::string
+                             ? AttributeValue(std::string("old"))
+                             : AttributeValue(1.0);
+      record.toMany.resize(entity.toMany.size());
+      if (!record.toMany.empty()) record.toMany[0] = {"1.jpg", "2.jpg"};
+      request.inserted.push_back({&entity, record});
+    }
+    ASSERT_FALSE(store->save(request).error);
+  }
+  {
+    // The widgets read it as it is.
+    const std::string before = testing::Contents(url);
+    const PlansServices services(folder / "group", Role::reader);
+    EXPECT_TRUE(Database::sharedInstance().isMigrationNeeded());
+    const auto plans = All("Planning");
+    ASSERT_EQ(plans.size(), 1U);
+    EXPECT_EQ(plans[0]->stringForKey("name"), "old");
+    EXPECT_FALSE(plans[0]->stringForKey("uniqueIdentifier"));
+    plans[0]->setValue(std::string("new"), "name");
+    EXPECT_TRUE(Database::sharedInstance().managedObjectContext()->save());
+    EXPECT_TRUE(Database::sharedInstance().isMigrationNeeded());
+    EXPECT_EQ(testing::Contents(url), before);
+  }
+  const PlansServices services(folder / "group");
+  Database& database = Database::sharedInstance();
+  EXPECT_TRUE(database.isMigrationNeeded());
+  database.performUpdatesFrom3To4();  // Nothing is there yet to be updated.
+  database.managedObjectContext();
+  EXPECT_FALSE(database.isMigrationNeeded());
+  Add("Planning", {{"uniqueIdentifier", std::string("kept")}});
+  ASSERT_FALSE(database.managedObjectContext()->save());
+  database.performUpdatesFrom3To4();
+  std::set<std::string> identifiers;
+  for (const char* entity : {"Planning", "CustomPoi", "CustomCamera"}) {
+    for (const auto& object : All(entity)) {
+      identifiers.insert(object->stringForKey("uniqueIdentifier").value_or("none"));
+    }
+  }
+  EXPECT_EQ(identifiers.size(), 4U);
+  EXPECT_TRUE(identifiers.contains("kept"));
+  EXPECT_FALSE(identifiers.contains("none"));
+  EXPECT_EQ(All("Planning")[0]->membersForKey("images").size(), 2U);
+}
+
+TEST(Database, MovesAStoreAndLosesNothing) {
+  const ScratchFolder folder;
+  const PlansServices services(folder / "group");
+  Database& database = Database::sharedInstance();
+  Add("Planning", {{"name", std::string("moved")}});
+  ASSERT_FALSE(database.managedObjectContext()->save());
+  const std::string uri = All("Planning")[0]->objectID().URIRepresentation();
+  EXPECT_TRUE(database.migrateDatabase(database.groupStoreURL(), folder / "new/Lumenquest.sqlite"));
+  // Nothing is replaced, nothing made of nothing.
+  EXPECT_FALSE(
+      database.migrateDatabase(database.groupStoreURL(), folder / "new/Lumenquest.sqlite"));
+  EXPECT_FALSE(database.migrateDatabase(folder / "missing", folder / "other/Lumenquest.sqlite"));
+  EXPECT_FALSE(fs::exists(folder / "missing") || fs::exists(folder / "other"));
+
+  const PlansServices moved(folder / "new");
+  ASSERT_EQ(Names(All("Planning")), std::vector<std::string>{"moved"});
+  EXPECT_EQ(All("Planning")[0]->objectID().URIRepresentation(), uri);
+}
+
+struct Observer final : DatabaseDelegate {
+  void databasePersistentStoreCoordinatorDidGetError(const std::string& message,
+                                                     const std::string& title) override {
+    told.push_back(title + message);
+  }
+  std::vector<std::string> told;
+};
+
+TEST(Database, WithoutAStoreFetchesNothingAndSaysWhy) {
+  const ScratchFolder folder;
+  fs::create_directories(folder / "foreign");
+  const std::string text = "not a store";
+  std::ofstream(folder / "foreign/Lumenquest.sqlite") << text;
+  for (const auto& group : {std::optional<fs::path>(), std::optional(folder / "foreign")}) {
+    const PlansServices services(group);
+    const auto observer = std::make_shared<Observer>();
+    Database& database = Database::sharedInstance();
+    database.setDelegate(observer);
+    ASSERT_TRUE(database.managedObjectContext());
+    EXPECT_TRUE(All("Planning").empty());
+    EXPECT_THAT(observer->told, ElementsAre("<persistent_store_unresolved_error_title>"
+                                            "<persistent_store_unresolved_error_message_ios>"));
+    EXPECT_THAT(services.services.log->messages, ElementsAre(HasSubstr("Unresolved error")));
+    Add("Planning", {});
+    EXPECT_TRUE(database.managedObjectContext()->save());
+    EXPECT_FALSE(database.isMigrationNeeded());
+  }
+  EXPECT_EQ(testing::Contents(folder / "foreign/Lumenquest.sqlite"), text);
+}
+
+TEST(Database, TheStaticStoreIsReadOnly) {
+  const ScratchFolder folder;
+  const PlansServices services(folder / "");
+  const auto observer = std::make_shared<Observer>();
+  {
+    Database without;
+    without.setDelegate(observer);
+    EXPECT_TRUE(without.staticManagedObjectContext());
+    EXPECT_THAT(observer->told,
+                ElementsAre("<static_persistent_store_unresolved_error_title>"
+                            "<static_persistent_store_unresolved_error_message_ios>"));
+  }
+  fs::create_directories(folder / "bundle");
+  std::ofstream(folder / "bundle/LumenquestStatic.momd")
+      << R"({"model": "LumenquestStatic", "current": 1, "versions": [{"version": 1, "entities":
+           [{"name": "Sensor", "attributes": {"name": "string", "width": "number"}}]}]})";
+  Database& database = Database::sharedInstance();
+  const fs::path url = folder / "bundle/LumenquestStatic.sqlite";
+  {
+    const auto coordinator =
+        std::make_shared<NSPersistentStoreCoordinator>(database.staticManagedObjectModel());
+    ASSERT_FALSE(coordinator->addPersistentStore(url, {}));
+    NSManagedObjectContext writer(coordinator);
+    writer.insertNewObjectForEntityForName("Sensor")->setValue(std::int64_t{36}, "width");
+    ASSERT_FALSE(writer.save());
+  }
+  const std::string before = testing::Contents(url);
+  const auto context = database.staticManagedObjectContext();
+  const auto found = context->executeFetchRequest({"Sensor"});
+  ASSERT_EQ(found.value.size(), 1U);
+  EXPECT_EQ(found.value[0]->numberForKey("width"), 36.0);
+  context->deleteObject(found.value[0]);
+  EXPECT_TRUE(context->save());
+  EXPECT_EQ(testing::Contents(url), before);
+}
+
+}  // namespace
+}  // namespace lumenquest::platform

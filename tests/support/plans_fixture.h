@@ -1,0 +1,104 @@
+#pragma once
+
+#include <unistd.h>
+
+#include <deque>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string>
+
+#include "adapters/json_models.h"
+#include "adapters/sqlite_object_store.h"
+#include "adapters/uuids.h"
+#include "platform/database.h"
+#include "platform/planning.h"
+#include "test_services.h"
+
+namespace lumenquest::testing {
+
+/// A folder of the test's own, gone with it.
+class ScratchFolder {
+ public:
+  ScratchFolder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "plans-XXXXXX").string();
+    path_ = ::mkdtemp(pattern.data());
+  }
+  ~ScratchFolder() { std::filesystem::remove_all(path_); }
+  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+inline std::string Contents(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class FakeFiles final : public platform::FileManager {
+ public:
+  explicit FakeFiles(std::optional<std::filesystem::path> group) : group_(std::move(group)) {}
+  std::vector<std::filesystem::path> documentDirectories() override {
+    return {"/first", "/private"};
+  }
+  std::optional<std::filesystem::path> containerOfGroup(const std::string& id) override {
+    return id == "group.lumenquest.lumenquest" ? group_ : std::nullopt;
+  }
+  std::optional<std::filesystem::path> resource(const std::string& name,
+                                                const std::string& withExtension) override {
+    // A test may have put resources of its own into the group's folder.
+    const std::string file = name + "." + withExtension;
+    std::filesystem::path path = std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "models" / file;
+    if (group_ && std::filesystem::exists(*group_ / "bundle" / file))
+      path = *group_ / "bundle" / file;
+    return std::filesystem::exists(path) ? std::optional(path) : std::nullopt;
+  }
+
+ private:
+  std::optional<std::filesystem::path> group_;
+};
+
+class QueueInMemory final : public platform::MainQueue {
+ public:
+  void async(std::function<void()> work) override { works_.push_back(std::move(work)); }
+  void RunAll() {
+    for (; !works_.empty(); works_.pop_front()) works_.front()();
+  }
+
+ private:
+  std::deque<std::function<void()>> works_;
+};
+
+using Role = adapters::SqliteObjectStores::Role;
+
+/// Services with real stores in a group container of the test's choice.
+struct PlansServices {
+  explicit PlansServices(const std::optional<std::filesystem::path>& group, Role role = Role::owner)
+      : services("2024-08-12T12:00:00Z", "UTC", "en_US", Adapters(group, role)) {}
+
+  std::shared_ptr<QueueInMemory> queue = std::make_shared<QueueInMemory>();
+  TestServices services;
+
+ private:
+  platform::Services::Adapters Adapters(const std::optional<std::filesystem::path>& group,
+                                        Role role) {
+    platform::Services::Adapters with;
+    with.uuids = std::make_shared<adapters::RandomUUIDs>();
+    with.fileManager = std::make_shared<FakeFiles>(group);
+    with.models = std::make_shared<adapters::JsonModels>();
+    with.persistentStores = std::make_shared<adapters::SqliteObjectStores>(role, with.uuids);
+    with.mainQueue = queue;
+    return with;
+  }
+};
+
+inline std::shared_ptr<const platform::NSManagedObjectModel> UserModel() {
+  return adapters::JsonModels()
+      .modelWithContentsOfURL(std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "models" /
+                              "Lumenquest.momd")
+      .value;
+}
+
+}  // namespace lumenquest::testing
