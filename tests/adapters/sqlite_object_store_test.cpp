@@ -342,7 +342,7 @@ TEST(SqliteObjectStore, WithoutRoomTheOldStays) {
 }
 
 TEST(SqliteObjectStore, AKilledWriterLeavesItWhole) {
-  const char* wanted = std::getenv("LUMENQUEST_KILLS");
+  const char* wanted = std::getenv("LUMENQUEST_SOAK");
   const int kills = wanted != nullptr ? std::atoi(wanted) : 50;
   const ScratchFolder folder;
   const fs::path url = folder / "group/Lumenquest.sqlite";
