@@ -1,6 +1,10 @@
 #include "adapters/sqlite_user_defaults.h"
 
+#include <unistd.h>
+
 #include <filesystem>
+#include <string>
+#include <system_error>
 #include <type_traits>
 #include <utility>
 
@@ -43,6 +47,32 @@ std::unique_ptr<SqliteConnection> OpenForReading(const std::string& path) {
 
 bool IsNew(SqliteConnection& connection) {
   return QueryInteger(connection, "PRAGMA schema_version") == 0;
+}
+
+void MakeTable(SqliteConnection& connection) {
+  connection.Run("PRAGMA journal_mode = WAL");
+  SqliteTransaction transaction(connection, true);
+  connection.Run("PRAGMA application_id = 0x4C517365");
+  connection.Run(
+      "CREATE TABLE IF NOT EXISTS setting ("
+      "key TEXT PRIMARY KEY NOT NULL, kind INTEGER NOT NULL, value NOT NULL) WITHOUT ROWID");
+  transaction.Commit();
+}
+
+/// Makes the file under another name and gives it its own when it is whole: who dies in between
+/// leaves nothing that others would find, and who comes second keeps the first one's file.
+void MakeFile(const std::string& path) {
+  const std::string unfinished = path + ".new-" + std::to_string(getpid());
+  std::filesystem::remove(unfinished);
+  {
+    SqliteConnection connection(unfinished, SqliteConnection::Mode::create);
+    MakeTable(connection);
+  }
+  std::error_code error;
+  std::filesystem::create_hard_link(unfinished, path, error);
+  std::filesystem::remove(unfinished);
+  if (error && error != std::errc::file_exists)
+    throw std::filesystem::filesystem_error(path, error);
 }
 
 platform::NSUserDefaults::Value ReadValue(const SqliteStatement& row, int kindColumn) {
@@ -98,21 +128,16 @@ SqliteConnection* SqliteUserDefaults::Reading() const {
 
 SqliteConnection& SqliteUserDefaults::Writing() {
   if (writable_) return *connection_;
-  // Whether a file that is there may be written is decided before anything is written to it.
-  if (std::filesystem::exists(path_)) {
-    const auto existing = OpenForReading(path_);
-    if (!IsNew(*existing)) RequireSettingsFile(*existing);
-  } else {
+  if (!std::filesystem::exists(path_)) {
     std::filesystem::create_directories(std::filesystem::path(path_).parent_path());
+    MakeFile(path_);
   }
-  auto connection = std::make_unique<SqliteConnection>(path_, SqliteConnection::Mode::create);
-  connection->Run("PRAGMA journal_mode = WAL");
-  SqliteTransaction transaction(*connection, true);
-  connection->Run("PRAGMA application_id = 0x4C517365");
-  connection->Run(
-      "CREATE TABLE IF NOT EXISTS setting ("
-      "key TEXT PRIMARY KEY NOT NULL, kind INTEGER NOT NULL, value NOT NULL) WITHOUT ROWID");
-  transaction.Commit();
+  // Whether a file that is there may be written is decided before anything is written to it.
+  const auto existing = OpenForReading(path_);
+  const bool isNew = IsNew(*existing);
+  if (!isNew) RequireSettingsFile(*existing);
+  auto connection = std::make_unique<SqliteConnection>(path_, SqliteConnection::Mode::readWrite);
+  if (isNew) MakeTable(*connection);
   connection_ = std::move(connection);
   writable_ = true;
   return *connection_;

@@ -190,7 +190,7 @@ TEST(SqliteUserDefaults, SurvivesAKillAtAnyMoment) {
       }
     });
     close(channel[1]);
-    std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 8000));
+    std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 20000));
     kill(child, SIGKILL);
     Wait(child);
     for (std::int64_t n = 0; read(channel[0], &n, sizeof n) == sizeof n;) acknowledged = n;
