@@ -219,22 +219,22 @@ class Gazetteer::Implementation {
     throw std::runtime_error(message);
   }
 
-  SqliteStatement Prepare(const char* sql) const {
+  StatementHandle Prepare(const char* sql) const {
     sqlite3_stmt* statement = nullptr;
     const int code = sqlite3_prepare_v3(database_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT,
                                         &statement, nullptr);
-    SqliteStatement owner(statement);
+    StatementHandle owner(statement);
     if (code != SQLITE_OK) Fail("is damaged or is no gazetteer", code);
     return owner;
   }
 
   int Pragma(const char* sql) const {
-    const SqliteStatement statement = Prepare(sql);
+    const StatementHandle statement = Prepare(sql);
     return Step(statement) ? sqlite3_column_int(statement.get(), 0) : 0;
   }
 
   /// Whether there is a row.
-  bool Step(const SqliteStatement& statement) const {
+  bool Step(const StatementHandle& statement) const {
     const int code = sqlite3_step(statement.get());
     if (code == SQLITE_ROW) return true;
     sqlite3_reset(statement.get());
@@ -244,7 +244,7 @@ class Gazetteer::Implementation {
 
   /// Makes the statement ready for a run with these values.
   template <typename... Values>
-  void Start(const SqliteStatement& statement, const Values&... values) const {
+  void Start(const StatementHandle& statement, const Values&... values) const {
     sqlite3_reset(statement.get());
     int index = 0;
     (Bind(statement.get(), ++index, values), ...);
@@ -264,7 +264,7 @@ class Gazetteer::Implementation {
     if (code != SQLITE_OK) Fail("cannot be asked", code);
   }
 
-  static std::string Text(const SqliteStatement& statement, int column) {
+  static std::string Text(const StatementHandle& statement, int column) {
     const unsigned char* text = sqlite3_column_text(statement.get(), column);
     const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement.get(), column));
     return text == nullptr ? std::string() : std::string(text, text + size);
@@ -412,12 +412,12 @@ class Gazetteer::Implementation {
   std::mutex mutex_;
   std::string path_;
   std::string locale_;
-  SqliteDatabase database_;
-  SqliteStatement box_;
-  SqliteStatement place_;
-  SqliteStatement exact_;
-  SqliteStatement search_;
-  SqliteStatement areas_;
+  DatabaseHandle database_;
+  StatementHandle box_;
+  StatementHandle place_;
+  StatementHandle exact_;
+  StatementHandle search_;
+  StatementHandle areas_;
   std::optional<CountryNames> countries_;
 };
 

@@ -11,7 +11,7 @@ struct SqliteCloser {
   void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 };
 
-using SqliteDatabase = std::unique_ptr<sqlite3, SqliteCloser>;
-using SqliteStatement = std::unique_ptr<sqlite3_stmt, SqliteCloser>;
+using DatabaseHandle = std::unique_ptr<sqlite3, SqliteCloser>;
+using StatementHandle = std::unique_ptr<sqlite3_stmt, SqliteCloser>;
 
 }  // namespace lumenquest::adapters

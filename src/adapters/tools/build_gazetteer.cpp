@@ -106,14 +106,14 @@ class Writer {
     Check(sqlite3_exec(database_.get(), sql.c_str(), nullptr, nullptr, nullptr));
   }
 
-  SqliteStatement Prepare(const char* sql) {
+  StatementHandle Prepare(const char* sql) {
     sqlite3_stmt* statement = nullptr;
     Check(sqlite3_prepare_v2(database_.get(), sql, -1, &statement, nullptr));
-    return SqliteStatement(statement);
+    return StatementHandle(statement);
   }
 
   template <typename... Values>
-  void Insert(const SqliteStatement& statement, const Values&... values) {
+  void Insert(const StatementHandle& statement, const Values&... values) {
     int index = 0;
     (Bind(statement.get(), ++index, values), ...);
     if (sqlite3_step(statement.get()) != SQLITE_DONE) Check(sqlite3_errcode(database_.get()));
@@ -136,7 +136,7 @@ class Writer {
     Check(sqlite3_bind_int64(statement, index, number));
   }
 
-  SqliteDatabase database_;
+  DatabaseHandle database_;
 };
 
 /// Postal abbreviations where GeoNames' codes are others.
