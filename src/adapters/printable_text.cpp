@@ -10,6 +10,8 @@ namespace lumenquest::adapters {
 std::string printableText(const std::string& utf8, std::size_t most) {
   constexpr UChar32 kReplacement = 0xFFFD;
   constexpr UChar32 kEllipsis = 0x2026;
+  constexpr UChar32 kZeroWidthNonJoiner = 0x200C;
+  constexpr UChar32 kZeroWidthJoiner = 0x200D;
   const icu::UnicodeString text = FromUtf8(utf8);
   icu::UnicodeString shown;
   std::size_t count = 0;
@@ -19,9 +21,22 @@ std::string printableText(const std::string& utf8, std::size_t most) {
       break;
     }
     const UChar32 character = text.char32At(i);
-    shown.append(u_isprint(character) ? character : kReplacement);
+    const bool isJoiner = character == kZeroWidthJoiner || character == kZeroWidthNonJoiner;
+    shown.append(isJoiner || u_isprint(character) ? character : kReplacement);
   }
   return ToUtf8(shown);
+}
+
+std::size_t columnsOf(const std::string& utf8) {
+  const icu::UnicodeString text = FromUtf8(utf8);
+  std::size_t columns = 0;
+  for (int32_t i = 0; i < text.length(); i = text.moveIndex32(i, 1)) {
+    const UChar32 character = text.char32At(i);
+    if ((U_GET_GC_MASK(character) & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0) continue;
+    const int32_t width = u_getIntPropertyValue(character, UCHAR_EAST_ASIAN_WIDTH);
+    columns += width == U_EA_WIDE || width == U_EA_FULLWIDTH ? 2 : 1;
+  }
+  return columns;
 }
 
 }  // namespace lumenquest::adapters

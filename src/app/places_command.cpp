@@ -13,6 +13,12 @@ namespace lumenquest::app {
 
 namespace {
 
+struct PlacesOptions {
+  OptionText text;
+  OptionText locale;
+  OptionText format;
+};
+
 using Json = nlohmann::ordered_json;
 using platform::CLPlacemark;
 using platform::LocationUtils;
@@ -62,9 +68,7 @@ platform::CLLocation ParseCoordinate(const std::string& text) {
   throwBadOption("LAT,LON", text, "expect_coordinate");
 }
 
-}  // namespace
-
-std::string searchPlaces(const PlacesOptions& options) {
+std::string SearchPlaces(const PlacesOptions& options) {
   const std::string locale = checkedLocale(options.locale);
   const std::string& text = TextOf(options, "TEXT", "expect_place");
   const OutputFormat format = parseFormat(options.format);
@@ -95,7 +99,7 @@ std::string searchPlaces(const PlacesOptions& options) {
   return table.Text();
 }
 
-std::string placesAt(const PlacesOptions& options) {
+std::string PlacesAt(const PlacesOptions& options) {
   const std::string locale = checkedLocale(options.locale);
   const platform::CLLocation location =
       ParseCoordinate(TextOf(options, "LAT,LON", "expect_coordinate"));
@@ -132,6 +136,25 @@ std::string placesAt(const PlacesOptions& options) {
   return table.Text();
 }
 
+}  // namespace
+
+void addPlacesCommands(CommandSet& commands) {
+  PlacesOptions& o = commands.Keep<PlacesOptions>();
+  CommandSet::Command& places =
+      commands.AddGroup("places", {"help_usage_places", "help_places", "help_places_examples"});
+  commands.Add(places, "search",
+               {"help_usage_places_search", "help_places_search", "help_places_examples"},
+               {{"TEXT", "", "help_places_text", "expect_place", &o.text},
+                localeOption(o.locale),
+                formatOption(o.format)},
+               [&o] { return SearchPlaces(o); });
+  commands.Add(places, "at", {"help_usage_places_at", "help_places_at", "help_places_examples"},
+               {{"COORDINATE", "", "help_places_coordinate", "expect_coordinate", &o.text},
+                localeOption(o.locale),
+                formatOption(o.format)},
+               [&o] { return PlacesAt(o); });
+}
+
 platform::CLPlacemark resolvePlace(const std::string& text, const std::string& locale) {
   const auto places = openGazetteer(locale)->geocodeAddressString(text);
   const std::string shown = adapters::printableText(text);
@@ -150,6 +173,19 @@ platform::CLPlacemark resolvePlace(const std::string& text, const std::string& l
     throw UsageError(stringWithFormat(appText("error_ambiguous_place"), {shown, candidates}));
   }
   return places.front();
+}
+
+ChosenPlace choosePlace(const PlaceOptions& options, const std::string& locale) {
+  if (!options.place) {
+    return {parseLocation(options.latitude, options.longitude), std::nullopt,
+            parseTimeZone(options.timeZone)};
+  }
+  if (options.latitude || options.longitude) {
+    throw UsageError(appText("error_place_or_coordinate"));
+  }
+  const CLPlacemark place = resolvePlace(*options.place, locale);
+  return {*place.location, place.shortTitle(),
+          options.timeZone || !place.timeZone ? parseTimeZone(options.timeZone) : *place.timeZone};
 }
 
 }  // namespace lumenquest::app

@@ -5,11 +5,16 @@
 #include <system_error>
 #include <utility>
 
+#include "adapters/glib_main_queue.h"
 #include "adapters/icu_services.h"
 #include "adapters/icu_string_tables.h"
+#include "adapters/json_models.h"
+#include "adapters/sqlite_object_store.h"
 #include "adapters/sqlite_user_defaults.h"
 #include "adapters/system_log.h"
 #include "adapters/system_time_zones.h"
+#include "adapters/uuids.h"
+#include "adapters/xdg_file_manager.h"
 
 namespace lumenquest::app {
 
@@ -49,7 +54,8 @@ std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale) {
   return std::make_unique<adapters::Gazetteer>(resourceFolder() + "/gazetteer.sqlite", locale);
 }
 
-void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock) {
+void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock,
+                     StoreRole role) {
   platform::Services::Adapters services;
   services.clock = std::move(clock);
   services.timeZones = std::make_shared<adapters::SystemTimeZones>();
@@ -62,6 +68,13 @@ void installServices(const std::string& locale, std::shared_ptr<platform::Clock>
   }
   services.settings = Suite();
   services.log = std::make_shared<adapters::SystemLog>();
+  services.fileManager = std::make_shared<adapters::XdgFileManager>(resourceFolder());
+  services.models = std::make_shared<adapters::JsonModels>();
+  services.uuids = std::make_shared<adapters::RandomUUIDs>();
+  using Stores = adapters::SqliteObjectStores;
+  services.persistentStores = std::make_shared<Stores>(
+      role == StoreRole::owner ? Stores::Role::owner : Stores::Role::reader, services.uuids);
+  services.mainQueue = std::make_shared<adapters::GlibMainQueue>();
   platform::Services::install(std::move(services));
 }
 

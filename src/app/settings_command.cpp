@@ -22,6 +22,12 @@ using platform::NSUserDefaults;
 using platform::stringWithFormat;
 using Value = NSUserDefaults::Value;
 
+struct SettingsOptions {
+  OptionText key;
+  OptionText value;
+  OptionText format;
+};
+
 /// Reads a value of one type; nothing when the text is none.
 using Parser = std::optional<Value> (*)(const std::string&);
 
@@ -109,9 +115,7 @@ std::string ToText(const std::optional<Value>& value) {
   return ToJson(value).dump();
 }
 
-}  // namespace
-
-std::string listSettings(const SettingsOptions& options) {
+std::string ListSettings(const SettingsOptions& options) {
   const OutputFormat format = parseFormat(options.format);
   const NSUserDefaults& suite = ReadableSuite();
   if (format == OutputFormat::json) {
@@ -129,7 +133,7 @@ std::string listSettings(const SettingsOptions& options) {
   return table.Text();
 }
 
-std::string getSetting(const SettingsOptions& options) {
+std::string GetSetting(const SettingsOptions& options) {
   const KnownSetting& setting = SettingOf(options.key);
   const OutputFormat format = parseFormat(options.format);
   const auto value = ReadableSuite().objectForKey(setting.key);
@@ -137,7 +141,7 @@ std::string getSetting(const SettingsOptions& options) {
   return ToText(value) + "\n";
 }
 
-std::string setSetting(const SettingsOptions& options) {
+std::string SetSetting(const SettingsOptions& options) {
   const KnownSetting& setting = SettingOf(options.key);
   if (!options.value) {
     throw UsageError(stringWithFormat(appText("error_missing_option"),
@@ -152,6 +156,25 @@ std::string setSetting(const SettingsOptions& options) {
                                               {settingsPath(), settingsError().value_or("")}));
   }
   return std::string();
+}
+
+}  // namespace
+
+void addSettingsCommands(CommandSet& commands) {
+  SettingsOptions& o = commands.Keep<SettingsOptions>();
+  const OptionSpec key{"KEY", "", "help_setting_key", "expect_text", &o.key};
+  CommandSet::Command& settings = commands.AddGroup(
+      "settings", {"help_usage_settings", "help_settings", "help_settings_examples"});
+  commands.Add(settings, "list",
+               {"help_usage_settings_list", "help_settings_list", "help_settings_examples"},
+               {formatOption(o.format)}, [&o] { return ListSettings(o); });
+  commands.Add(settings, "get",
+               {"help_usage_settings_get", "help_settings_get", "help_settings_examples"},
+               {key, formatOption(o.format)}, [&o] { return GetSetting(o); });
+  commands.Add(settings, "set",
+               {"help_usage_settings_set", "help_settings_set", "help_settings_examples"},
+               {key, {"VALUE", "", "help_setting_value", "expect_text", &o.value}},
+               [&o] { return SetSetting(o); });
 }
 
 }  // namespace lumenquest::app

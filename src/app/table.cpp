@@ -3,25 +3,30 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "adapters/printable_text.h"
+
 namespace lumenquest::app {
 
-namespace {
-
-/// Code points, which is columns for the words of our tables.
-std::size_t Width(const std::string& utf8) {
-  return static_cast<std::size_t>(std::count_if(utf8.begin(), utf8.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0u) != 0x80u;
-  }));
-}
-
-}  // namespace
-
 std::string Table::Text() const {
-  std::size_t width = 0;
-  for (const auto& [label, value] : rows_) width = std::max(width, Width(label));
+  constexpr std::size_t kGap = 3;
+  std::vector<std::size_t> widths;
+  for (const auto& cells : rows_) {
+    widths.resize(std::max(widths.size(), cells.size()));
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      widths[i] = std::max(widths[i], adapters::columnsOf(cells[i]));
+    }
+  }
   std::string text;
-  for (const auto& [label, value] : rows_) {
-    if (!value.empty()) text += label + std::string(width - Width(label) + 3, ' ') + value;
+  for (const auto& cells : rows_) {
+    // Blanks wait for a cell that needs them, so that no line ends with any.
+    std::size_t blanks = 0;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+      if (!cells[i].empty()) {
+        text += std::string(blanks, ' ') + cells[i];
+        blanks = 0;
+      }
+      blanks += widths[i] + kGap - adapters::columnsOf(cells[i]);
+    }
     text += '\n';
   }
   return text;

@@ -33,32 +33,37 @@ TodayReport computeToday(const platform::CLLocation& location,
   return report;
 }
 
-std::string runToday(const TodayOptions& options) {
+namespace {
+
+struct TodayOptions {
+  PlaceOptions place;
+  OptionText at;
+  OptionText locale;
+  OptionText format;
+};
+
+std::string RunToday(const TodayOptions& options) {
   const std::string locale = checkedLocale(options.locale);
-  platform::CLLocation location;
-  platform::NSTimeZone timeZone;
-  std::optional<std::string> title;
-  if (options.place) {
-    if (options.latitude || options.longitude) {
-      throw UsageError(appText("error_place_or_coordinate"));
-    }
-    const platform::CLPlacemark place = resolvePlace(*options.place, locale);
-    location = *place.location;
-    title = place.shortTitle();
-    timeZone =
-        options.timeZone || !place.timeZone ? parseTimeZone(options.timeZone) : *place.timeZone;
-  } else {
-    location = parseLocation(options.latitude, options.longitude);
-    timeZone = parseTimeZone(options.timeZone);
-  }
+  const ChosenPlace place = choosePlace(options.place, locale);
   const platform::NSDate instant = parseInstant(options.at);
   const OutputFormat format = parseFormat(options.format);
 
   // From here on the clock stands, so that all values are of one instant.
   installServices(locale, std::make_shared<adapters::FixedClock>(instant));
-  TodayReport report = computeToday(location, timeZone);
-  report.title = title;
+  TodayReport report = computeToday(place.location, place.timeZone);
+  report.title = place.title;
   return format == OutputFormat::json ? todayJson(report) : todayText(report);
+}
+
+}  // namespace
+
+void addTodayCommand(CommandSet& commands) {
+  TodayOptions& o = commands.Keep<TodayOptions>();
+  commands.Add("today", {"help_usage_today", "help_today", "help_today_examples"},
+               {placeOption(o.place.place), latitudeOption(o.place.latitude),
+                longitudeOption(o.place.longitude), timeZoneOption(o.place.timeZone),
+                atOption(o.at), localeOption(o.locale), formatOption(o.format)},
+               [&o] { return RunToday(o); });
 }
 
 }  // namespace lumenquest::app

@@ -13,39 +13,19 @@
 #include <random>
 #include <sstream>
 
+#include "command_fixture.h"
+
 namespace lumenquest::app {
 namespace {
 
 using Json = nlohmann::json;
 
-/// A folder that goes with the test.
-class Folder {
- public:
-  Folder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "lumenquest-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
-  }
-  ~Folder() { std::filesystem::remove_all(path_); }
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_;
-};
+using testing::Call;
+using testing::Folder;
+using testing::Result;
 
 /// The user's own settings stay out of the tests.
 const int kNoSettings = setenv("XDG_DATA_HOME", "/nonexistent", 1);
-
-struct Result {
-  int code;
-  std::string out;
-  std::string err;
-};
-
-Result Call(const std::vector<std::string>& arguments) {
-  std::ostringstream out, err;
-  const int code = run(arguments, out, err);
-  return {code, out.str(), err.str()};
-}
 
 std::vector<std::string> Today(const std::string& latitude, const std::string& longitude,
                                const std::vector<std::string>& more = {}) {

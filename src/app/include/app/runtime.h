@@ -24,7 +24,12 @@ std::optional<std::string> settingsError();
 /// its file is missing or damaged.
 std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale);
 
+/// Who asks for the plans: the main application, which makes, migrates and changes their store, or
+/// a widget, which reads it.
+enum class StoreRole { reader, owner };
+
 /// Installs the adapters for a locale (an ICU identifier) and a clock.
-void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock);
+void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock,
+                     StoreRole role = StoreRole::reader);
 
 }  // namespace lumenquest::app

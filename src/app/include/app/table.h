@@ -6,17 +6,20 @@
 
 namespace lumenquest::app {
 
-/// Rows of a label and a value, in groups set apart by a blank line.
+/// Rows of cells in columns, mostly a label and a value, in groups set apart by a blank line.
 class Table {
  public:
-  void Row(const std::string& label, const std::string& value) { rows_.emplace_back(label, value); }
+  void Row(std::string label, std::string value) {
+    Row(std::vector<std::string>{std::move(label), std::move(value)});
+  }
+  void Row(std::vector<std::string> cells) { rows_.push_back(std::move(cells)); }
   void Gap() { rows_.emplace_back(); }
 
-  /// The values aligned behind the longest label.
+  /// Each column but the last as wide as its widest cell.
   std::string Text() const;
 
  private:
-  std::vector<std::pair<std::string, std::string>> rows_;
+  std::vector<std::vector<std::string>> rows_;
 };
 
 }  // namespace lumenquest::app

@@ -3,23 +3,13 @@
 #include <optional>
 #include <string>
 
-#include "app/option_values.h"
+#include "app/command_set.h"
 #include "events/widget_astrolib.h"
 #include "platform/core_location.h"
 #include "platform/ns_date.h"
 #include "platform/ns_time_zone.h"
 
 namespace lumenquest::app {
-
-struct TodayOptions {
-  OptionText place;
-  OptionText latitude;
-  OptionText longitude;
-  OptionText timeZone;
-  OptionText at;
-  OptionText locale;
-  OptionText format;
-};
 
 /// A place's day: where, when, and everything computed for it.
 struct TodayReport {
@@ -38,9 +28,8 @@ struct TodayReport {
 TodayReport computeToday(const platform::CLLocation& location,
                          const platform::NSTimeZone& timeZone);
 
-/// Checks the options, installs the services for their locale and instant, and returns the output.
-/// Throws UsageError.
-std::string runToday(const TodayOptions& options);
+/// `lumenquest today`.
+void addTodayCommand(CommandSet& commands);
 
 /// For scripts: every value of the calculator under its own name.
 std::string todayJson(const TodayReport& report);

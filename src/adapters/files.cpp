@@ -1,0 +1,65 @@
+#include "adapters/files.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace lumenquest::adapters {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string LastError() { return std::generic_category().message(errno); }
+
+bool WriteAll(int file, const std::string& contents) {
+  for (std::size_t written = 0; written < contents.size();) {
+    const ssize_t count = ::write(file, contents.data() + written, contents.size() - written);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return false;
+    written += static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+}  // namespace
+
+std::optional<std::string> writeFileWhole(const fs::path& given, const std::string& contents) {
+  // What a link points to is replaced, not the link.
+  std::error_code error;
+  fs::path path = given;
+  if (fs::is_symlink(given, error)) {
+    path = fs::canonical(given, error);
+    if (error) return error.message();
+  }
+  // A device or a pipe, /dev/stdout say, cannot be renamed over and is written to as it is.
+  if (fs::exists(path, error) && !fs::is_regular_file(path, error)) {
+    const int file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    if (file < 0) return LastError();
+    std::optional<std::string> failure;
+    if (!WriteAll(file, contents)) failure = LastError();
+    ::close(file);
+    return failure;
+  }
+  std::string unfinished = path.string() + ".XXXXXX";
+  const int file = ::mkostemp(unfinished.data(), O_CLOEXEC);
+  if (file < 0) return LastError();
+  // As a new file would be made, rather than for its owner alone; an old file's mode is kept.
+  struct stat old {};
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  const mode_t mode = ::stat(path.c_str(), &old) == 0 ? old.st_mode & 07777u : 0666u & ~mask;
+  std::optional<std::string> failure;
+  if (!WriteAll(file, contents) || ::fchmod(file, mode) != 0 || ::fsync(file) != 0) {
+    failure = LastError();
+  }
+  if (::close(file) != 0 && !failure) failure = LastError();
+  if (!failure && ::rename(unfinished.c_str(), path.c_str()) != 0) failure = LastError();
+  if (failure) ::unlink(unfinished.c_str());
+  return failure;
+}
+
+}  // namespace lumenquest::adapters

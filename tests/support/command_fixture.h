@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/command_line.h"
+
+namespace lumenquest::testing {
+
+/// A folder that goes with the test.
+class Folder {
+ public:
+  Folder() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "lumenquest-XXXXXX").string();
+    path_ = mkdtemp(pattern.data());
+  }
+  ~Folder() { std::filesystem::remove_all(path_); }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  const std::string& path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+/// A data folder of the test's own, for settings and plans; the user's stay out of the tests.
+class DataFolder : public Folder {
+ public:
+  DataFolder() { setenv("XDG_DATA_HOME", path().c_str(), 1); }
+  ~DataFolder() { setenv("XDG_DATA_HOME", "/nonexistent", 1); }
+};
+
+struct Result {
+  int code;
+  std::string out;
+  std::string err;
+};
+
+/// Calls the command as its users do.
+inline Result Call(const std::vector<std::string>& arguments) {
+  std::ostringstream out, err;
+  const int code = app::run(arguments, out, err);
+  return {code, out.str(), err.str()};
+}
+
+}  // namespace lumenquest::testing
