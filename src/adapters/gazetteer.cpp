@@ -313,6 +313,8 @@ class Gazetteer::Implementation {
     const std::string country = countryName(place.country, locale_);
     if (!country.empty()) placemark.country = country;
     placemark.timeZone = NSTimeZone{place.zone};
+    placemark.postalAddress = platform::PostalAddress{
+        placemark.locality, placemark.administrativeArea, placemark.country};
     return placemark;
   }
 

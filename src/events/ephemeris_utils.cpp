@@ -17,10 +17,10 @@ using ephemeris::kMjdCircumpolar;
 using ephemeris::kMjdNoRiseOrSet;
 using platform::kTableEphemeris;
 using platform::localizedString;
+using platform::NamedColor;
 using platform::NSDate;
 using platform::stringByReplacingOccurrences;
 using platform::stringWithFormat;
-using platform::UIColor;
 
 /// One phase of light, down to but not including its lower bound of elevation (degrees).
 struct LightBand {
@@ -170,9 +170,9 @@ std::string EphemerisUtils::lightTypeForSunElevation(double elevation) {
   return localizedString(band ? band->nameKey : "light_nighttime", kTableEphemeris);
 }
 
-UIColor EphemerisUtils::colorForSunElevation(double elevation) {
+NamedColor EphemerisUtils::colorForSunElevation(double elevation) {
   const LightBand* band = LightBandAt(elevation);
-  return band ? UIColor{band->color, 1.0} : UIColor{"lumenquestYellow", 0.2};
+  return band ? NamedColor{band->color, 1.0} : NamedColor{"lumenquestYellow", 0.2};
 }
 
 }  // namespace lumenquest::events

@@ -101,7 +101,7 @@ void ExpectRecords(const WidgetAstrolib& lib, const Json& expected) {
     ExpectSame(changes[i]->mjd(), wanted.at("mjd"), "light change");
     EXPECT_EQ(changes[i]->name, wanted.at("name"));
     EXPECT_EQ(changes[i]->subtitle, wanted.at("subtitle").get<std::string>());
-    const platform::UIColor& color = changes[i]->bodyColor;
+    const platform::NamedColor& color = changes[i]->bodyColor;
     EXPECT_EQ(color.name + (color.alpha == 0.2 ? "@0.2" : ""), wanted.at("color"));
   }
 

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,6 +13,7 @@
 #include "adapters/uuids.h"
 #include "platform/database.h"
 #include "platform/planning.h"
+#include "queue_in_memory.h"
 #include "test_services.h"
 
 namespace lumenquest::testing {
@@ -58,17 +58,6 @@ class FakeFiles final : public platform::FileManager {
 
  private:
   std::optional<std::filesystem::path> group_;
-};
-
-class QueueInMemory final : public platform::MainQueue {
- public:
-  void async(std::function<void()> work) override { works_.push_back(std::move(work)); }
-  void RunAll() {
-    for (; !works_.empty(); works_.pop_front()) works_.front()();
-  }
-
- private:
-  std::deque<std::function<void()>> works_;
 };
 
 using Role = adapters::SqliteObjectStores::Role;

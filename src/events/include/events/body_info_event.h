@@ -7,8 +7,8 @@
 
 #include "events/moon_phase_result.h"
 #include "platform/core_graphics.h"
+#include "platform/named_color.h"
 #include "platform/ns_date.h"
-#include "platform/ui_color.h"
 
 namespace lumenquest::events {
 
@@ -47,7 +47,7 @@ class BodyInfoEvent {
 class BodyInfoSunEvent final : public BodyInfoEvent {
  public:
   using BodyInfoEvent::BodyInfoEvent;
-  platform::UIColor bodyColor;
+  platform::NamedColor bodyColor;
 };
 
 /// An event of the Moon, with its look at that time.

@@ -8,8 +8,8 @@
 #include "ephemeris/pt_sun.h"
 #include "events/moon_phase_result.h"
 #include "events/moon_rise_set.h"
+#include "platform/named_color.h"
 #include "platform/ns_date.h"
-#include "platform/ui_color.h"
 
 namespace lumenquest::events {
 
@@ -61,7 +61,7 @@ class EphemerisUtils {
 
   /// Localised name and palette colour of the light at an apparent Sun elevation in degrees.
   static std::string lightTypeForSunElevation(double elevation);
-  static platform::UIColor colorForSunElevation(double elevation);
+  static platform::NamedColor colorForSunElevation(double elevation);
 
   // The Moon's phase.
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/ns_date.h"
 #include "platform/ns_time_zone.h"
 
 namespace lumenquest::platform {
@@ -22,9 +23,11 @@ struct CLLocationCoordinate2D {
 /// Stands where there is no coordinate.
 inline constexpr CLLocationCoordinate2D kCLLocationCoordinate2DInvalid{-180.0, -180.0};
 
-/// A place.
+/// A place, and when a device was there.
 struct CLLocation {
   CLLocationCoordinate2D coordinate;
+  /// When it was measured; absent where nobody measured it, as for a place from a list.
+  std::optional<NSDate> timestamp{};
 
   bool operator==(const CLLocation&) const = default;
 };
@@ -34,6 +37,15 @@ struct CLCircularRegion {
   CLLocationCoordinate2D center;
   /// Metres.
   double radius = 0.0;
+};
+
+/// The lines of an address, as far as they are known.
+struct PostalAddress {
+  std::optional<std::string> locality;
+  std::optional<std::string> administrativeArea;
+  std::optional<std::string> country;
+
+  bool operator==(const PostalAddress&) const = default;
 };
 
 /// What a geocoder knows of a place. Every part may be absent.
@@ -52,6 +64,7 @@ class CLPlacemark {
   /// Present when the region is a round one.
   std::optional<CLCircularRegion> region;
   std::optional<NSTimeZone> timeZone;
+  std::optional<PostalAddress> postalAddress;
 
   /// The place as its people call it: street, point of interest, name, town or area.
   std::optional<std::string> title() const;

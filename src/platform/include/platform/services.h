@@ -11,6 +11,7 @@
 
 #include "platform/assertion.h"
 #include "platform/formatters.h"
+#include "platform/geocoder.h"
 #include "platform/ns_calendar.h"
 #include "platform/ns_date.h"
 #include "platform/ns_formatter.h"
@@ -130,6 +131,8 @@ class Services {
     std::shared_ptr<PersistentStoreService> persistentStores{};
     std::shared_ptr<UUIDService> uuids{};
     std::shared_ptr<MainQueue> mainQueue{};
+    /// May be null where no places are looked up.
+    std::shared_ptr<Geocoder> geocoder{};
   };
 
   ~Services();
@@ -156,6 +159,7 @@ class Services {
   PersistentStoreService& persistentStores() { return Given(adapters_.persistentStores); }
   UUIDService& uuids() { return Given(adapters_.uuids); }
   MainQueue& mainQueue() { return Given(adapters_.mainQueue); }
+  Geocoder& geocoder() { return Given(adapters_.geocoder); }
 
   // Objects shared by the process, made when first asked for.
 
