@@ -61,6 +61,17 @@ class IcuCalendar final : public platform::NSCalendar {
     return Resolve();
   }
 
+  NSDate dateByAddingMinutes(NSDate date, int minutes) override {
+    UErrorCode status = U_ZERO_ERROR;
+    // The calendar counts milliseconds; what is finer is added again.
+    const double millis = std::floor(date.timeIntervalSince1970() * 1000.0);
+    const double rest = date.timeIntervalSince1970() - millis / 1000.0;
+    calendar_->setTime(millis, status);
+    calendar_->add(UCAL_MINUTE, minutes, status);
+    LUMENQUEST_ASSERT(U_SUCCESS(status));
+    return NSDate::dateWithTimeIntervalSince1970(Resolve().timeIntervalSince1970() + rest);
+  }
+
   int weekday(NSDate date) override {
     Set(date);
     return Get(UCAL_DAY_OF_WEEK);

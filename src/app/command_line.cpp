@@ -1,11 +1,9 @@
 #include "app/command_line.h"
 
 #include <cerrno>
-#include <memory>
 #include <ostream>
 #include <system_error>
 
-#include "adapters/clocks.h"
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "app/command_set.h"
@@ -15,6 +13,7 @@
 #include "app/runtime.h"
 #include "app/settings_command.h"
 #include "app/today_command.h"
+#include "app/widget_request.h"
 #include "platform/localized_strings.h"
 
 namespace lumenquest::app {
@@ -39,7 +38,7 @@ std::string MessageLocale(const std::vector<std::string>& arguments) {
 }  // namespace
 
 int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
-  installServices(MessageLocale(arguments), std::make_shared<adapters::SystemClock>());
+  installServices({MessageLocale(arguments)});
   const std::string errorLine = appText("error_line");
   if (errorLine.empty()) {
     // The one message that cannot come from the tables.
@@ -56,6 +55,7 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
   try {
     CommandSet commands;
     addTodayCommand(commands);
+    addWidgetCommands(commands);
     addPlacesCommands(commands);
     addPlansCommands(commands);
     addSettingsCommands(commands);

@@ -1,6 +1,7 @@
 #include "app/command_set.h"
 
 #include <CLI/CLI.hpp>
+#include <iterator>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -32,51 +33,31 @@ class HelpFormatter final : public CLI::Formatter {
   std::map<const CLI::App*, const char*> usageKeys_;
 };
 
-void SetHelp(CLI::App& command) {
-  command.set_help_flag("-h,--help", appText("help_help"))->group(appText("help_options"));
-}
-
 }  // namespace
 
-class CommandSet::Command : public CLI::App {
+/// A command, or a group of them. Each parses its own arguments: in a tree of parsers an argument
+/// that is spelled like some other command ("plans add today") would be taken for that command.
+class CommandSet::Command {
  public:
-  using CLI::App::App;
-};
-
-class CommandSet::Implementation {
- public:
-  Implementation() : app(appText("help_app"), "lumenquest") {
-    formatter->label("Positionals", appText("help_arguments"));
-    formatter->SetUsage(app, "help_usage_app");
+  Command(const std::string& name, const CommandHelp& help,
+          const std::shared_ptr<HelpFormatter>& formatter, std::string fullName)
+      : app(appText(help.helpKey), name), path(std::move(fullName)) {
+    formatter->SetUsage(app, help.usageKey);
     app.formatter(formatter);
-    app.footer(appText("help_app_examples"));
-    SetHelp(app);
-    app.set_version_flag("--version", "lumenquest " LUMENQUEST_VERSION, appText("help_version"))
-        ->group(appText("help_options"));
+    app.footer(appText(help.examplesKey));
+    app.option_defaults()->group(appText("help_options"));
+    app.set_help_flag("-h,--help", appText("help_help"))->group(appText("help_options"));
   }
 
-  Command& Add(CLI::App& parent, const char* name, const CommandHelp& help) {
-    auto made = std::make_shared<Command>(appText(help.helpKey), name);
-    Command& command = *made;
-    command.formatter(formatter);
-    parent.add_subcommand(std::move(made));
-    formatter->SetUsage(command, help.usageKey);
-    command.group(appText("help_commands"));
-    command.footer(appText(help.examplesKey));
-    command.option_defaults()->group(appText("help_options"));
-    SetHelp(command);
-    return command;
-  }
-
-  void AddOption(CLI::App& command, const OptionSpec& option) {
+  void AddOption(const OptionSpec& option) {
     const std::string help = appText(option.helpKey);
     if (auto* const flag = std::get_if<bool*>(&option.value)) {
-      command.add_flag(option.name, **flag, help);
+      app.add_flag(option.name, **flag, help);
       return;
     }
-    options.push_back(option);
+    options_.push_back(option);
     if (auto* const list = std::get_if<std::vector<std::string>*>(&option.value)) {
-      command.add_option(option.name, **list, help)->type_name(option.valueName);
+      app.add_option(option.name, **list, help)->type_name(option.valueName);
       return;
     }
     const auto take = [option](const std::string& text) {
@@ -84,58 +65,76 @@ class CommandSet::Implementation {
       if (text.starts_with("--")) ThrowNoValue(option);
       *std::get<OptionText*>(option.value) = text;
     };
-    command.add_option_function<std::string>(option.name, take, help)
+    app.add_option_function<std::string>(option.name, take, help)
         ->type_name(option.valueName)
         ->take_last();
   }
 
-  /// The innermost command that was named.
-  const CLI::App& named() const {
-    const CLI::App* command = &app;
-    while (!command->get_subcommands().empty()) command = command->get_subcommands().front();
-    return *command;
+  Command* Find(const std::string& name) const {
+    for (const auto& command : commands) {
+      if (command->app.get_name() == name) return command.get();
+    }
+    return nullptr;
   }
 
-  /// "today, places, settings": what may stand after a command.
-  static std::string SubcommandsOf(const CLI::App& command) {
+  /// "today, places, settings": what may stand after it.
+  std::string Subcommands() const {
     std::string names;
-    for (const CLI::App* sub : command.get_subcommands([](const CLI::App*) { return true; })) {
+    for (const auto& command : commands) {
       if (!names.empty()) names += ", ";
-      names += sub->get_name();
+      names += command->app.get_name();
     }
     return names;
   }
 
   /// What the parser found wrong, in one line of the user's language.
-  std::string Describe(const CLI::ParseError& error,
-                       const std::vector<std::string>& arguments) const {
+  std::string Describe(const CLI::ParseError& error) const {
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
       const std::string message = error.what();
-      for (const OptionSpec& option : options) {
+      for (const OptionSpec& option : options_) {
         const std::string_view name = option.name;
         if (!message.starts_with(std::string(name.substr(name.rfind(',') + 1)) + ":")) continue;
         return stringWithFormat(appText("error_no_value"),
                                 {option.name, appText(option.expectationKey)});
       }
     }
-    const std::vector<std::string> unexpected = app.remaining(true);
+    const std::vector<std::string> unexpected = app.remaining();
     if (unexpected.empty()) return appText("error_usage");
-    const std::string shown = adapters::printableText(unexpected.front());
-    const bool isCommand = unexpected.front() == arguments.front() && !shown.starts_with("-");
-    if (isCommand) {
-      return stringWithFormat(appText("error_unknown_command"), {shown, SubcommandsOf(app)});
-    }
-    std::string help = "--help";
-    for (const CLI::App* command = &named(); command != nullptr; command = command->get_parent()) {
-      help = command->get_name() + " " + help;
-    }
-    return stringWithFormat(appText("error_unexpected_argument"), {shown, help});
+    return stringWithFormat(appText("error_unexpected_argument"),
+                            {adapters::printableText(unexpected.front()), path + " --help"});
+  }
+
+  CLI::App app;
+  /// "lumenquest plans add"
+  std::string path;
+  /// Null for a group.
+  Action action;
+  std::vector<std::unique_ptr<Command>> commands;
+
+ private:
+  std::vector<OptionSpec> options_;
+};
+
+class CommandSet::Implementation {
+ public:
+  Implementation()
+      : root("lumenquest", {"help_usage_app", "help_app", "help_app_examples"}, formatter,
+             "lumenquest") {
+    formatter->label("Positionals", appText("help_arguments"));
+    root.app
+        .set_version_flag("--version", "lumenquest " LUMENQUEST_VERSION, appText("help_version"))
+        ->group(appText("help_options"));
+  }
+
+  Command& Add(Command& parent, const char* name, const CommandHelp& help) {
+    auto made = std::make_unique<Command>(name, help, formatter, parent.path + " " + name);
+    // For the parent's help alone.
+    parent.app.add_subcommand(name, appText(help.helpKey))->group(appText("help_commands"));
+    return *parent.commands.emplace_back(std::move(made));
   }
 
   std::shared_ptr<HelpFormatter> formatter = std::make_shared<HelpFormatter>();
-  CLI::App app;
-  std::vector<OptionSpec> options;
-  std::map<const CLI::App*, Action> actions;
+  Command root;
 };
 
 CommandSet::CommandSet() : implementation_(std::make_unique<Implementation>()) {}
@@ -144,40 +143,47 @@ CommandSet::~CommandSet() = default;
 
 void CommandSet::Add(const char* name, const CommandHelp& help,
                      std::initializer_list<OptionSpec> options, Action action) {
-  Command& command = implementation_->Add(implementation_->app, name, help);
-  for (const OptionSpec& option : options) implementation_->AddOption(command, option);
-  implementation_->actions[&command] = std::move(action);
+  Add(implementation_->root, name, help, options, std::move(action));
 }
 
 CommandSet::Command& CommandSet::AddGroup(const char* name, const CommandHelp& help) {
-  return implementation_->Add(implementation_->app, name, help);
+  return implementation_->Add(implementation_->root, name, help);
 }
 
 void CommandSet::Add(Command& group, const char* name, const CommandHelp& help,
                      std::initializer_list<OptionSpec> options, Action action) {
   Command& command = implementation_->Add(group, name, help);
-  for (const OptionSpec& option : options) implementation_->AddOption(command, option);
-  implementation_->actions[&command] = std::move(action);
+  for (const OptionSpec& option : options) command.AddOption(option);
+  command.action = std::move(action);
 }
 
 std::string CommandSet::Run(const std::vector<std::string>& arguments) {
+  Command* command = &implementation_->root;
+  auto argument = arguments.begin();
+  for (; argument != arguments.end(); ++argument) {
+    Command* const next = command->Find(*argument);
+    if (next == nullptr) break;
+    command = next;
+  }
+  if (!command->action && argument != arguments.end() && !argument->starts_with("-")) {
+    throw UsageError(
+        stringWithFormat(appText("error_unknown_command"),
+                         {adapters::printableText(*argument), command->Subcommands()}));
+  }
   try {
-    std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
-    implementation_->app.parse(reversed);
+    std::vector<std::string> reversed(arguments.rbegin(), std::make_reverse_iterator(argument));
+    command->app.parse(reversed);
   } catch (const CLI::CallForHelp&) {
-    return implementation_->named().help();
+    return command->app.help();
   } catch (const CLI::CallForVersion& version) {
     return std::string(version.what()) + "\n";
   } catch (const CLI::ParseError& error) {
-    throw UsageError(implementation_->Describe(error, arguments));
+    throw UsageError(command->Describe(error));
   }
-  const CLI::App& named = implementation_->named();
-  const auto action = implementation_->actions.find(&named);
-  if (action == implementation_->actions.end()) {
-    throw UsageError(
-        stringWithFormat(appText("error_no_command"), {Implementation::SubcommandsOf(named)}));
+  if (!command->action) {
+    throw UsageError(stringWithFormat(appText("error_no_command"), {command->Subcommands()}));
   }
-  return action->second();
+  return command->action();
 }
 
 OptionSpec placeOption(OptionText& value) {

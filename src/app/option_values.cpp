@@ -58,6 +58,21 @@ platform::CLLocation parseLocation(const OptionText& latitude, const OptionText&
   return location;
 }
 
+platform::CLLocation parseCoordinate(const char* option, const std::string& text) {
+  const std::size_t comma = text.find(',');
+  if (comma != std::string::npos) {
+    std::size_t second = comma + 1;
+    while (second < text.size() && text[second] == ' ') ++second;
+    const auto latitude = parseNumber(text.substr(0, comma));
+    const auto longitude = parseNumber(text.substr(second));
+    if (latitude && longitude) {
+      const platform::CLLocation location{{*latitude, *longitude}};
+      if (location.coordinate.isValid()) return location;
+    }
+  }
+  throwBadOption(option, text, "expect_coordinate");
+}
+
 platform::NSTimeZone parseTimeZone(const OptionText& text) {
   if (text) {
     const auto zone = platform::NSTimeZone::timeZoneWithName(*text);

@@ -52,22 +52,6 @@ const std::string& TextOf(const PlacesOptions& options, const char* name,
   return *options.text;
 }
 
-/// A coordinate as "46.36,14.09".
-platform::CLLocation ParseCoordinate(const std::string& text) {
-  const std::size_t comma = text.find(',');
-  if (comma != std::string::npos) {
-    std::size_t second = comma + 1;
-    while (second < text.size() && text[second] == ' ') ++second;
-    const auto latitude = parseNumber(text.substr(0, comma));
-    const auto longitude = parseNumber(text.substr(second));
-    if (latitude && longitude) {
-      const platform::CLLocation location{{*latitude, *longitude}};
-      if (location.coordinate.isValid()) return location;
-    }
-  }
-  throwBadOption("LAT,LON", text, "expect_coordinate");
-}
-
 std::string SearchPlaces(const PlacesOptions& options) {
   const std::string locale = checkedLocale(options.locale);
   const std::string& text = TextOf(options, "TEXT", "expect_place");
@@ -102,7 +86,7 @@ std::string SearchPlaces(const PlacesOptions& options) {
 std::string PlacesAt(const PlacesOptions& options) {
   const std::string locale = checkedLocale(options.locale);
   const platform::CLLocation location =
-      ParseCoordinate(TextOf(options, "LAT,LON", "expect_coordinate"));
+      parseCoordinate("LAT,LON", TextOf(options, "LAT,LON", "expect_coordinate"));
   const OutputFormat format = parseFormat(options.format);
   const auto gazetteer = openGazetteer(locale);
   const auto places = gazetteer->reverseGeocodeLocation(location);

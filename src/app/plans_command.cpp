@@ -193,7 +193,7 @@ std::string AddPlan(const PlansOptions& options) {
   const ChosenPlace place = choosePlace(options.place, locale);
   const NSDate date = ParsePlanDate(options.date, place.timeZone);
 
-  installServices(locale, std::make_shared<adapters::SystemClock>(), StoreRole::owner);
+  installServices({locale, nullptr, StoreRole::owner});
   NSManagedObjectContext& context = OpenPlans();
   const auto plan = std::static_pointer_cast<Planning>(
       context.insertNewObjectForEntityForName(platform::kEntityPlanning));
@@ -210,7 +210,7 @@ std::string ListPlans(const PlansOptions& options) {
   const std::string locale = checkedLocale(options.locale);
   const NSDate now = parseInstant(options.at);
   parseFormat(options.format);
-  installServices(locale, std::make_shared<adapters::FixedClock>(now));
+  installServices({locale, std::make_shared<adapters::FixedClock>(now)});
   NSManagedObjectContext& context = OpenPlans();
   std::optional<platform::NSPredicate> fromToday;
   if (!options.all) {
@@ -257,7 +257,7 @@ std::string RemovePlans(const PlansOptions& options) {
                                       {"ID", appText("expect_plan_identifier")}));
   }
   parseFormat(options.format);
-  installServices(locale, std::make_shared<adapters::SystemClock>(), StoreRole::owner);
+  installServices({locale, nullptr, StoreRole::owner});
   NSManagedObjectContext& context = OpenPlans();
   const Plans plans = Fetch(context, std::nullopt);
   Plans removed;
@@ -339,7 +339,7 @@ std::string ImportPlans(const PlansOptions& options) {
                                       {printableText(options.file.value_or(""), 200)}));
   }
 
-  installServices(locale, std::make_shared<adapters::SystemClock>(), StoreRole::owner);
+  installServices({locale, nullptr, StoreRole::owner});
   NSManagedObjectContext& context = OpenPlans();
   std::map<std::string, std::shared_ptr<Planning>> known;
   for (const auto& plan : Fetch(context, std::nullopt)) {
@@ -420,7 +420,7 @@ std::string ImportPlans(const PlansOptions& options) {
 std::string ExportPlans(const PlansOptions& options) {
   const std::string locale = checkedLocale(options.locale);
   const NSDate now = parseInstant(options.at);
-  installServices(locale, std::make_shared<adapters::FixedClock>(now));
+  installServices({locale, std::make_shared<adapters::FixedClock>(now)});
   const auto gazetteer = openGazetteer(locale);
   std::vector<CalendarEvent> events;
   std::vector<std::string> withoutDate;

@@ -5,6 +5,11 @@
 #include <system_error>
 #include <utility>
 
+#include "adapters/clocks.h"
+#include "adapters/fixed_location.h"
+#include "adapters/gazetteer_geocoder.h"
+#include "adapters/geoclue_location.h"
+#include "adapters/geographiclib_geodesy.h"
 #include "adapters/glib_main_queue.h"
 #include "adapters/icu_services.h"
 #include "adapters/icu_string_tables.h"
@@ -54,27 +59,43 @@ std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale) {
   return std::make_unique<adapters::Gazetteer>(resourceFolder() + "/gazetteer.sqlite", locale);
 }
 
-void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock,
-                     StoreRole role) {
+void installServices(const RuntimeOptions& options) {
   platform::Services::Adapters services;
-  services.clock = std::move(clock);
+  services.clock = options.clock ? options.clock : std::make_shared<adapters::SystemClock>();
   services.timeZones = std::make_shared<adapters::SystemTimeZones>();
-  services.calendars = std::make_shared<adapters::IcuCalendarService>(locale, services.timeZones);
-  services.formatters = std::make_shared<adapters::IcuFormatterService>(locale, services.timeZones);
+  services.calendars =
+      std::make_shared<adapters::IcuCalendarService>(options.locale, services.timeZones);
+  services.formatters =
+      std::make_shared<adapters::IcuFormatterService>(options.locale, services.timeZones);
   services.strings =
-      std::make_shared<adapters::IcuStringTables>(resourceFolder() + "/strings", locale);
-  if (!Suite() || Suite()->path() != settingsPath()) {
-    Suite() = std::make_shared<adapters::SqliteUserDefaults>(settingsPath());
+      std::make_shared<adapters::IcuStringTables>(resourceFolder() + "/strings", options.locale);
+  if (options.hasOwnSettings) {
+    services.settings = std::make_shared<platform::InMemoryUserDefaults>();
+  } else {
+    if (!Suite() || Suite()->path() != settingsPath()) {
+      Suite() = std::make_shared<adapters::SqliteUserDefaults>(settingsPath());
+    }
+    services.settings = Suite();
   }
-  services.settings = Suite();
   services.log = std::make_shared<adapters::SystemLog>();
   services.fileManager = std::make_shared<adapters::XdgFileManager>(resourceFolder());
   services.models = std::make_shared<adapters::JsonModels>();
   services.uuids = std::make_shared<adapters::RandomUUIDs>();
   using Stores = adapters::SqliteObjectStores;
   services.persistentStores = std::make_shared<Stores>(
-      role == StoreRole::owner ? Stores::Role::owner : Stores::Role::reader, services.uuids);
+      options.role == StoreRole::owner ? Stores::Role::owner : Stores::Role::reader,
+      services.uuids);
   services.mainQueue = std::make_shared<adapters::GlibMainQueue>();
+  services.geocoder = std::make_shared<adapters::GazetteerGeocoder>(
+      [locale = options.locale] { return std::shared_ptr(openGazetteer(locale)); },
+      services.mainQueue);
+  services.geodesy = std::make_shared<adapters::GeographicLibGeodesy>();
+  if (options.here) {
+    services.locations =
+        std::make_shared<adapters::FixedLocationService>(*options.here, services.mainQueue);
+  } else {
+    services.locations = std::make_shared<adapters::GeoclueLocationService>();
+  }
   platform::Services::install(std::move(services));
 }
 

@@ -49,7 +49,7 @@ std::string RunToday(const TodayOptions& options) {
   const OutputFormat format = parseFormat(options.format);
 
   // From here on the clock stands, so that all values are of one instant.
-  installServices(locale, std::make_shared<adapters::FixedClock>(instant));
+  installServices({locale, std::make_shared<adapters::FixedClock>(instant)});
   TodayReport report = computeToday(place.location, place.timeZone);
   report.title = place.title;
   return format == OutputFormat::json ? todayJson(report) : todayText(report);

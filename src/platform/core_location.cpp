@@ -4,6 +4,7 @@
 #include <initializer_list>
 
 #include "platform/localized_strings.h"
+#include "platform/services.h"
 
 namespace lumenquest::platform {
 
@@ -27,6 +28,10 @@ std::string Joined(const Text& place, const Text& within) {
 }
 
 }  // namespace
+
+double CLLocation::distanceFromLocation(const CLLocation& other) const {
+  return Services::current().geodesy().distance(coordinate, other.coordinate);
+}
 
 bool CLLocationCoordinate2D::isValid() const {
   return std::fabs(latitude) <= 90.0 && std::fabs(longitude) <= 180.0;

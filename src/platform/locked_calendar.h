@@ -33,6 +33,10 @@ class LockedCalendar final : public NSCalendar {
     const std::lock_guard lock(mutex_);
     return calendar_->dateByAddingDays(date, days);
   }
+  NSDate dateByAddingMinutes(NSDate date, int minutes) override {
+    const std::lock_guard lock(mutex_);
+    return calendar_->dateByAddingMinutes(date, minutes);
+  }
   int weekday(NSDate date) override {
     const std::lock_guard lock(mutex_);
     return calendar_->weekday(date);

@@ -128,14 +128,20 @@ SavedPlace SavedLocation::readPlace() {
 
 SavedPlace SavedLocation::saveGeocoded(const std::vector<CLPlacemark>& placemarks, bool failed,
                                        const CLLocation& location) {
+  const SavedPlace place = geocodedPlace(placemarks, failed, location);
+  // A coordinate's text is shown and never kept.
+  savePlace(failed || placemarks.empty() ? SavedPlace{} : place);
+  return place;
+}
+
+SavedPlace SavedLocation::geocodedPlace(const std::vector<CLPlacemark>& placemarks, bool failed,
+                                        const CLLocation& location) {
   if (failed || placemarks.empty()) {
-    savePlace({});
     return {LocationUtils::latLonStringWithCoordinate(location.coordinate), std::nullopt};
   }
   const CLPlacemark& placemark = placemarks.front();
   SavedPlace place{placemark.cityTitle(), std::nullopt};
   if (placemark.timeZone) place.timeZone = placemark.timeZone->name;
-  savePlace(place);
   return place;
 }
 

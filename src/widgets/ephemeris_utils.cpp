@@ -56,8 +56,9 @@ std::string EphemerisUtils::mjdToString(double mjd, bool withSeconds) {
   if (mjd == ephemeris::kMjdNoRiseOrSet) {
     return localizedString("event_no_rise_set", kTableEphemeris);
   }
-  if (mjd == ephemeris::kMjdCircumpolar)
+  if (mjd == ephemeris::kMjdCircumpolar) {
     return localizedString("body_circumpolar", kTableEphemeris);
+  }
   if (mjd == ephemeris::kMjdAlwaysInvisible) {
     return localizedString("body_always_invisible", kTableEphemeris);
   }

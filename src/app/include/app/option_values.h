@@ -24,6 +24,8 @@ enum class OutputFormat { text, json };
 // Checked values of options. Each throws UsageError naming option, value and what would be right.
 
 platform::CLLocation parseLocation(const OptionText& latitude, const OptionText& longitude);
+/// "46.36,14.09"
+platform::CLLocation parseCoordinate(const char* option, const std::string& text);
 /// Nothing given: the device's zone.
 platform::NSTimeZone parseTimeZone(const OptionText& text);
 /// Nothing given: now.

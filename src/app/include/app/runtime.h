@@ -28,8 +28,19 @@ std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale);
 /// a widget, which reads it.
 enum class StoreRole { reader, owner };
 
-/// Installs the adapters for a locale (an ICU identifier) and a clock.
-void installServices(const std::string& locale, std::shared_ptr<platform::Clock> clock,
-                     StoreRole role = StoreRole::reader);
+/// Which adapters to install.
+struct RuntimeOptions {
+  /// An ICU identifier.
+  std::string locale;
+  /// Null: the system's.
+  std::shared_ptr<platform::Clock> clock{};
+  StoreRole role = StoreRole::reader;
+  /// Settings that end with the process, in the place of those shared with the main application.
+  bool hasOwnSettings = false;
+  /// Where the device is; absent: the location service is asked.
+  std::optional<platform::CLLocationCoordinate2D> here{};
+};
+
+void installServices(const RuntimeOptions& options);
 
 }  // namespace lumenquest::app

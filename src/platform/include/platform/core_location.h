@@ -29,6 +29,9 @@ struct CLLocation {
   /// When it was measured; absent where nobody measured it, as for a place from a list.
   std::optional<NSDate> timestamp{};
 
+  /// Metres to another place, on the WGS-84 ellipsoid.
+  double distanceFromLocation(const CLLocation& other) const;
+
   bool operator==(const CLLocation&) const = default;
 };
 

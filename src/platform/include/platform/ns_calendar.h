@@ -29,6 +29,8 @@ class NSCalendar {
   virtual NSDate dateFromComponents(const NSDateComponents& components) = 0;
   /// n calendar days further (or back) at the same wall-clock time, in whole seconds.
   virtual NSDate dateByAddingDays(NSDate date, int days) = 0;
+  /// n minutes of elapsed time further (or back).
+  virtual NSDate dateByAddingMinutes(NSDate date, int minutes) = 0;
   /// 1…7, 1 being Sunday.
   virtual int weekday(NSDate date) = 0;
   /// 1…7, counted from the calendar's first weekday.

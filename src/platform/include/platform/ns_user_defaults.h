@@ -101,6 +101,9 @@ class SavedLocation {
   /// failure both keys are removed and the coordinate's text becomes the title handed on.
   static SavedPlace saveGeocoded(const std::vector<CLPlacemark>& placemarks, bool failed,
                                  const CLLocation& location);
+  /// The place of such an answer, nothing saved.
+  static SavedPlace geocodedPlace(const std::vector<CLPlacemark>& placemarks, bool failed,
+                                  const CLLocation& location);
 };
 
 }  // namespace lumenquest::platform

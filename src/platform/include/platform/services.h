@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/assertion.h"
+#include "platform/cl_location_manager.h"
 #include "platform/formatters.h"
 #include "platform/geocoder.h"
 #include "platform/ns_calendar.h"
@@ -100,6 +101,14 @@ class UUIDService {
   virtual std::string UUIDString() = 0;
 };
 
+/// Measures the Earth.
+class GeodesyService {
+ public:
+  virtual ~GeodesyService() = default;
+  /// Metres along the geodesic on the WGS-84 ellipsoid.
+  virtual double distance(CLLocationCoordinate2D from, CLLocationCoordinate2D to) = 0;
+};
+
 /// The queue on which everything runs that touches shared objects.
 class MainQueue {
  public:
@@ -131,8 +140,10 @@ class Services {
     std::shared_ptr<PersistentStoreService> persistentStores{};
     std::shared_ptr<UUIDService> uuids{};
     std::shared_ptr<MainQueue> mainQueue{};
-    /// May be null where no places are looked up.
+    // The widgets of the sky need these.
     std::shared_ptr<Geocoder> geocoder{};
+    std::shared_ptr<LocationService> locations{};
+    std::shared_ptr<GeodesyService> geodesy{};
   };
 
   ~Services();
@@ -159,6 +170,8 @@ class Services {
   PersistentStoreService& persistentStores() { return Given(adapters_.persistentStores); }
   UUIDService& uuids() { return Given(adapters_.uuids); }
   MainQueue& mainQueue() { return Given(adapters_.mainQueue); }
+  LocationService& locations() { return Given(adapters_.locations); }
+  GeodesyService& geodesy() { return Given(adapters_.geodesy); }
   Geocoder& geocoder() { return Given(adapters_.geocoder); }
 
   // Objects shared by the process, made when first asked for.

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace lumenquest::widgets {
+
+// Where a tap on a widget leads in the application.
+
+inline constexpr const char* kSunLink = "lumenquest://sun";
+inline constexpr const char* kMoonLink = "lumenquest://moon";
+inline constexpr const char* kPlansLink = "lumenquest://plans";
+
+/// To one plan, by its percent-encoded identifier; to all of them when it is empty.
+std::string planLink(const std::string& objectId);
+
+}  // namespace lumenquest::widgets

@@ -1,0 +1,181 @@
+#include "widgets/location/location_wrapper.h"
+
+#include <cmath>
+#include <utility>
+
+#include "platform/geocoder.h"
+#include "platform/localized_strings.h"
+#include "platform/ns_user_defaults.h"
+#include "platform/services.h"
+
+namespace lumenquest::widgets {
+
+using platform::CLAuthorizationStatus;
+using platform::CLLocation;
+using platform::SavedLocation;
+using platform::SavedPlace;
+using platform::Services;
+
+std::string samplePlaceName() {
+  return platform::localizedString("sample_place_name", platform::kTableCommon);
+}
+
+bool wantsCurrentLocation(const LocationSelectorIntent* intent) {
+  return intent == nullptr || !intent->location || intent->location->isMyLocation();
+}
+
+/// One call of getLocation, and what was known when it began.
+struct LocationWrapper::Request {
+  std::optional<CLLocation> savedLocation = SavedLocation::load();
+  SavedPlace savedPlace = SavedLocation::readPlace();
+  ErrorReporter errorReporter;
+  std::shared_ptr<CLAuthorizationStatus> status;
+  Completion completion;
+  bool isDone = false;
+
+  void CompleteWithSaved() const {
+    completion(savedLocation, savedPlace.address, savedPlace.timeZone);
+  }
+  void Complete(const CLLocation& location, const SavedPlace& place) const {
+    completion(location, place.address, place.timeZone);
+  }
+
+  static void ResolvePlace(const std::shared_ptr<Request>& request,
+                           const std::optional<CLLocation>& location);
+};
+
+std::shared_ptr<LocationWrapper> LocationWrapper::create() {
+  return std::shared_ptr<LocationWrapper>(new LocationWrapper());
+}
+
+void LocationWrapper::makeManager() {
+  if (locationManager) return;
+  locationManager = Services::current().locations().locationManager();
+  locationManager->activityType = platform::CLActivityType::otherNavigation;
+  locationManager->setDelegate(weak_from_this());
+}
+
+CLLocation LocationWrapper::currentOrDefaultLocation() {
+  makeManager();
+  if (locationManager->isAuthorizedForWidgetUpdates()) {
+    if (const auto location = locationManager->location()) return *location;
+  }
+  return {kSampleCoordinate};
+}
+
+void LocationWrapper::report(const LocationEvent& event) {
+  // A handler may ask again, and so replace itself while it runs.
+  if (const Handler handler = completionHandler) handler(event);
+}
+
+void LocationWrapper::didUpdateLocations(const std::vector<CLLocation>& locations) {
+  if (!locations.empty()) report(NewLocation{locations.front()});
+}
+
+void LocationWrapper::didFailWithError(const platform::NSError& error) {
+  report(LocationError{error});
+}
+
+void LocationWrapper::locationManagerDidChangeAuthorization() {
+  report(LocationChangeAuthorization{});
+}
+
+void LocationWrapper::requestLocation(Handler handler) {
+  completionHandler = std::move(handler);
+  if (!locationManager) {
+    report(LocationChangeAuthorization{});
+    return;
+  }
+  if (locationManager->authorizationStatus() == CLAuthorizationStatus::notDetermined ||
+      !locationManager->isAuthorizedForWidgetUpdates()) {
+    return;
+  }
+  const auto last = locationManager->location();
+  if (last && last->timestamp) {
+    const double age = platform::NSDate::date().timeIntervalSinceReferenceDate() -
+                       last->timestamp->timeIntervalSinceReferenceDate();
+    // A fix from the future tells of a clock that was set back, not of a fresh position.
+    if (std::fabs(age) < kCachedFixLifetime) {
+      report(NewLocation{*last});
+      return;
+    }
+  }
+  locationManager->requestLocation();
+}
+
+void LocationWrapper::getLocation(const LocationSelectorIntent* intent, ErrorReporter errorReporter,
+                                  std::shared_ptr<CLAuthorizationStatus> status,
+                                  Completion completion) {
+  const auto request = std::make_shared<Request>();
+  request->errorReporter = std::move(errorReporter);
+  request->status = std::move(status);
+  request->completion = std::move(completion);
+
+  if (!wantsCurrentLocation(intent)) {
+    *request->status = CLAuthorizationStatus::authorizedWhenInUse;
+    Request::ResolvePlace(request, intent->location->location);
+    return;
+  }
+  makeManager();
+  *request->status = locationManager->authorizationStatus();
+  if (!locationManager->isAuthorizedForWidgetUpdates()) {
+    request->isDone = true;
+    request->CompleteWithSaved();
+    return;
+  }
+  // The handler lives in this object, so that it may point back to it.
+  requestLocation([this, request](const LocationEvent& event) { handle(event, request); });
+}
+
+void LocationWrapper::handle(const LocationEvent& event, const std::shared_ptr<Request>& request) {
+  if (const auto* const fix = std::get_if<NewLocation>(&event)) {
+    Request::ResolvePlace(request, fix->location);
+    request->isDone = true;
+  } else if (const auto* const failure = std::get_if<LocationError>(&event)) {
+    request->errorReporter(failure->error.localizedDescription);
+    Request::ResolvePlace(request, std::nullopt);
+    request->isDone = true;
+  } else {
+    *request->status = locationManager->authorizationStatus();
+    if (request->isDone) return;
+    if (*request->status == CLAuthorizationStatus::authorizedWhenInUse) {
+      locationManager->requestLocation();
+    } else if (*request->status == CLAuthorizationStatus::denied) {
+      request->isDone = true;
+      request->CompleteWithSaved();
+    }
+  }
+}
+
+void LocationWrapper::Request::ResolvePlace(const std::shared_ptr<Request>& request,
+                                            const std::optional<CLLocation>& location) {
+  // As it stands now: the geocoder's answer to the first fix counts although the call is marked
+  // done by then.
+  const bool wasDone = request->isDone;
+  if (!location) {
+    if (!wasDone) request->CompleteWithSaved();
+    return;
+  }
+  SavedLocation::save(location->coordinate);
+  if (request->savedPlace.address && request->savedLocation &&
+      location->distanceFromLocation(*request->savedLocation) <= kSamePlaceDistance) {
+    if (!wasDone) request->Complete(*location, request->savedPlace);
+    return;
+  }
+  // Until the new place has a title, the old one's must not stand beside it: another widget would
+  // take it for this place's.
+  SavedLocation::savePlace({});
+  Services::current().geocoder().reverseGeocodeLocation(
+      *location,
+      [request, location = *location, wasDone](const std::vector<platform::CLPlacemark>& placemarks,
+                                               const std::optional<platform::NSError>& error) {
+        // By now another widget may have saved another place, whose title is on its way.
+        const auto last = SavedLocation::load();
+        const bool isLast = last && last->coordinate == location.coordinate;
+        const auto take = isLast ? &SavedLocation::saveGeocoded : &SavedLocation::geocodedPlace;
+        const SavedPlace place = take(placemarks, error.has_value(), location);
+        if (!wasDone) request->Complete(location, place);
+      });
+}
+
+}  // namespace lumenquest::widgets
