@@ -1,0 +1,270 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "platform/ui_color.h"
+
+namespace lumenquest::platform {
+
+// Points are the unit of all lengths; x grows to the right, y downwards.
+
+struct CGPoint {
+  double x = 0.0;
+  double y = 0.0;
+
+  bool operator==(const CGPoint&) const = default;
+};
+
+struct CGSize {
+  double width = 0.0;
+  double height = 0.0;
+
+  bool operator==(const CGSize&) const = default;
+};
+
+struct CGRect {
+  double x = 0.0;
+  double y = 0.0;
+  double width = 0.0;
+  double height = 0.0;
+
+  bool operator==(const CGRect&) const = default;
+
+  CGPoint center() const { return {x + width / 2.0, y + height / 2.0}; }
+  /// Smaller by this much on every side.
+  CGRect insetBy(double inset) const {
+    return {x + inset, y + inset, width - 2.0 * inset, height - 2.0 * inset};
+  }
+};
+
+/// A point (x, y) goes to (a x + c y + tx, b x + d y + ty).
+struct CGAffineTransform {
+  double a = 1.0;
+  double b = 0.0;
+  double c = 0.0;
+  double d = 1.0;
+  double tx = 0.0;
+  double ty = 0.0;
+
+  bool operator==(const CGAffineTransform&) const = default;
+
+  static CGAffineTransform translation(double x, double y) { return {1.0, 0.0, 0.0, 1.0, x, y}; }
+  static CGAffineTransform scale(double x, double y) { return {x, 0.0, 0.0, y, 0.0, 0.0}; }
+  /// Radians, from the x axis towards the y axis: clockwise on a screen.
+  static CGAffineTransform rotation(double angle);
+
+  /// This transform, and after it another.
+  CGAffineTransform then(const CGAffineTransform& next) const;
+  CGPoint apply(CGPoint point) const {
+    return {a * point.x + c * point.y + tx, b * point.x + d * point.y + ty};
+  }
+};
+
+/// Lines and cubic Bézier curves.
+class UIBezierPath {
+ public:
+  enum class Verb { move, line, curve, close };
+  struct Segment {
+    Verb verb = Verb::close;
+    /// The end point last; a curve's two control points before it.
+    std::array<CGPoint, 3> points{};
+
+    CGPoint end() const { return points[verb == Verb::curve ? 2 : 0]; }
+    bool operator==(const Segment&) const = default;
+  };
+
+  static UIBezierPath rect(const CGRect& rect);
+  /// The radius is at most half the shorter side.
+  static UIBezierPath roundedRect(const CGRect& rect, double cornerRadius);
+  static UIBezierPath ellipse(const CGRect& in);
+
+  void moveTo(CGPoint point) { segments_.push_back({Verb::move, {point}}); }
+  void lineTo(CGPoint point) { segments_.push_back({Verb::line, {point}}); }
+  void curveTo(CGPoint control1, CGPoint control2, CGPoint point) {
+    segments_.push_back({Verb::curve, {control1, control2, point}});
+  }
+  void close() { segments_.push_back({Verb::close, {}}); }
+  void append(const UIBezierPath& path);
+  UIBezierPath transformed(const CGAffineTransform& transform) const;
+
+  const std::vector<Segment>& segments() const { return segments_; }
+  bool operator==(const UIBezierPath&) const = default;
+
+  bool usesEvenOddFillRule = false;
+
+ private:
+  std::vector<Segment> segments_;
+};
+
+struct GradientStop {
+  /// 0 to 1, growing.
+  double offset = 0.0;
+  UIColor color;
+
+  bool operator==(const GradientStop&) const = default;
+};
+
+/// Colours between two points, or between a focus and a circle, in the coordinates of the path that
+/// is filled; the last colour goes on outside.
+struct Gradient {
+  bool isRadial = false;
+  /// Start of a linear gradient, focus of a radial one.
+  CGPoint start;
+  /// End of a linear gradient, centre of a radial one.
+  CGPoint end;
+  double radius = 0.0;
+  std::vector<GradientStop> stops;
+  /// From the gradient's coordinates to those of the path.
+  CGAffineTransform transform{};
+
+  bool operator==(const Gradient&) const = default;
+};
+
+/// The colour of whoever draws a picture that is a mere shape.
+struct CurrentColor {
+  double alpha = 1.0;
+
+  bool operator==(const CurrentColor&) const = default;
+};
+
+using Paint = std::variant<UIColor, Gradient, CurrentColor>;
+
+enum class LineEnds { butt, round };
+
+struct Stroke {
+  double width = 1.0;
+  LineEnds ends = LineEnds::butt;
+  bool hasRoundJoins = false;
+
+  bool operator==(const Stroke&) const = default;
+};
+
+/// One shape of a picture; fill first, then stroke.
+struct PictureShape {
+  UIBezierPath path;
+  std::optional<Paint> fill{};
+  std::optional<Paint> strokePaint{};
+  Stroke stroke{};
+  /// What lies outside is not drawn. Shared by the shapes of a group.
+  std::shared_ptr<const UIBezierPath> clip{};
+};
+
+/// A picture as its shapes, sharp at any size.
+struct UIImage {
+  CGSize size;
+  std::vector<PictureShape> shapes;
+};
+
+enum class FontWeight { regular, medium, semibold, bold };
+
+enum class TextAlignment { leading, center, trailing };
+
+/// How a text is set.
+struct TextStyle {
+  /// Points.
+  double size = 12.0;
+  FontWeight weight = FontWeight::regular;
+  TextAlignment alignment = TextAlignment::leading;
+  /// Lines at most; what does not fit ends in an ellipsis.
+  int lineLimit = 1;
+  /// Digits of one width, so that times stand below each other.
+  bool hasMonospacedDigits = false;
+  /// The direction of the paragraph: which side is leading, and the place of neutral characters.
+  bool isRightToLeft = false;
+
+  bool operator==(const TextStyle&) const = default;
+};
+
+/// A text as it was set.
+struct TextMetrics {
+  /// Of the lines, as wide as the longest.
+  CGSize size;
+  /// From the top to the baseline of the first line.
+  double baseline = 0.0;
+  int lines = 1;
+  bool isTruncated = false;
+};
+
+/// Sets texts.
+class TextMeasurer {
+ public:
+  virtual ~TextMeasurer() = default;
+  /// `width`: where lines are broken and truncated, points; infinite: nowhere but at line breaks of
+  /// the text.
+  virtual TextMetrics measure(const std::string& text, const TextStyle& style, double width) = 0;
+};
+
+/// Something to draw on.
+class Canvas {
+ public:
+  virtual ~Canvas() = default;
+
+  virtual void save() = 0;
+  /// Back to the transform and clip of the last save().
+  virtual void restore() = 0;
+  virtual void concatenate(const CGAffineTransform& transform) = 0;
+  virtual void clip(const UIBezierPath& path) = 0;
+  /// A CurrentColor paint is a programming error here: drawImage() has resolved it.
+  virtual void fill(const UIBezierPath& path, const Paint& paint) = 0;
+  virtual void stroke(const UIBezierPath& path, const Paint& paint, const Stroke& stroke) = 0;
+  /// Into a box whose width breaks and aligns the lines.
+  virtual void drawText(const std::string& text, const TextStyle& style, const UIColor& color,
+                        const CGRect& rect) = 0;
+
+  /// What is drawn between these two leads somewhere; only some canvases can keep it.
+  virtual void beginLink(const std::string& /*url*/) {}
+  virtual void endLink() {}
+  /// What is drawn between these two has a name for those who cannot see it; texts within it are
+  /// not read out besides.
+  virtual void beginLabel(const std::string& /*label*/) {}
+  virtual void endLabel() {}
+
+  /// A picture scaled into a box. `color` is that of its CurrentColor shapes.
+  void drawImage(const UIImage& image, const CGRect& rect, const UIColor& color);
+};
+
+/// Records what is drawn as a picture; texts are a programming error.
+class ImageContext final : public Canvas {
+ public:
+  explicit ImageContext(CGSize size);
+  ~ImageContext() override;
+
+  void save() override;
+  void restore() override;
+  void concatenate(const CGAffineTransform& transform) override;
+  void clip(const UIBezierPath& path) override;
+  void fill(const UIBezierPath& path, const Paint& paint) override;
+  void stroke(const UIBezierPath& path, const Paint& paint, const Stroke& stroke) override;
+  void drawText(const std::string& text, const TextStyle& style, const UIColor& color,
+                const CGRect& rect) override;
+
+  UIImage image() const { return image_; }
+
+ private:
+  struct State {
+    CGAffineTransform transform{};
+    std::shared_ptr<const UIBezierPath> clip{};
+  };
+
+  UIImage image_;
+  std::vector<State> states_;
+};
+
+enum class ColorScheme { light, dark };
+
+/// The pictures and colours of the application's bundle.
+class AssetCatalog {
+ public:
+  virtual ~AssetCatalog() = default;
+  /// Null when there is none of this name.
+  virtual std::shared_ptr<const UIImage> imageNamed(const std::string& name) = 0;
+  /// Absent when there is none of this name.
+  virtual std::optional<UIColor> colorNamed(const std::string& name, ColorScheme scheme) = 0;
+};
+
+}  // namespace lumenquest::platform
