@@ -24,6 +24,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using platform::AttributeType;
+using platform::AttributeValue;
+using platform::NSDate;
 using platform::NSEntityDescription;
 using platform::NSError;
 using platform::NSFetchRequest;
@@ -116,6 +118,42 @@ std::string ColumnType(AttributeType type) {
   return "REAL";
 }
 
+// ---- Values ----
+
+SqliteStatement& BindValue(SqliteStatement& statement, int parameter, const AttributeValue& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return statement.Bind(parameter, *text);
+  if (const auto* whole = std::get_if<std::int64_t>(&value)) {
+    return statement.Bind(parameter, *whole);
+  }
+  if (const auto* number = std::get_if<double>(&value)) return statement.Bind(parameter, *number);
+  if (const auto* date = std::get_if<NSDate>(&value)) {
+    return statement.Bind(parameter, date->timeIntervalSinceReferenceDate());
+  }
+  return statement.BindNull(parameter);
+}
+
+AttributeValue ReadValue(const SqliteStatement& row, int column, AttributeType type) {
+  const int stored = row.Type(column);
+  if (stored == SQLITE_NULL) return {};
+  const bool isNumber = stored == SQLITE_FLOAT || stored == SQLITE_INTEGER;
+  switch (type) {
+    case AttributeType::string:
+      if (stored == SQLITE_TEXT) return row.Text(column);
+      break;
+    case AttributeType::number:
+      if (isNumber) return row.Number(column);
+      break;
+    case AttributeType::integer:
+      if (stored == SQLITE_INTEGER) return row.Integer(column);
+      break;
+    case AttributeType::date:
+      if (isNumber) return NSDate(row.Number(column));
+      break;
+  }
+  throw SqliteFailure(SQLITE_MISMATCH,
+                      "column \"" + row.ColumnName(column) + "\" holds a value of another type");
+}
+
 // ---- Tables ----
 
 /// Columns of the tables that are there, with their types.
@@ -158,11 +196,10 @@ void CreateIndexes(SqliteConnection& connection, const NSEntityDescription& enti
 }
 
 void SetMetadata(const SqliteConnection& connection, const std::string& key,
-                 const platform::AttributeValue& value) {
-  SqliteStatement(connection, "INSERT OR REPLACE INTO _metadata (key, value) VALUES (?, ?)")
-      .Bind(1, key)
-      .Bind(2, value)
-      .Execute();
+                 const AttributeValue& value) {
+  SqliteStatement statement(connection,
+                            "INSERT OR REPLACE INTO _metadata (key, value) VALUES (?, ?)");
+  BindValue(statement.Bind(1, key), 2, value).Execute();
 }
 
 StoreMetadata ReadMetadata(const SqliteConnection& connection, const fs::path& url) {
@@ -435,9 +472,7 @@ class SqliteObjectStore final : public ObjectStore {
 
   /// Reads again which tables are there, when somebody has changed them since.
   void RefreshTables() {
-    SqliteStatement statement(*connection_, "PRAGMA schema_version");
-    statement.Step();
-    const std::int64_t version = statement.Integer(0);
+    const std::int64_t version = connection_->QueryInteger("PRAGMA schema_version");
     if (version == schemaVersion_) return;
     tables_ = ReadTables(*connection_);
     schemaVersion_ = version;
@@ -481,7 +516,7 @@ class SqliteObjectStore final : public ObjectStore {
     statement.Bind(1, request.fetchLimit == 0 ? std::int64_t{-1}
                                               : static_cast<std::int64_t>(request.fetchLimit));
     if (request.predicate && request.predicate->form == NSPredicate::Form::greaterThanOrEqual) {
-      statement.Bind(2, request.predicate->value);
+      BindValue(statement, 2, request.predicate->value);
     }
     while (statement.Step()) {
       ObjectRecord record;
@@ -489,7 +524,7 @@ class SqliteObjectStore final : public ObjectStore {
       record.version = statement.Integer(1);
       int column = 2;
       for (const auto& attribute : entity->attributes) {
-        record.values.push_back(statement.Value(column++, attribute.type));
+        record.values.push_back(ReadValue(statement, column++, attribute.type));
       }
       record.toMany.resize(entity->toMany.size());
       records.push_back(std::move(record));
@@ -549,7 +584,7 @@ class SqliteObjectStore final : public ObjectStore {
     SqliteStatement& statement =
         Prepared("INSERT INTO " + Quoted(entity.name) + " (" + names + ") VALUES (" + places + ")");
     int parameter = 1;
-    for (const auto& value : change.record.values) statement.Bind(parameter++, value);
+    for (const auto& value : change.record.values) BindValue(statement, parameter++, value);
     statement.Execute();
     const std::int64_t key = sqlite3_last_insert_rowid(connection_->handle());
     WriteMembers(change, key);
@@ -562,7 +597,7 @@ class SqliteObjectStore final : public ObjectStore {
     for (const auto& attribute : entity.attributes) sql += ", " + Quoted(attribute.name) + " = ?";
     SqliteStatement& statement = Prepared(sql + " WHERE _pk = ? AND _version = ?");
     int parameter = 1;
-    for (const auto& value : change.record.values) statement.Bind(parameter++, value);
+    for (const auto& value : change.record.values) BindValue(statement, parameter++, value);
     statement.Bind(parameter, change.record.key).Bind(parameter + 1, change.record.version);
     statement.Execute();
     if (sqlite3_changes(connection_->handle()) == 0) ThrowConflict(entity);

@@ -20,14 +20,8 @@ constexpr std::int64_t kApplicationId = 0x4C517365;
 /// How a value is stored.
 enum Kind : std::int64_t { kBool = 0, kInteger = 1, kDouble = 2, kString = 3 };
 
-/// The integer that a pragma gives.
-std::int64_t QueryInteger(const SqliteConnection& connection, const char* sql) {
-  SqliteStatement statement(connection, sql);
-  return statement.Step() ? statement.Integer(0) : 0;
-}
-
 void RequireSettingsFile(SqliteConnection& connection) {
-  if (QueryInteger(connection, "PRAGMA application_id") != kApplicationId) {
+  if (connection.QueryInteger("PRAGMA application_id") != kApplicationId) {
     throw SqliteFailure(SQLITE_NOTADB, "the file holds something else than settings");
   }
 }
@@ -35,7 +29,7 @@ void RequireSettingsFile(SqliteConnection& connection) {
 std::unique_ptr<SqliteConnection> OpenForReading(const std::string& path) {
   try {
     auto connection = std::make_unique<SqliteConnection>(path, SqliteConnection::Mode::readOnly);
-    QueryInteger(*connection, "PRAGMA schema_version");
+    connection->QueryInteger("PRAGMA schema_version");
     return connection;
   } catch (const SqliteFailure& failure) {
     // A log beside the file cannot be made in a folder that is read-only; then nobody writes
@@ -46,7 +40,7 @@ std::unique_ptr<SqliteConnection> OpenForReading(const std::string& path) {
 }
 
 bool IsNew(SqliteConnection& connection) {
-  return QueryInteger(connection, "PRAGMA schema_version") == 0;
+  return connection.QueryInteger("PRAGMA schema_version") == 0;
 }
 
 void MakeTable(SqliteConnection& connection) {

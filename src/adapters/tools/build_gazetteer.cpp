@@ -17,7 +17,7 @@
 
 #include "gazetteer_schema.h"
 #include "search_key.h"
-#include "sqlite_handle.h"
+#include "sqlite_connection.h"
 
 namespace lumenquest::adapters {
 namespace {
@@ -87,58 +87,6 @@ std::vector<Place> ReadTable(const std::string& path) {
   return places;
 }
 
-class Writer {
- public:
-  explicit Writer(const std::string& path) {
-    sqlite3* database = nullptr;
-    const int code = sqlite3_open(path.c_str(), &database);
-    database_.reset(database);
-    Check(code);
-    Execute("PRAGMA page_size = 4096");
-    Execute("PRAGMA journal_mode = OFF");
-    Execute("PRAGMA synchronous = OFF");
-    Execute("PRAGMA application_id = " + std::to_string(kGazetteerApplicationId));
-    Execute("PRAGMA user_version = " + std::to_string(kGazetteerVersion));
-    Execute(kGazetteerSchema);
-  }
-
-  void Execute(const std::string& sql) {
-    Check(sqlite3_exec(database_.get(), sql.c_str(), nullptr, nullptr, nullptr));
-  }
-
-  StatementHandle Prepare(const char* sql) {
-    sqlite3_stmt* statement = nullptr;
-    Check(sqlite3_prepare_v2(database_.get(), sql, -1, &statement, nullptr));
-    return StatementHandle(statement);
-  }
-
-  template <typename... Values>
-  void Insert(const StatementHandle& statement, const Values&... values) {
-    int index = 0;
-    (Bind(statement.get(), ++index, values), ...);
-    if (sqlite3_step(statement.get()) != SQLITE_DONE) Check(sqlite3_errcode(database_.get()));
-    Check(sqlite3_reset(statement.get()));
-  }
-
- private:
-  void Check(int code) const {
-    if (code != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(database_.get()));
-  }
-
-  void Bind(sqlite3_stmt* statement, int index, const std::string& text) {
-    Check(sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()),
-                            SQLITE_TRANSIENT));
-  }
-  void Bind(sqlite3_stmt* statement, int index, double number) {
-    Check(sqlite3_bind_double(statement, index, number));
-  }
-  void Bind(sqlite3_stmt* statement, int index, std::int64_t number) {
-    Check(sqlite3_bind_int64(statement, index, number));
-  }
-
-  DatabaseHandle database_;
-};
-
 /// Postal abbreviations where GeoNames' codes are others.
 struct Abbreviation {
   const char* country;
@@ -189,17 +137,24 @@ std::vector<std::string> AreaKeys(const Place& place) {
 void Write(std::vector<Place> places, const std::string& path) {
   std::stable_sort(places.begin(), places.end(),
                    [](const Place& a, const Place& b) { return a.population > b.population; });
-  Writer writer(path);
-  writer.Execute("BEGIN");
-  const auto insertZone = writer.Prepare("INSERT INTO zone VALUES (?, ?)");
-  const auto insertArea = writer.Prepare("INSERT INTO admin1 VALUES (?, ?, ?, ?)");
-  const auto insertAreaKey = writer.Prepare("INSERT OR IGNORE INTO admin1_key VALUES (?, ?)");
-  const auto insertPlace =
-      writer.Prepare("INSERT INTO place VALUES (?, ?, ?, ?, ?, NULLIF(?, 0), ?, ?, ?)");
-  const auto insertKey = writer.Prepare("INSERT INTO name_key VALUES (?, ?)");
-  const auto insertBox = writer.Prepare("INSERT INTO place_box VALUES (?1, ?2, ?2, ?3, ?3)");
-  const auto insertSearch =
-      writer.Prepare("INSERT INTO place_search (rowid, names, region) VALUES (?, ?, ?)");
+  SqliteConnection connection(path, SqliteConnection::Mode::create);
+  connection.Run("PRAGMA page_size = 4096");
+  // A build that is broken off starts anew.
+  connection.Run("PRAGMA journal_mode = MEMORY");
+  connection.Run("PRAGMA synchronous = OFF");
+  connection.Run("PRAGMA application_id = " + std::to_string(kGazetteerApplicationId));
+  connection.Run("PRAGMA user_version = " + std::to_string(kGazetteerVersion));
+  connection.Run(kGazetteerSchema);
+  SqliteTransaction transaction(connection, true);
+  SqliteStatement insertZone(connection, "INSERT INTO zone VALUES (?, ?)");
+  SqliteStatement insertArea(connection, "INSERT INTO admin1 VALUES (?, ?, ?, ?)");
+  SqliteStatement insertAreaKey(connection, "INSERT OR IGNORE INTO admin1_key VALUES (?, ?)");
+  SqliteStatement insertPlace(connection,
+                              "INSERT INTO place VALUES (?, ?, ?, ?, ?, NULLIF(?, 0), ?, ?, ?)");
+  SqliteStatement insertKey(connection, "INSERT INTO name_key VALUES (?, ?)");
+  SqliteStatement insertBox(connection, "INSERT INTO place_box VALUES (?1, ?2, ?2, ?3, ?3)");
+  SqliteStatement insertSearch(connection,
+                               "INSERT INTO place_search (rowid, names, region) VALUES (?, ?, ?)");
 
   std::map<std::string, std::int64_t> zones;
   std::map<std::pair<std::string, std::string>, std::int64_t> areas;
@@ -209,7 +164,7 @@ void Write(std::vector<Place> places, const std::string& path) {
     ++id;
     const auto [zone, isNewZone] =
         zones.emplace(place.zone, static_cast<std::int64_t>(zones.size() + 1));
-    if (isNewZone) writer.Insert(insertZone, zone->second, zone->first);
+    if (isNewZone) insertZone.Run(zone->second, zone->first);
 
     std::int64_t area = 0;
     if (!place.admin1Name.empty()) {
@@ -217,13 +172,13 @@ void Write(std::vector<Place> places, const std::string& path) {
                                                     static_cast<std::int64_t>(areas.size() + 1));
       area = found->second;
       if (isNewArea) {
-        writer.Insert(insertArea, area, place.country, place.admin1Code, place.admin1Name);
-        for (const std::string& key : AreaKeys(place)) writer.Insert(insertAreaKey, key, area);
+        insertArea.Run(area, place.country, place.admin1Code, place.admin1Name);
+        for (const std::string& key : AreaKeys(place)) insertAreaKey.Run(key, area);
       }
     }
-    writer.Insert(insertPlace, id, place.name, place.latitude, place.longitude, place.country, area,
-                  place.admin2Name, place.population, zone->second);
-    writer.Insert(insertBox, id, place.latitude, place.longitude);
+    insertPlace.Run(id, place.name, place.latitude, place.longitude, place.country, area,
+                    place.admin2Name, place.population, zone->second);
+    insertBox.Run(id, place.latitude, place.longitude);
 
     std::string text;
     std::set<std::string> own;
@@ -236,13 +191,13 @@ void Write(std::vector<Place> places, const std::string& path) {
         keys.emplace(key, id);
       }
     }
-    writer.Insert(insertSearch, id, text, "c" + place.country + " a" + std::to_string(area));
+    insertSearch.Run(id, text, "c" + place.country + " a" + std::to_string(area));
   }
-  for (const auto& [key, place] : keys) writer.Insert(insertKey, key, place);
-  writer.Execute("INSERT INTO place_search (place_search) VALUES ('optimize')");
-  writer.Execute("COMMIT");
-  writer.Execute("ANALYZE");
-  writer.Execute("VACUUM");
+  for (const auto& [key, place] : keys) insertKey.Run(key, place);
+  connection.Run("INSERT INTO place_search (place_search) VALUES ('optimize')");
+  transaction.Commit();
+  connection.Run("ANALYZE");
+  connection.Run("VACUUM");
 }
 
 }  // namespace

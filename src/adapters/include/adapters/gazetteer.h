@@ -42,6 +42,12 @@ class Gazetteer final : public platform::Geocoder {
 
  private:
   class Implementation;
+
+  /// Does the work; a failure of the file is said in one line that names it.
+  template <typename Work>
+  auto Guard(const Work& work) const;
+
+  std::string path_;
   std::unique_ptr<Implementation> implementation_;
 };
 
