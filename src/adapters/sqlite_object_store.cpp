@@ -1,11 +1,7 @@
 #include "adapters/sqlite_object_store.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <functional>
@@ -17,6 +13,7 @@
 
 #include "platform/assertion.h"
 #include "sqlite_connection.h"
+#include "whole_file.h"
 
 namespace lumenquest::adapters {
 
@@ -250,55 +247,10 @@ void CheckFile(const fs::path& url) {
   }
 }
 
-void SyncFolder(const fs::path& folder) {
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  ::fsync(descriptor);
-  ::close(descriptor);
-}
-
-/// Makes a file whole under another name first, and gives it its own name last. False: there is a
-/// file of that name already, and it was left alone.
-bool WriteWhole(const fs::path& url, const std::string& suffix,
-                const std::function<void(SqliteConnection&)>& write) {
-  const fs::path folder = fs::absolute(url).parent_path();
-  if (!fs::exists(folder)) {
-    fs::create_directories(folder);
-    // Where somebody will be and when is nobody else's business.
-    fs::permissions(folder, fs::perms::owner_all);
-  }
-  const fs::path unfinished = url.string() + "." + suffix + ".new";
-  const auto remove = [&] {
-    std::error_code ignored;
-    for (const char* companion : {"", "-journal", "-wal", "-shm"}) {
-      fs::remove(unfinished.string() + companion, ignored);
-    }
-  };
-  try {
-    {
-      SqliteConnection connection(unfinished, Mode::create);
-      write(connection);
-      connection.Run("PRAGMA journal_mode = WAL");
-    }
-    // A link, unlike a rename, never replaces a file.
-    const bool linked = ::link(unfinished.c_str(), url.c_str()) == 0;
-    const int reason = errno;
-    remove();
-    if (!linked && reason != EEXIST) {
-      throw fs::filesystem_error("link", url, std::error_code(reason, std::generic_category()));
-    }
-    SyncFolder(folder);
-    return linked;
-  } catch (...) {
-    remove();
-    throw;
-  }
-}
-
 void CreateStore(const fs::path& url, const NSManagedObjectModel& model,
                  const std::string& identifier) {
   // When another process made one meanwhile, that one is the store.
-  WriteWhole(url, identifier, [&](SqliteConnection& connection) {
+  writeWhole(url, [&](SqliteConnection& connection) {
     SqliteTransaction transaction(connection, true);
     connection.Run("PRAGMA application_id = " + std::to_string(kApplicationId));
     connection.Run("CREATE TABLE _metadata (key TEXT PRIMARY KEY, value) WITHOUT ROWID");
@@ -449,8 +401,8 @@ class SqliteObjectStore final : public ObjectStore {
     return plan.value;
   }
 
-  void CopyTo(const fs::path& target, const std::string& suffix) {
-    const bool written = WriteWhole(target, suffix, [&](SqliteConnection& copy) {
+  void CopyTo(const fs::path& target) {
+    const bool written = writeWhole(target, [&](SqliteConnection& copy) {
       const std::unique_ptr<sqlite3_backup, int (*)(sqlite3_backup*)> backup(
           sqlite3_backup_init(copy.handle(), "main", connection_->handle(), "main"),
           sqlite3_backup_finish);
@@ -679,6 +631,7 @@ Outcome<std::shared_ptr<ObjectStore>> SqliteObjectStores::open(
         return std::make_shared<SqliteObjectStore>(url, model, readOnly, nullptr);
       }
     }
+    if (!readOnly) sweepUnfinished(url);
     connection = Connect(url, readOnly);
     const StoreMetadata metadata = ReadMetadata(*connection, url);
     if (metadata.modelName != model->name) {
@@ -715,7 +668,7 @@ std::optional<NSError> SqliteObjectStores::migrate(ObjectStore& store, const fs:
                        if (role_ == Role::reader) {
                          throw StoreFailure(kReadOnly, "Stores are moved by the application only.");
                        }
-                       source->CopyTo(toURL, uuids_->UUIDString());
+                       source->CopyTo(toURL);
                        return true;
                      })
       .error;

@@ -1,7 +1,5 @@
 #include "adapters/sqlite_user_defaults.h"
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <string>
 #include <system_error>
@@ -9,6 +7,7 @@
 #include <utility>
 
 #include "sqlite_connection.h"
+#include "whole_file.h"
 
 namespace lumenquest::adapters {
 
@@ -44,29 +43,12 @@ bool IsNew(SqliteConnection& connection) {
 }
 
 void MakeTable(SqliteConnection& connection) {
-  connection.Run("PRAGMA journal_mode = WAL");
   SqliteTransaction transaction(connection, true);
   connection.Run("PRAGMA application_id = 0x4C517365");
   connection.Run(
       "CREATE TABLE IF NOT EXISTS setting ("
       "key TEXT PRIMARY KEY NOT NULL, kind INTEGER NOT NULL, value NOT NULL) WITHOUT ROWID");
   transaction.Commit();
-}
-
-/// Makes the file under another name and gives it its own when it is whole: who dies in between
-/// leaves nothing that others would find, and who comes second keeps the first one's file.
-void MakeFile(const std::string& path) {
-  const std::string unfinished = path + ".new-" + std::to_string(getpid());
-  std::filesystem::remove(unfinished);
-  {
-    SqliteConnection connection(unfinished, SqliteConnection::Mode::create);
-    MakeTable(connection);
-  }
-  std::error_code error;
-  std::filesystem::create_hard_link(unfinished, path, error);
-  std::filesystem::remove(unfinished);
-  if (error && error != std::errc::file_exists)
-    throw std::filesystem::filesystem_error(path, error);
 }
 
 platform::NSUserDefaults::Value ReadValue(const SqliteStatement& row, int kindColumn) {
@@ -122,16 +104,18 @@ SqliteConnection* SqliteUserDefaults::Reading() const {
 
 SqliteConnection& SqliteUserDefaults::Writing() {
   if (writable_) return *connection_;
-  if (!std::filesystem::exists(path_)) {
-    std::filesystem::create_directories(std::filesystem::path(path_).parent_path());
-    MakeFile(path_);
-  }
+  // When another process made one meanwhile, that one is the file.
+  if (!std::filesystem::exists(path_)) writeWhole(path_, MakeTable);
+  sweepUnfinished(path_);
   // Whether a file that is there may be written is decided before anything is written to it.
   const auto existing = OpenForReading(path_);
   const bool isNew = IsNew(*existing);
   if (!isNew) RequireSettingsFile(*existing);
   auto connection = std::make_unique<SqliteConnection>(path_, SqliteConnection::Mode::readWrite);
-  if (isNew) MakeTable(*connection);
+  if (isNew) {
+    connection->Run("PRAGMA journal_mode = WAL");
+    MakeTable(*connection);
+  }
   connection_ = std::move(connection);
   writable_ = true;
   return *connection_;

@@ -1,7 +1,9 @@
 // Stores in SQLite files: several processes, sudden ends, files that are no stores.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,6 +13,7 @@
 #include <random>
 #include <thread>
 
+#include "adapters/sqlite_user_defaults.h"
 #include "plans_fixture.h"
 
 namespace lumenquest::adapters {
@@ -341,6 +344,59 @@ TEST(SqliteObjectStore, WithoutRoomTheOldStays) {
   EXPECT_FALSE(store->save({{{&entity, Plan(entity, "b", 0.0)}}, {}, {}}).error);
 }
 
+TEST(SqliteObjectStore, SweepsWhatTheDeadLeftAndNothingElse) {
+  const ScratchFolder folder;
+  const auto model = UserModel();
+  const std::string uuid = "0123ABCD-0000-4000-8000-0123456789AB";
+  const auto make = [&](const std::string& name) { std::ofstream(folder / name) << "x"; };
+  for (const std::string name : {"store", "settings"}) {
+    const auto open = [&] {
+      if (name == "store") return !Open(folder / name).error;
+      SqliteUserDefaults settings(folder / name);
+      settings.setBool(true, "key");
+      return settings.synchronize();
+    };
+    ASSERT_TRUE(open());
+    const std::vector<std::string> strays{name + "." + uuid + ".new",
+                                          name + "." + uuid + ".new-journal",
+                                          name + "." + uuid + ".new-wal"};
+    const std::vector<std::string> others{name + ".new", name + "." + uuid,
+                                          name + ".my notes from the mountains in may.new",
+                                          "another." + uuid + ".new"};
+    for (const auto& stray : strays) make(stray);
+    for (const auto& other : others) make(other);
+    // While somebody makes a file there, all of them may be his.
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t maker = Fork([&] {
+      const int held = ::open((folder / "").c_str(), O_RDONLY | O_DIRECTORY);
+      if (::flock(held, LOCK_SH) != 0 || ::write(ready[1], "r", 1) != 1) return 1;
+      return ::pause();
+    });
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    ASSERT_TRUE(open());
+    for (const auto& stray : strays) EXPECT_TRUE(fs::exists(folder / stray)) << stray;
+    ::kill(maker, SIGKILL);
+    EXPECT_EQ(ExitCode(maker), -SIGKILL);
+    ASSERT_FALSE(Open(folder / "store", Role::reader).error);
+    for (const auto& stray : strays) EXPECT_TRUE(fs::exists(folder / stray)) << stray;
+    ASSERT_TRUE(open());
+    for (const auto& stray : strays) EXPECT_FALSE(fs::exists(folder / stray)) << stray;
+    for (const auto& other : others) EXPECT_TRUE(fs::exists(folder / other)) << other;
+  }
+}
+
+/// Other files than the store's own in its folder.
+std::size_t Strays(const fs::path& url) {
+  const std::string own = url.filename().string();
+  return static_cast<std::size_t>(
+      std::count_if(fs::directory_iterator(url.parent_path()), {}, [&](const auto& entry) {
+        const std::string name = entry.path().filename().string();
+        return name != own && name != own + "-wal" && name != own + "-shm";
+      }));
+}
+
 TEST(SqliteObjectStore, AKilledWriterLeavesItWhole) {
   const char* wanted = std::getenv("LUMENQUEST_SOAK");
   const int kills = wanted != nullptr ? std::atoi(wanted) : 50;
@@ -350,13 +406,19 @@ TEST(SqliteObjectStore, AKilledWriterLeavesItWhole) {
   const auto& entity = *model->entityNamed("Planning");
   std::mt19937 random(20240812);
   std::size_t before = 0;
+  std::size_t confirmedInAll = 0;
   for (int kill = 0; kill < kills; ++kill) {
+    // A new store now and then: making it is interrupted as well.
+    if (kill % 10 == 0) {
+      for (const char* companion : {"", "-wal", "-shm"}) fs::remove(url.string() + companion);
+      before = 0;
+    }
     // The child tells through the pipe of each save that was confirmed to it.
     int confirmed[2];
     ASSERT_EQ(::pipe(confirmed), 0);
     const pid_t writer = Fork([&] {
       for (int i = 0;; ++i) {
-        // Opening and making the store are interrupted as well.
+        // And so is opening it.
         const auto store = Open(url, Role::owner, model);
         if (store.error) return 1;
         const std::string name = std::to_string(kill) + "." + std::to_string(i);
@@ -387,8 +449,11 @@ TEST(SqliteObjectStore, AKilledWriterLeavesItWhole) {
     ASSERT_LE(found.value.size(), before + 3 * saves + 3);
     for (const ObjectRecord& record : found.value) ASSERT_EQ(record.toMany[0].size(), 2U);
     before = found.value.size();
+    confirmedInAll += saves;
   }
-  EXPECT_GT(before, 0U);
+  ASSERT_FALSE(Open(url).error);
+  EXPECT_EQ(Strays(url), 0U);
+  EXPECT_GT(confirmedInAll, 0U);
 }
 
 }  // namespace
