@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <random>
 #include <regex>
 #include <set>
 
@@ -211,6 +215,89 @@ TEST(Database, RemovesWhatIsEqualAndNothingElse) {
     }
     EXPECT_EQ(left, c.left);
   }
+}
+
+TEST(Database, RemovesExactlyWhatTheComparisonOfAllPairsFinds) {
+  // The rule as it is meant, on few values, so that equals, near equals and chains of them abound.
+  const auto equal = [](const NSManagedObject& a, const NSManagedObject& b) {
+    const auto near = [&](const char* key) {
+      return a.numberForKey(key) && b.numberForKey(key) &&
+             std::fabs(*a.numberForKey(key) - *b.numberForKey(key)) < 1e-7;
+    };
+    return near("latitude") && near("longitude") && a.dateForKey("date") &&
+           a.dateForKey("date") == b.dateForKey("date") && a.stringForKey("name") &&
+           a.stringForKey("name") == b.stringForKey("name") &&
+           a.membersForKey("images").size() == b.membersForKey("images").size();
+  };
+  std::mt19937 random(7);
+  const auto pick = [&](std::size_t count) { return random() % count; };
+  const AttributeValue dates[] = {NSDate(0.0), NSDate(-0.0), NSDate(1.0), {}};
+  const AttributeValue names[] = {std::string("a"), std::string("a"), std::string(), {}};
+  std::size_t removed = 0;
+  std::size_t kept = 0;
+  for (const double origin : {0.0, -46.0, 179.9999999, 5e6, 1e12}) {
+    for (const double step : {0.9e-8, 2.5e-8, 5e-8, 1e-7}) {
+      const ScratchFolder folder;
+      const PlansServices services(folder / "group");
+      for (int i = 0; i < 150; ++i) {
+        const auto coordinate = [&]() -> AttributeValue {
+          if (pick(40) == 0) return {};
+          return origin + (static_cast<double>(pick(25)) - 12.0) * step;
+        };
+        Add("Planning",
+            {{"latitude", coordinate()},
+             {"longitude", coordinate()},
+             {"date", dates[pick(4)]},
+             {"name", names[pick(4)]}},
+            std::vector<std::string>(pick(2), "x.jpg"));
+      }
+      ASSERT_FALSE(Database::sharedInstance().managedObjectContext()->save());
+      const auto all = All("Planning");
+      const auto duplicates = Database::duplicateObjectsInArray(all, equal);
+      NSManagedObjectContext::Objects expected;
+      std::copy_if(all.begin(), all.end(), std::back_inserter(expected), [&](const auto& plan) {
+        return std::find(duplicates.begin(), duplicates.end(), plan) == duplicates.end();
+      });
+      Database::sharedInstance().removeDuplicatesWithCompletion(
+          [](const auto& error) { EXPECT_FALSE(error); });
+      services.queue->RunAll();
+      EXPECT_EQ(All("Planning"), expected) << origin << ' ' << step;
+      kept += expected.size();
+      removed += all.size() - expected.size();
+    }
+  }
+  EXPECT_GT(removed, 200U);
+  EXPECT_GT(kept, 200U);
+}
+
+TEST(Database, RemovesDuplicatesOfManyPlansInTimeThatGrowsWithTheirNumber) {
+  // All the same; and as many, all in one spot of some centimetres, with few equals among them.
+  constexpr int kPlans = 100000;
+  const ScratchFolder folder;
+  const PlansServices services(folder / "group");
+  const auto context = Database::sharedInstance().managedObjectContext();
+  for (int i = 0; i < kPlans; ++i) {
+    const double step = i % 2 == 0 ? 0.0 : 3e-8 * (i % 317);
+    Add("Planning", {{"latitude", 46.0 + step},
+                     {"longitude", 14.0 + (i % 2 == 0 ? 0.0 : 3e-8 * (i / 317))},
+                     {"date", NSDate(1.0)},
+                     {"name", std::string(i % 2 == 0 ? "same" : "crowd")}});
+  }
+  ASSERT_FALSE(context->save());
+  const auto plans = All("Planning");
+  Database::sharedInstance().removeDuplicatesWithCompletion(
+      [](const auto& error) { EXPECT_FALSE(error); });
+  const auto start = std::chrono::steady_clock::now();
+  services.queue->RunAll();
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  RecordProperty("seconds", std::to_string(seconds.count()));
+  // Every pair, at a few nanoseconds each, would be minutes.
+  EXPECT_LT(seconds.count(), 30.0);
+  const auto left = All("Planning");
+  EXPECT_EQ(left.front(), plans.front());
+  EXPECT_EQ(std::count_if(left.begin(), left.end(),
+                          [](const auto& plan) { return plan->stringForKey("name") == "same"; }),
+            1);
 }
 
 TEST(Database, BringsAStoreFromVersion3To4) {
