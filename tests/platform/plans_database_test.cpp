@@ -407,40 +407,81 @@ TEST(Database, WithoutAStoreFetchesNothingAndSaysWhy) {
   EXPECT_EQ(testing::Contents(folder / "foreign/Lumenquest.sqlite"), text);
 }
 
-TEST(Database, TheStaticStoreIsReadOnly) {
+TEST(Database, TheModelMayBeOfOneVersion) {
   const ScratchFolder folder;
+  const fs::path models = folder / "bundle/models";
+  fs::create_directories(models);
+  const PlansServices services(folder / "");
+  {
+    // Without a model there is no store.
+    Database without;
+    EXPECT_EQ(without.modelURL(), "");
+    EXPECT_EQ(without.managedObjectContext()->persistentStoreCoordinator()->persistentStore(),
+              nullptr);
+  }
+  std::ofstream(models / "Lumenquest.mom")
+      << R"({"model": "Lumenquest", "current": 4, "versions": [{"version": 4, "entities":
+           [{"name": "Planning", "class": "Planning",
+             "attributes": {"uniqueIdentifier": "string", "name": "string"}}]}]})";
+  Database& database = Database::sharedInstance();
+  EXPECT_EQ(database.modelURL().filename(), "Lumenquest.mom");
+  Add("Planning", {{"name", std::string("Bled")}});
+  ASSERT_FALSE(database.managedObjectContext()->save());
+  EXPECT_EQ(Names(All("Planning")), std::vector<std::string>{"Bled"});
+  // One of several versions goes before it.
+  fs::copy_file(fs::path(LUMENQUEST_TEST_RESOURCES) / "models/Lumenquest.momd",
+                models / "Lumenquest.momd");
+  EXPECT_EQ(database.modelURL().filename(), "Lumenquest.momd");
+}
+
+TEST(Database, TheStaticStoreHoldsSensorFormatsToBeReadOnly) {
+  const ScratchFolder folder;
+  const fs::path shipped = fs::path(LUMENQUEST_TEST_RESOURCES) / "models";
+  const auto names = [](const fs::path& in) {
+    std::set<std::string> files;
+    for (const auto& entry : fs::directory_iterator(in)) files.insert(entry.path().filename());
+    return files;
+  };
+  const auto before = names(shipped);
+  const std::string bytes = testing::Contents(shipped / "LumenquestStatic.sqlite");
+  for (const Role role : {Role::owner, Role::reader}) {
+    const PlansServices services(folder / "", role);
+    const auto context = Database::sharedInstance().staticManagedObjectContext();
+    const auto found = context->executeFetchRequest({"SensorFormat", std::nullopt, "sensorWidth"});
+    ASSERT_FALSE(found.error);
+    EXPECT_THAT(services.services.log->messages, ElementsAre());
+    ASSERT_GT(found.value.size(), 10U);
+    std::set<std::string> models;
+    for (const auto& format : found.value) {
+      const double width = format->numberForKey("sensorWidth").value();
+      const double height = format->numberForKey("sensorHeight").value();
+      const std::string model = format->stringForKey("model").value();
+      EXPECT_TRUE(models.insert(model).second) << model;
+      // Formats are wide by a third to a half; pixels are some micrometres wide.
+      EXPECT_NEAR(width / height, 1.43, 0.11) << model;
+      const double pixel =
+          1000.0 * std::sqrt(width * height / (format->numberForKey("megapixels").value() * 1e6));
+      EXPECT_TRUE(pixel > 1.0 && pixel < 8.0) << model << ' ' << pixel;
+      if (model == "Full frame") {
+        EXPECT_EQ(width, 36.0);
+        EXPECT_EQ(height, 24.0);
+      }
+    }
+    EXPECT_TRUE(models.contains("Full frame"));
+    context->deleteObject(found.value[0]);
+    EXPECT_TRUE(context->save());
+  }
+  EXPECT_EQ(testing::Contents(shipped / "LumenquestStatic.sqlite"), bytes);
+  EXPECT_EQ(names(shipped), before) << "reading leaves no file";
+
+  fs::create_directories(folder / "bundle");
   const PlansServices services(folder / "");
   const auto observer = std::make_shared<Observer>();
-  {
-    Database without;
-    without.setDelegate(observer);
-    EXPECT_TRUE(without.staticManagedObjectContext());
-    EXPECT_THAT(observer->told,
-                ElementsAre("<static_persistent_store_unresolved_error_title>"
-                            "<static_persistent_store_unresolved_error_message_ios>"));
-  }
-  fs::create_directories(folder / "bundle");
-  std::ofstream(folder / "bundle/LumenquestStatic.momd")
-      << R"({"model": "LumenquestStatic", "current": 1, "versions": [{"version": 1, "entities":
-           [{"name": "Sensor", "attributes": {"name": "string", "width": "number"}}]}]})";
-  Database& database = Database::sharedInstance();
-  const fs::path url = folder / "bundle/LumenquestStatic.sqlite";
-  {
-    const auto coordinator =
-        std::make_shared<NSPersistentStoreCoordinator>(database.staticManagedObjectModel());
-    ASSERT_FALSE(coordinator->addPersistentStore(url, {}));
-    NSManagedObjectContext writer(coordinator);
-    writer.insertNewObjectForEntityForName("Sensor")->setValue(std::int64_t{36}, "width");
-    ASSERT_FALSE(writer.save());
-  }
-  const std::string before = testing::Contents(url);
-  const auto context = database.staticManagedObjectContext();
-  const auto found = context->executeFetchRequest({"Sensor"});
-  ASSERT_EQ(found.value.size(), 1U);
-  EXPECT_EQ(found.value[0]->numberForKey("width"), 36.0);
-  context->deleteObject(found.value[0]);
-  EXPECT_TRUE(context->save());
-  EXPECT_EQ(testing::Contents(url), before);
+  Database::sharedInstance().setDelegate(observer);
+  EXPECT_TRUE(Database::sharedInstance().staticManagedObjectContext());
+  EXPECT_THAT(observer->told,
+              ElementsAre("<static_persistent_store_unresolved_error_title>"
+                          "<static_persistent_store_unresolved_error_message_ios>"));
 }
 
 }  // namespace

@@ -3,21 +3,19 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "gazetteer_schema.h"
 #include "search_key.h"
 #include "sqlite_connection.h"
+#include "tab_table.h"
 
 namespace lumenquest::adapters {
 namespace {
@@ -35,56 +33,22 @@ struct Place {
   std::string zone;
 };
 
-std::vector<std::string> Split(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  std::istringstream stream(text);
-  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
-  return parts;
-}
-
-template <typename Number>
-Number Parsed(const std::string& text) {
-  Number number{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    throw std::runtime_error("\"" + text + "\" is no number");
-  }
-  return number;
-}
-
-Place Read(const std::string& line) {
-  const std::vector<std::string> fields = Split(line, '\t');
+Place Read(const std::vector<std::string>& fields) {
   if (fields.size() != 10) throw std::runtime_error("expected 10 fields");
   Place place{fields[0],
-              Split(fields[1], ';'),
-              Parsed<double>(fields[2]),
-              Parsed<double>(fields[3]),
+              split(fields[1], ';'),
+              parsed<double>(fields[2]),
+              parsed<double>(fields[3]),
               fields[4],
               fields[5],
               fields[6],
               fields[7],
-              Parsed<std::int64_t>(fields[8]),
+              parsed<std::int64_t>(fields[8]),
               fields[9]};
   if (place.name.empty() || place.country.size() != 2 || place.zone.empty()) {
     throw std::runtime_error("expected a name, a country code and a time zone");
   }
   return place;
-}
-
-std::vector<Place> ReadTable(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) throw std::runtime_error("cannot read it");
-  std::vector<Place> places;
-  std::size_t number = 0;
-  for (std::string line; std::getline(file, line);) {
-    ++number;
-    try {
-      places.push_back(Read(line));
-    } catch (const std::runtime_error& error) {
-      throw std::runtime_error("line " + std::to_string(number) + ": " + error.what());
-    }
-  }
-  return places;
 }
 
 /// Postal abbreviations where GeoNames' codes are others.
@@ -215,7 +179,9 @@ int main(int argc, char** argv) {
   const std::string unfinished = file + ".new";
   try {
     std::filesystem::remove(unfinished);
-    Write(ReadTable(table), unfinished);
+    std::vector<Place> places;
+    readTable(table, [&](const auto& fields) { places.push_back(Read(fields)); });
+    Write(std::move(places), unfinished);
     std::filesystem::rename(unfinished, file);
   } catch (const std::exception& error) {
     std::cerr << "build_gazetteer: " << table << ": " << error.what() << "\n";
