@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "file_errors.h"
 #include "platform/assertion.h"
 #include "sqlite_connection.h"
 #include "whole_file.h"
@@ -44,32 +45,17 @@ constexpr std::int64_t kFormat = 1;
 
 enum ErrorCode { kMissing = 1, kForeign, kVersion, kConflict, kExists, kFiles, kReadOnly };
 
-/// A failure that is not SQLite's own, in words for people.
+/// A failure that is not SQLite's own; an NSError's key and arguments.
 struct StoreFailure : std::runtime_error {
-  StoreFailure(ErrorCode errorCode, const std::string& text)
-      : std::runtime_error(text), code(errorCode) {}
+  StoreFailure(ErrorCode errorCode, const char* sentence, std::vector<std::string> values)
+      : std::runtime_error(sentence),
+        code(errorCode),
+        key(sentence),
+        arguments(std::move(values)) {}
   ErrorCode code;
+  std::string key;
+  std::vector<std::string> arguments;
 };
-
-std::string Cause(const SqliteFailure& failure) {
-  switch (failure.code & 0xFF) {
-    case SQLITE_NOTADB:
-    case SQLITE_CORRUPT:
-    case SQLITE_MISMATCH:
-      return "is damaged and was left as it is; put a good copy in its place";
-    case SQLITE_FULL:
-      return "cannot be written: the disk is full";
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      return "is being written by another process; try again";
-    case SQLITE_READONLY:
-      return "cannot be written: it or its folder is read-only";
-    case SQLITE_CANTOPEN:
-      return "cannot be opened: its folder has to be writable";
-    default:
-      return "cannot be used";
-  }
-}
 
 /// Runs `work`; what it throws becomes the error.
 template <typename Value>
@@ -77,19 +63,12 @@ Outcome<Value> Guard(const fs::path& url, const std::function<Value()>& work) {
   try {
     return work();
   } catch (const SqliteFailure& failure) {
-    return NSError{
-        "SQLite",
-        failure.code,
-        "The store \"" + url.string() + "\" " + Cause(failure) + " (" + failure.what() + ").",
-        {{"path", url.string()}}};
+    return fileError(failure, url);
   } catch (const StoreFailure& failure) {
-    return NSError{"Store", failure.code, failure.what(), {{"path", url.string()}}};
+    return NSError{"Store",           failure.code, failure.key,
+                   failure.arguments, {},           {{"path", url.string()}}};
   } catch (const fs::filesystem_error& failure) {
-    return NSError{
-        "Store",
-        kFiles,
-        "The store \"" + url.string() + "\" cannot be reached: " + failure.code().message() + ".",
-        {{"path", url.string()}}};
+    return fileError(failure, url);
   }
 }
 
@@ -211,9 +190,8 @@ StoreMetadata ReadMetadata(const SqliteConnection& connection, const fs::path& u
     if (key == "modelVersion") metadata.modelVersion = static_cast<int>(statement.Integer(1));
   }
   if (format != kFormat || metadata.storeIdentifier.empty()) {
-    throw StoreFailure(kVersion, "The store \"" + url.string() + "\" has format " +
-                                     std::to_string(format) + "; this version reads format " +
-                                     std::to_string(kFormat) + ".");
+    throw StoreFailure(kVersion, "store_error_format",
+                       {url.string(), std::to_string(format), std::to_string(kFormat)});
   }
   return metadata;
 }
@@ -229,9 +207,7 @@ void CheckFile(const fs::path& url) {
   std::array<char, kHeaderSize> header{};
   std::ifstream file(url, std::ios::binary);
   if (!fs::is_regular_file(url) || !file) {
-    throw StoreFailure(kFiles, "\"" + url.string() +
-                                   "\" cannot be read; a store is a file that "
-                                   "its user may read.");
+    throw StoreFailure(kFiles, "store_error_not_readable", {url.string()});
   }
   file.read(header.data(), header.size());
   std::int64_t applicationId = 0;
@@ -241,9 +217,7 @@ void CheckFile(const fs::path& url) {
   }
   if (file.gcount() != kHeaderSize || std::memcmp(header.data(), kMagic, sizeof kMagic) != 0 ||
       applicationId != kApplicationId) {
-    throw StoreFailure(kForeign, "\"" + url.string() +
-                                     "\" is not a store of plans, or is damaged; it was left as it "
-                                     "is. Move it away or put a good copy in its place.");
+    throw StoreFailure(kForeign, "file_error_damaged", {url.string()});
   }
 }
 
@@ -321,9 +295,7 @@ void MigrateTables(SqliteConnection& connection, const NSManagedObjectModel& tar
         if (!index) {
           connection.Run("ALTER TABLE " + Quoted(entity.name) + " DROP COLUMN " + Quoted(column));
         } else if (type != ColumnType(entity.attributes[*index].type)) {
-          throw StoreFailure(kVersion, "\"" + column + "\" of " + entity.name +
-                                           " has another type in the new model; such a change "
-                                           "cannot be inferred, and nothing was changed.");
+          throw StoreFailure(kVersion, "store_error_type_changed", {column, entity.name});
         }
       }
       for (const auto& attribute : entity.attributes) {
@@ -341,9 +313,11 @@ void MigrateTables(SqliteConnection& connection, const NSManagedObjectModel& tar
   }
 }
 
-[[noreturn]] void ThrowVersion(const fs::path& url, int stored, const std::string& advice) {
-  throw StoreFailure(kVersion, "The store \"" + url.string() + "\" has version " +
-                                   std::to_string(stored) + " of its model; " + advice);
+/// `key`'s sentence names the file, its version and the model's.
+[[noreturn]] void ThrowVersion(const char* key, const fs::path& url, int stored,
+                               const NSManagedObjectModel& model) {
+  throw StoreFailure(kVersion, key,
+                     {url.string(), std::to_string(stored), std::to_string(model.version)});
 }
 
 void Migrate(SqliteConnection& connection, const fs::path& url, const NSManagedObjectModel& model) {
@@ -352,11 +326,7 @@ void Migrate(SqliteConnection& connection, const fs::path& url, const NSManagedO
   const int version = ReadMetadata(connection, url).modelVersion;
   if (version == model.version) return;
   if (version > model.version || model.earlierVersion(version) == nullptr) {
-    ThrowVersion(url, version,
-                 "this program knows none so " +
-                     std::string(version > model.version ? "new" : "old") + " (its own is " +
-                     std::to_string(model.version) +
-                     "). Nothing was changed; use the program that wrote it.");
+    ThrowVersion("store_error_unknown_version", url, version, model);
   }
   {
     SqliteStatement check(connection, "PRAGMA quick_check(1)");
@@ -411,8 +381,7 @@ class SqliteObjectStore final : public ObjectStore {
       if (code != SQLITE_DONE) throw SqliteFailure(code, sqlite3_errstr(code));
     });
     if (!written) {
-      throw StoreFailure(kExists, "There is a file \"" + target.string() +
-                                      "\" already; it was left as it is. Move it away first.");
+      throw StoreFailure(kExists, "store_error_exists", {target.string()});
     }
   }
 
@@ -497,16 +466,13 @@ class SqliteObjectStore final : public ObjectStore {
 
   std::vector<std::int64_t> Save(const SaveRequest& request) {
     if (connection_ == nullptr || readOnly_) {
-      throw StoreFailure(kReadOnly,
-                         "The store \"" + url_.string() + "\" is open for reading only.");
+      throw StoreFailure(kReadOnly, "store_error_read_only", {url_.string()});
     }
     statements_.clear();  // of a save that failed
     SqliteTransaction transaction(*connection_, true);
     const int version = ReadMetadata(*connection_, url_).modelVersion;
     if (version != model_->version) {
-      ThrowVersion(url_, version,
-                   "another program has brought it there. Nothing was saved; start "
-                   "again.");
+      ThrowVersion("store_error_migrated", url_, version, *model_);
     }
     std::vector<std::int64_t> keys;
     keys.reserve(request.inserted.size());
@@ -588,9 +554,7 @@ class SqliteObjectStore final : public ObjectStore {
   }
 
   [[noreturn]] static void ThrowConflict(const NSEntityDescription& entity) {
-    throw StoreFailure(kConflict, "An object of " + entity.name +
-                                      " was changed by another process meanwhile; nothing was "
-                                      "saved. Fetch it again and repeat the change.");
+    throw StoreFailure(kConflict, "store_error_conflict", {entity.name});
   }
 
   fs::path url_;
@@ -613,12 +577,10 @@ Outcome<std::shared_ptr<ObjectStore>> SqliteObjectStores::open(
     const StoreOptions& options) {
   return Guard<std::shared_ptr<ObjectStore>>(url, [&]() -> std::shared_ptr<ObjectStore> {
     if (url.empty()) {
-      throw StoreFailure(kMissing,
-                         "There is no place for the store: set HOME or XDG_DATA_HOME, or "
-                         "install the program's resources again.");
+      throw StoreFailure(kMissing, "store_error_no_place", {});
     }
     if (model == nullptr || model->entities.empty()) {
-      throw StoreFailure(kVersion, "The store's model is missing; install the program again.");
+      throw StoreFailure(kVersion, "store_error_no_model", {});
     }
     const bool readOnly = role_ == Role::reader || options.isReadOnly;
     std::unique_ptr<SqliteConnection> connection;
@@ -626,7 +588,7 @@ Outcome<std::shared_ptr<ObjectStore>> SqliteObjectStores::open(
       if (!readOnly && options.createsIfMissing) {
         CreateStore(url, *model, uuids_->UUIDString());
       } else if (role_ != Role::reader) {
-        throw StoreFailure(kMissing, "There is no store at \"" + url.string() + "\".");
+        throw StoreFailure(kMissing, "store_error_missing", {url.string()});
       } else {
         return std::make_shared<SqliteObjectStore>(url, model, readOnly, nullptr);
       }
@@ -635,15 +597,12 @@ Outcome<std::shared_ptr<ObjectStore>> SqliteObjectStores::open(
     connection = Connect(url, readOnly);
     const StoreMetadata metadata = ReadMetadata(*connection, url);
     if (metadata.modelName != model->name) {
-      throw StoreFailure(kForeign, "The store \"" + url.string() + "\" follows the model \"" +
-                                       metadata.modelName + "\"; expected \"" + model->name +
-                                       "\".");
+      throw StoreFailure(kForeign, "store_error_other_model",
+                         {url.string(), metadata.modelName, model->name});
     }
     if (metadata.modelVersion != model->version && !readOnly) {
       if (!options.migratesAutomatically || !options.infersMappingModel) {
-        ThrowVersion(url, metadata.modelVersion,
-                     "it was to be opened with " + std::to_string(model->version) +
-                         " and without being brought there.");
+        ThrowVersion("store_error_not_migrated", url, metadata.modelVersion, *model);
       }
       Migrate(*connection, url, *model);
     }
@@ -654,7 +613,7 @@ Outcome<std::shared_ptr<ObjectStore>> SqliteObjectStores::open(
 Outcome<StoreMetadata> SqliteObjectStores::metadata(const fs::path& url) {
   return Guard<StoreMetadata>(url, [&] {
     if (url.empty() || !fs::exists(url)) {
-      throw StoreFailure(kMissing, "There is no store at \"" + url.string() + "\".");
+      throw StoreFailure(kMissing, "store_error_missing", {url.string()});
     }
     return ReadMetadata(*Connect(url, true), url);
   });
@@ -666,7 +625,8 @@ std::optional<NSError> SqliteObjectStores::migrate(ObjectStore& store, const fs:
                        auto* source = dynamic_cast<SqliteObjectStore*>(&store);
                        LUMENQUEST_ASSERT(source != nullptr);
                        if (role_ == Role::reader) {
-                         throw StoreFailure(kReadOnly, "Stores are moved by the application only.");
+                         throw StoreFailure(kReadOnly, "store_error_read_only",
+                                            {store.url().string()});
                        }
                        source->CopyTo(toURL);
                        return true;

@@ -6,6 +6,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "file_errors.h"
 #include "sqlite_connection.h"
 #include "whole_file.h"
 
@@ -21,7 +22,7 @@ enum Kind : std::int64_t { kBool = 0, kInteger = 1, kDouble = 2, kString = 3 };
 
 void RequireSettingsFile(SqliteConnection& connection) {
   if (connection.QueryInteger("PRAGMA application_id") != kApplicationId) {
-    throw SqliteFailure(SQLITE_NOTADB, "the file holds something else than settings");
+    throw SqliteFailure(SQLITE_NOTADB, "it holds something else than settings");
   }
 }
 
@@ -96,8 +97,8 @@ SqliteConnection* SqliteUserDefaults::Reading() const {
     RequireSettingsFile(*connection);
     connection_ = std::move(connection);
     error_.reset();
-  } catch (const SqliteFailure& error) {
-    error_ = error.what();
+  } catch (const SqliteFailure& failure) {
+    error_ = fileError(failure, path_);
   }
   return connection_.get();
 }
@@ -131,8 +132,8 @@ std::optional<platform::NSUserDefaults::Value> SqliteUserDefaults::objectForKey(
     statement.Bind(1, key);
     if (!statement.Step()) return std::nullopt;
     return ReadValue(statement, 0);
-  } catch (const SqliteFailure& error) {
-    error_ = error.what();
+  } catch (const SqliteFailure& failure) {
+    error_ = fileError(failure, path_);
     return std::nullopt;
   }
 }
@@ -149,9 +150,11 @@ void SqliteUserDefaults::setObject(const std::optional<Value>& value, const std:
     statement.Bind(1, forKey);
     if (value) BindValue(statement, *value);
     statement.Execute();
-  } catch (const std::exception& error) {
-    // Of SQLite or of the file system.
-    error_ = error.what();
+  } catch (const SqliteFailure& failure) {
+    error_ = fileError(failure, path_);
+    writeFailed_ = true;
+  } catch (const std::filesystem::filesystem_error& failure) {
+    error_ = fileError(failure, path_);
     writeFailed_ = true;
   }
 }
@@ -164,8 +167,8 @@ platform::NSUserDefaults::Dictionary SqliteUserDefaults::dictionaryRepresentatio
   try {
     SqliteStatement statement(*connection, "SELECT key, kind, value FROM setting");
     while (statement.Step()) values[statement.Text(0)] = ReadValue(statement, 1);
-  } catch (const SqliteFailure& error) {
-    error_ = error.what();
+  } catch (const SqliteFailure& failure) {
+    error_ = fileError(failure, path_);
   }
   return values;
 }
@@ -176,7 +179,7 @@ bool SqliteUserDefaults::synchronize() {
   return !std::exchange(writeFailed_, false);
 }
 
-std::optional<std::string> SqliteUserDefaults::error() const {
+std::optional<platform::NSError> SqliteUserDefaults::error() const {
   const std::lock_guard lock(mutex_);
   return error_;
 }

@@ -118,7 +118,7 @@ void Database::Report(const NSError& error, const std::string& messageKey,
   Services::current().log().write(stringWithFormat(
       "Unresolved error %@, %@", {error.description(), error.userInfoDescription()}));
   const std::string message =
-      stringWithFormat(localizedString(messageKey, kTableCommon), {error.localizedDescription});
+      stringWithFormat(localizedString(messageKey, kTableCommon), {error.localizedDescription()});
   if (const auto observer = delegate()) {
     observer->databasePersistentStoreCoordinatorDidGetError(
         message, localizedString(titleKey, kTableCommon));

@@ -3,6 +3,7 @@
 #include "adapters/sqlite_user_defaults.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sqlite3.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -197,6 +198,9 @@ TEST(SqliteUserDefaults, SurvivesAKillAtAnyMoment) {
       }
     });
     close(channel[1]);
+    // Every other time only when something is written, however slow the disk.
+    pollfd written{channel[0], POLLIN, 0};
+    if (i % 2 == 1) poll(&written, 1, 10000);
     std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 20000));
     kill(child, SIGKILL);
     Wait(child);

@@ -115,7 +115,7 @@ TEST(Context, ShowsItsChangesBeforeTheyAreSaved) {
   Add("Planning", {{"latitude", std::nan("")}});
   const auto error = context->save();
   ASSERT_TRUE(error);
-  EXPECT_THAT(error->localizedDescription, HasSubstr("latitude"));
+  EXPECT_THAT(error->description(), HasSubstr("latitude"));
   EXPECT_TRUE(context->hasChanges());
 }
 
