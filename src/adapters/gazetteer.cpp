@@ -7,7 +7,6 @@
 #include <mutex>
 #include <set>
 #include <span>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
@@ -353,12 +352,8 @@ auto Gazetteer::Guard(const Work& work) const {
   try {
     return work();
   } catch (const SqliteFailure& failure) {
-    const int code = failure.code & 0xFF;
-    const char* what = code == SQLITE_CANTOPEN ? "cannot be opened"
-                       : code == SQLITE_NOTADB || code == SQLITE_CORRUPT || code == SQLITE_ERROR
-                           ? "is damaged or is no gazetteer"
-                           : "cannot be read";
-    throw std::runtime_error("gazetteer " + path_ + ": " + what + " (" + failure.what() + ")");
+    throw GazetteerError(
+        {"SQLite", failure.code, "gazetteer_error_unusable", {path_}, failure.what()});
   }
 }
 

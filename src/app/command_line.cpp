@@ -10,6 +10,7 @@
 #include <system_error>
 
 #include "adapters/clocks.h"
+#include "adapters/gazetteer.h"
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "app/option_values.h"
@@ -236,6 +237,8 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     return fail(kExitUsage, line.Describe(error, arguments));
   } catch (const UsageError& error) {
     return fail(kExitUsage, error.what());
+  } catch (const adapters::GazetteerError& failure) {
+    return fail(kExitFailure, adapters::printableText(failure.error.localizedDescription(), 400));
   } catch (const std::exception& error) {
     return fail(kExitFailure, adapters::printableText(error.what(), 400));
   }

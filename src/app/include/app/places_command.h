@@ -15,8 +15,8 @@ struct PlacesOptions {
   OptionText format;
 };
 
-// Each returns the output and throws UsageError for wrong use, std::runtime_error when the
-// gazetteer cannot be read.
+// Each returns the output and throws UsageError for wrong use, adapters::GazetteerError when
+// the gazetteer cannot be read.
 
 std::string searchPlaces(const PlacesOptions& options);
 std::string placesAt(const PlacesOptions& options);
