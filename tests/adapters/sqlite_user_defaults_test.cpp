@@ -201,7 +201,9 @@ TEST(SqliteUserDefaults, SurvivesAKillAtAnyMoment) {
     // Every other time only when something is written, however slow the disk.
     pollfd written{channel[0], POLLIN, 0};
     if (i % 2 == 1) poll(&written, 1, 10000);
-    std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 20000));
+    // Making the file takes a millisecond or two.
+    const auto delay = i % 10 == 0 ? random() % 3000 : 500 + random() % 20000;
+    std::this_thread::sleep_for(std::chrono::microseconds(delay));
     kill(child, SIGKILL);
     Wait(child);
     for (std::int64_t n = 0; read(channel[0], &n, sizeof n) == sizeof n;) acknowledged = n;
