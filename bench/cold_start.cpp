@@ -70,7 +70,8 @@ int main(int argc, char** argv) {
     peak.push_back(run.peakMib);
   }
   const double worstPeak = *std::max_element(peak.begin(), peak.end());
-  std::printf("cold start, median of %d: %.1f ms (an empty program: %.1f ms)\n", kRuns,
+  for (char** word = argv + 4; *word != nullptr; ++word) std::printf("%s ", *word);
+  std::printf("\ncold start, median of %d: %.1f ms (an empty program: %.1f ms)\n", kRuns,
               Median(wall), Median(emptyWall));
   std::printf("peak memory: %.1f MiB, at most %.0f: %s\n", worstPeak, limit,
               worstPeak < limit ? "ok" : "OVER");

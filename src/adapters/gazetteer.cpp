@@ -7,14 +7,13 @@
 #include <mutex>
 #include <set>
 #include <span>
-#include <stdexcept>
 #include <string_view>
 #include <utility>
 
 #include "country_names.h"
 #include "gazetteer_schema.h"
 #include "search_key.h"
-#include "sqlite_handle.h"
+#include "sqlite_connection.h"
 
 namespace lumenquest::adapters {
 
@@ -77,24 +76,6 @@ std::vector<Box> BoxesAround(CLLocationCoordinate2D center, double distance) {
   return {{south, north, west, east}};
 }
 
-/// A path as SQLite's file URI wants it.
-std::string FileUri(const std::string& path) {
-  constexpr std::string_view kHexDigits = "0123456789ABCDEF";
-  std::string uri = "file:";
-  for (const char c : path) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '%' || c == '?' || c == '#' || byte < 0x20) {
-      uri += '%';
-      uri += kHexDigits[byte >> 4U];
-      uri += kHexDigits[byte & 15U];
-    } else {
-      uri += c;
-    }
-  }
-  // Nobody writes the file while it is in use, so no locks and no journal are looked for.
-  return uri + "?immutable=1";
-}
-
 /// Which part of the names the words have to be.
 enum class Match { kBeginning, kPhrase, kAnyOrder };
 
@@ -132,31 +113,25 @@ struct Reading {
 class Gazetteer::Implementation {
  public:
   Implementation(const std::string& path, std::string locale)
-      : path_(path), locale_(std::move(locale)) {
-    sqlite3* database = nullptr;
-    const int code =
-        sqlite3_open_v2(FileUri(path).c_str(), &database,
-                        SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
-    database_.reset(database);
-    if (code != SQLITE_OK) Fail("cannot be opened", code);
-    if (Pragma("PRAGMA application_id") != kGazetteerApplicationId) Fail("is no gazetteer", 0);
-    if (Pragma("PRAGMA user_version") != kGazetteerVersion) {
-      Fail("is a gazetteer of another version; build the resources anew", 0);
-    }
-    box_ = Prepare(
-        "SELECT place.id, latitude, longitude FROM place_box JOIN place USING (id) "
-        "WHERE north >= ?1 AND south <= ?2 AND east >= ?3 AND west <= ?4");
-    place_ = Prepare(
-        "SELECT place.name, latitude, longitude, place.country, ifnull(admin1, 0), "
-        "ifnull(admin1.name, ''), admin2_name, zone.name FROM place "
-        "LEFT JOIN admin1 ON admin1.id = admin1 JOIN zone ON zone.id = zone WHERE place.id = ?");
-    exact_ = Prepare("SELECT place FROM name_key WHERE key = ? ORDER BY place");
-    search_ =
-        Prepare("SELECT rowid FROM place_search WHERE place_search MATCH ? ORDER BY rowid LIMIT ?");
-    areas_ = Prepare(
-        "SELECT admin1.id, country FROM admin1_key JOIN admin1 ON admin1.id = admin1 "
-        "WHERE admin1_key.key >= ?1 AND admin1_key.key < ?2");
-  }
+      : locale_(std::move(locale)),
+        database_(OpenFile(path)),
+        box_(database_,
+             "SELECT place.id, latitude, longitude FROM place_box JOIN place USING (id) "
+             "WHERE north >= ?1 AND south <= ?2 AND east >= ?3 AND west <= ?4",
+             kKept),
+        place_(database_,
+               "SELECT place.name, latitude, longitude, place.country, ifnull(admin1, 0), "
+               "ifnull(admin1.name, ''), admin2_name, zone.name FROM place LEFT JOIN admin1 ON "
+               "admin1.id = admin1 JOIN zone ON zone.id = zone WHERE place.id = ?",
+               kKept),
+        exact_(database_, "SELECT place FROM name_key WHERE key = ? ORDER BY place", kKept),
+        search_(database_,
+                "SELECT rowid FROM place_search WHERE place_search MATCH ? ORDER BY rowid LIMIT ?",
+                kKept),
+        areas_(database_,
+               "SELECT admin1.id, country FROM admin1_key JOIN admin1 ON admin1.id = admin1 "
+               "WHERE admin1_key.key >= ?1 AND admin1_key.key < ?2",
+               kKept) {}
 
   std::vector<CLPlacemark> Reverse(const CLLocation& location) {
     const std::scoped_lock lock(mutex_);
@@ -213,74 +188,29 @@ class Gazetteer::Implementation {
   }
 
  private:
-  [[noreturn]] void Fail(const std::string& what, int code) const {
-    std::string message = "gazetteer " + path_ + ": " + what;
-    if (code != 0) message += std::string(" (") + sqlite3_errstr(code) + ")";
-    throw std::runtime_error(message);
+  static constexpr auto kKept = SqliteStatement::Life::persistent;
+
+  static SqliteConnection OpenFile(const std::string& path) {
+    // Nobody writes the file while it is in use, so no locks and no journal are looked for.
+    SqliteConnection connection(path, SqliteConnection::Mode::immutable);
+    if (connection.QueryInteger("PRAGMA application_id") != kGazetteerApplicationId) {
+      throw SqliteFailure(SQLITE_NOTADB, "it holds something else");
+    }
+    if (connection.QueryInteger("PRAGMA user_version") != kGazetteerVersion) {
+      throw SqliteFailure(SQLITE_NOTADB, "of another version; build the resources anew");
+    }
+    return connection;
   }
 
-  StatementHandle Prepare(const char* sql) const {
-    sqlite3_stmt* statement = nullptr;
-    const int code = sqlite3_prepare_v3(database_.get(), sql, -1, SQLITE_PREPARE_PERSISTENT,
-                                        &statement, nullptr);
-    StatementHandle owner(statement);
-    if (code != SQLITE_OK) Fail("is damaged or is no gazetteer", code);
-    return owner;
-  }
-
-  int Pragma(const char* sql) const {
-    const StatementHandle statement = Prepare(sql);
-    return Step(statement) ? sqlite3_column_int(statement.get(), 0) : 0;
-  }
-
-  /// Whether there is a row.
-  bool Step(const StatementHandle& statement) const {
-    const int code = sqlite3_step(statement.get());
-    if (code == SQLITE_ROW) return true;
-    sqlite3_reset(statement.get());
-    if (code != SQLITE_DONE) Fail("cannot be read", code);
-    return false;
-  }
-
-  /// Makes the statement ready for a run with these values.
-  template <typename... Values>
-  void Start(const StatementHandle& statement, const Values&... values) const {
-    sqlite3_reset(statement.get());
-    int index = 0;
-    (Bind(statement.get(), ++index, values), ...);
-  }
-
-  void Bind(sqlite3_stmt* statement, int index, const std::string& text) const {
-    CheckBound(sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()),
-                                 SQLITE_TRANSIENT));
-  }
-  void Bind(sqlite3_stmt* statement, int index, double number) const {
-    CheckBound(sqlite3_bind_double(statement, index, number));
-  }
-  void Bind(sqlite3_stmt* statement, int index, std::int64_t number) const {
-    CheckBound(sqlite3_bind_int64(statement, index, number));
-  }
-  void CheckBound(int code) const {
-    if (code != SQLITE_OK) Fail("cannot be asked", code);
-  }
-
-  static std::string Text(const StatementHandle& statement, int column) {
-    const unsigned char* text = sqlite3_column_text(statement.get(), column);
-    const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement.get(), column));
-    return text == nullptr ? std::string() : std::string(text, text + size);
-  }
-
-  std::optional<std::int64_t> Nearest(CLLocationCoordinate2D coordinate, double reach) const {
+  std::optional<std::int64_t> Nearest(CLLocationCoordinate2D coordinate, double reach) {
     if (!coordinate.isValid()) return std::nullopt;
     std::optional<std::int64_t> nearest;
     double least = reach;
     for (const Box& box : BoxesAround(coordinate, reach)) {
-      Start(box_, box.south, box.north, box.west, box.east);
-      while (Step(box_)) {
-        const double distance = GreatCircleDistance(
-            coordinate,
-            {sqlite3_column_double(box_.get(), 1), sqlite3_column_double(box_.get(), 2)});
-        const std::int64_t id = sqlite3_column_int64(box_.get(), 0);
+      box_.Start(box.south, box.north, box.west, box.east);
+      while (box_.Step()) {
+        const double distance = GreatCircleDistance(coordinate, {box_.Number(1), box_.Number(2)});
+        const std::int64_t id = box_.Integer(0);
         // Of two at the same spot, the one with more people, whatever order they come in.
         if (distance < least || (distance == least && (!nearest || id < *nearest))) {
           least = distance;
@@ -291,19 +221,18 @@ class Gazetteer::Implementation {
     return nearest;
   }
 
-  Place ReadPlace(std::int64_t id) const {
-    Start(place_, id);
-    if (!Step(place_)) Fail("is damaged: an index names a place that is not there", 0);
-    Place place{id,
-                Text(place_, 0),
-                {sqlite3_column_double(place_.get(), 1), sqlite3_column_double(place_.get(), 2)},
-                Text(place_, 3),
-                sqlite3_column_int64(place_.get(), 4),
-                Text(place_, 5),
-                Text(place_, 6),
-                Text(place_, 7)};
-    sqlite3_reset(place_.get());
-    return place;
+  Place ReadPlace(std::int64_t id) {
+    if (!place_.Start(id).Step()) {
+      throw SqliteFailure(SQLITE_CORRUPT, "an index names a place that is not there");
+    }
+    return {id,
+            place_.Text(0),
+            {place_.Number(1), place_.Number(2)},
+            place_.Text(3),
+            place_.Integer(4),
+            place_.Text(5),
+            place_.Text(6),
+            place_.Text(7)};
   }
 
   CLPlacemark Placemark(const Place& place) const {
@@ -327,14 +256,14 @@ class Gazetteer::Implementation {
   /// Adds the administrative areas whose key is, or begins with, `key`; those of some countries
   /// alone unless `within` is empty.
   void AddAreas(const std::string& key, bool isPrefix, const std::vector<std::string>& within,
-                Region& region) const {
+                Region& region) {
     // Keys are UTF-8, where no byte is 0xFF; the smallest text after "key" is "key" and a NUL.
     const std::string end = isPrefix ? key + '\xFF' : key + '\0';
-    Start(areas_, key, end);
-    while (Step(areas_)) {
+    areas_.Start(key, end);
+    while (areas_.Step()) {
       if (within.empty() ||
-          std::find(within.begin(), within.end(), Text(areas_, 1)) != within.end()) {
-        region.areas.insert(sqlite3_column_int64(areas_.get(), 0));
+          std::find(within.begin(), within.end(), areas_.Text(1)) != within.end()) {
+        region.areas.insert(areas_.Integer(0));
       }
     }
   }
@@ -361,7 +290,7 @@ class Gazetteer::Implementation {
     return region;
   }
 
-  void Add(std::int64_t id, const Region& region, std::vector<Place>& found) const {
+  void Add(std::int64_t id, const Region& region, std::vector<Place>& found) {
     const bool isNew = std::none_of(found.begin(), found.end(),
                                     [id](const Place& place) { return place.id == id; });
     if (!isNew) return;
@@ -369,15 +298,14 @@ class Gazetteer::Implementation {
     if (region.holds(place)) found.push_back(std::move(place));
   }
 
-  void FindExact(const Reading& reading, std::vector<Place>& found) const {
-    Start(exact_, joinedWords(reading.name));
-    while (found.size() < kMostResults && Step(exact_)) {
-      Add(sqlite3_column_int64(exact_.get(), 0), reading.region, found);
+  void FindExact(const Reading& reading, std::vector<Place>& found) {
+    exact_.Start(joinedWords(reading.name));
+    while (found.size() < kMostResults && exact_.Step()) {
+      Add(exact_.Integer(0), reading.region, found);
     }
-    sqlite3_reset(exact_.get());
   }
 
-  void FindWords(const Reading& reading, Match match, std::vector<Place>& found) const {
+  void FindWords(const Reading& reading, Match match, std::vector<Place>& found) {
     if (found.size() >= kMostResults) return;
     if (match == Match::kAnyOrder && reading.name.size() < 2) return;
     // Words hold letters and digits only; quoted, none of them is an operator.
@@ -395,11 +323,10 @@ class Gazetteer::Implementation {
       query += " AND region : (\"" + JoinedBy(marks, "\" OR \"") + "\")";
     }
     // Those that were found already may come again.
-    Start(search_, query, static_cast<std::int64_t>(kMostResults + found.size()));
-    while (found.size() < kMostResults && Step(search_)) {
-      Add(sqlite3_column_int64(search_.get(), 0), reading.region, found);
+    search_.Start(query, static_cast<std::int64_t>(kMostResults + found.size()));
+    while (found.size() < kMostResults && search_.Step()) {
+      Add(search_.Integer(0), reading.region, found);
     }
-    sqlite3_reset(search_.get());
   }
 
   static std::string JoinedBy(const std::vector<std::string>& words, const char* separator) {
@@ -412,32 +339,42 @@ class Gazetteer::Implementation {
   }
 
   std::mutex mutex_;
-  std::string path_;
   std::string locale_;
-  DatabaseHandle database_;
-  StatementHandle box_;
-  StatementHandle place_;
-  StatementHandle exact_;
-  StatementHandle search_;
-  StatementHandle areas_;
+  SqliteConnection database_;
+  SqliteStatement box_;
+  SqliteStatement place_;
+  SqliteStatement exact_;
+  SqliteStatement search_;
+  SqliteStatement areas_;
   std::optional<CountryNames> countries_;
 };
 
+template <typename Work>
+auto Gazetteer::Guard(const Work& work) const {
+  try {
+    return work();
+  } catch (const SqliteFailure& failure) {
+    throw GazetteerError(
+        {"SQLite", failure.code, "gazetteer_error_unusable", {path_}, failure.what()});
+  }
+}
+
 Gazetteer::Gazetteer(const std::string& path, const std::string& locale)
-    : implementation_(std::make_unique<Implementation>(path, locale)) {}
+    : path_(path),
+      implementation_(Guard([&] { return std::make_unique<Implementation>(path, locale); })) {}
 
 Gazetteer::~Gazetteer() = default;
 
 std::vector<CLPlacemark> Gazetteer::reverseGeocodeLocation(const CLLocation& location) {
-  return implementation_->Reverse(location);
+  return Guard([&] { return implementation_->Reverse(location); });
 }
 
 std::vector<CLPlacemark> Gazetteer::geocodeAddressString(const std::string& address) {
-  return implementation_->Forward(address);
+  return Guard([&] { return implementation_->Forward(address); });
 }
 
 std::optional<NSTimeZone> Gazetteer::timeZoneAt(CLLocationCoordinate2D coordinate) {
-  return implementation_->TimeZoneAt(coordinate);
+  return Guard([&] { return implementation_->TimeZoneAt(coordinate); });
 }
 
 bool isSameName(const std::string& a, const std::string& b) {

@@ -55,8 +55,10 @@ void GazetteerGeocoder::Ask(Question question, Completion completion) {
         std::optional<platform::NSError> error;
         try {
           placemarks = question(gazetteer->Opened());
-        } catch (const std::exception& failure) {
-          error = platform::NSError{kErrorDomain, kUnavailable, failure.what(), {}};
+        } catch (const GazetteerError& failure) {
+          error = failure.error;
+          error->domain = kErrorDomain;
+          error->code = kUnavailable;
         }
         completion(std::move(placemarks), std::move(error));
       });

@@ -4,8 +4,6 @@
 
 #include <string>
 
-#include "platform/localized_strings.h"
-
 namespace lumenquest::adapters {
 
 namespace {
@@ -99,14 +97,8 @@ class GeoclueManager final : public platform::CLLocationManager {
     } else if (told) {
       const std::string cause = error != nullptr ? error->message : "";
       told->didFailWithError(
-          {"GeoClue",
-           isTimedOut ? kTimeOut : kUnavailable,
-           isTimedOut
-               ? platform::localizedString("error_location_timeout", platform::kTableApp)
-               : platform::stringWithFormat(
-                     platform::localizedString("error_location_service", platform::kTableApp),
-                     {cause}),
-           {}});
+          isTimedOut ? NSError{"GeoClue", kTimeOut, "error_location_timeout"}
+                     : NSError{"GeoClue", kUnavailable, "error_location_service", {}, cause});
     }
   }
 

@@ -12,7 +12,6 @@
 #include <string_view>
 
 #include "icu_strings.h"
-#include "platform/localized_strings.h"
 #include "platform/services.h"
 
 namespace lumenquest::adapters {
@@ -188,9 +187,7 @@ bool IsWhole(std::string_view text) {
                     [](char a, char b) { return (a >= 'a' && a <= 'z' ? a - 'a' + 'A' : a) == b; });
 }
 
-platform::NSError BadFile(const char* key) {
-  return {"iCalendar", 1, platform::localizedString(key, platform::kTableApp), {}};
-}
+platform::NSError BadFile(const char* key) { return {"iCalendar", 1, key}; }
 
 /// The rules of a zone as the format writes them, under the zone's own name; null for zones that
 /// the library does not know.

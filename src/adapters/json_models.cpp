@@ -83,11 +83,11 @@ std::shared_ptr<NSManagedObjectModel> Version(const std::string& name, const Jso
 
 platform::Outcome<std::shared_ptr<const NSManagedObjectModel>> JsonModels::modelWithContentsOfURL(
     const std::filesystem::path& url) {
-  const auto error = [&](int code, const std::string& cause) {
-    return platform::NSError{"Model", code, cause, {{"path", url.string()}}};
+  const auto error = [&](int code, const char* key, const std::string& detail = {}) {
+    return platform::NSError{"Model", code, key, {url.string()}, detail, {{"path", url.string()}}};
   };
   std::ifstream file(url);
-  if (url.empty() || !file) return error(1, "The store's model is missing; install it again.");
+  if (url.empty() || !file) return error(1, "store_error_no_model");
   try {
     const Json json = Json::parse(file);
     const auto name = Name(json.at("model").get<std::string>());
@@ -99,12 +99,12 @@ platform::Outcome<std::shared_ptr<const NSManagedObjectModel>> JsonModels::model
       if (version->version < current) earlier.push_back(version);
       if (version->version == current) model = version;
     }
-    if (model == nullptr) return error(2, "The store's model lacks its current version.");
+    if (model == nullptr)
+      return error(2, "store_error_model_unreadable", "its current version is missing");
     model->earlierVersions = std::move(earlier);
     return std::shared_ptr<const NSManagedObjectModel>(std::move(model));
   } catch (const std::exception& exception) {
-    return error(
-        3, "The store's model \"" + url.string() + "\" cannot be read: " + exception.what() + ".");
+    return error(3, "store_error_model_unreadable", exception.what());
   }
 }
 

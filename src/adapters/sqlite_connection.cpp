@@ -4,10 +4,6 @@ namespace lumenquest::adapters {
 
 namespace {
 
-using platform::AttributeType;
-using platform::AttributeValue;
-using platform::NSDate;
-
 constexpr int kBusyTimeoutMillis = 10000;
 
 /// The path as SQLite's URI, for the one mode that only a URI can ask for.
@@ -30,7 +26,7 @@ std::string ImmutableUri(const std::filesystem::path& path) {
 }  // namespace
 
 SqliteConnection::SqliteConnection(const std::filesystem::path& path, Mode mode) : mode_(mode) {
-  int flags = SQLITE_OPEN_EXRESCODE;
+  int flags = SQLITE_OPEN_EXRESCODE | SQLITE_OPEN_NOMUTEX;
   std::string name = std::filesystem::absolute(path).string();
   switch (mode) {
     case Mode::create:
@@ -61,20 +57,26 @@ SqliteConnection::SqliteConnection(const std::filesystem::path& path, Mode mode)
 }
 
 void SqliteConnection::Run(const std::string& sql) {
+  const int code = sqlite3_exec(handle_.get(), sql.c_str(), nullptr, nullptr, nullptr);
+  if (code != SQLITE_OK) Throw(code);
+}
+
+std::int64_t SqliteConnection::QueryInteger(const std::string& sql) const {
   SqliteStatement statement(*this, sql);
-  while (statement.Step()) {
-  }
+  return statement.Step() ? statement.Integer(0) : 0;
 }
 
 void SqliteConnection::Throw(int code) const {
   throw SqliteFailure(code, handle_ ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code));
 }
 
-SqliteStatement::SqliteStatement(const SqliteConnection& connection, const std::string& sql)
+SqliteStatement::SqliteStatement(const SqliteConnection& connection, const std::string& sql,
+                                 Life life)
     : connection_(connection) {
   sqlite3_stmt* prepared = nullptr;
-  const int code = sqlite3_prepare_v2(connection.handle(), sql.c_str(),
-                                      static_cast<int>(sql.size()), &prepared, nullptr);
+  const int code = sqlite3_prepare_v3(
+      connection.handle(), sql.c_str(), static_cast<int>(sql.size()),
+      life == Life::persistent ? SQLITE_PREPARE_PERSISTENT : 0, &prepared, nullptr);
   statement_.reset(prepared);
   if (code != SQLITE_OK) connection.Throw(code);
 }
@@ -98,13 +100,7 @@ SqliteStatement& SqliteStatement::Bind(int parameter, const std::string& text) {
   return *this;
 }
 
-SqliteStatement& SqliteStatement::Bind(int parameter, const AttributeValue& value) {
-  if (const auto* text = std::get_if<std::string>(&value)) return Bind(parameter, *text);
-  if (const auto* whole = std::get_if<std::int64_t>(&value)) return Bind(parameter, *whole);
-  if (const auto* number = std::get_if<double>(&value)) return Bind(parameter, *number);
-  if (const auto* date = std::get_if<NSDate>(&value)) {
-    return Bind(parameter, date->timeIntervalSinceReferenceDate());
-  }
+SqliteStatement& SqliteStatement::BindNull(int parameter) {
   const int code = sqlite3_bind_null(statement_.get(), parameter);
   if (code != SQLITE_OK) connection_.Throw(code);
   return *this;
@@ -127,29 +123,6 @@ std::string SqliteStatement::Text(int column) const {
   const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
   const int size = sqlite3_column_bytes(statement_.get(), column);
   return text != nullptr ? std::string(text, static_cast<std::size_t>(size)) : std::string();
-}
-
-AttributeValue SqliteStatement::Value(int column, AttributeType type) const {
-  const int stored = sqlite3_column_type(statement_.get(), column);
-  if (stored == SQLITE_NULL) return {};
-  const bool isNumber = stored == SQLITE_FLOAT || stored == SQLITE_INTEGER;
-  switch (type) {
-    case AttributeType::string:
-      if (stored == SQLITE_TEXT) return Text(column);
-      break;
-    case AttributeType::number:
-      if (isNumber) return sqlite3_column_double(statement_.get(), column);
-      break;
-    case AttributeType::integer:
-      if (stored == SQLITE_INTEGER) return Integer(column);
-      break;
-    case AttributeType::date:
-      if (isNumber) return NSDate(sqlite3_column_double(statement_.get(), column));
-      break;
-  }
-  throw SqliteFailure(SQLITE_MISMATCH, std::string("column \"") +
-                                           sqlite3_column_name(statement_.get(), column) +
-                                           "\" holds a value of another type");
 }
 
 SqliteTransaction::SqliteTransaction(SqliteConnection& connection, bool writes)

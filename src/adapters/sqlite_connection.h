@@ -8,8 +8,6 @@
 #include <stdexcept>
 #include <string>
 
-#include "platform/ns_managed_object_model.h"
-
 namespace lumenquest::adapters {
 
 /// Carries a failure up to the adapter's edge, where it becomes an NSError.
@@ -19,7 +17,8 @@ struct SqliteFailure : std::runtime_error {
   int code;
 };
 
-/// A connection to a database file, with the settings that all of ours have.
+/// A connection to a database file, with the settings that all of ours have. One thread at a time
+/// uses it and its statements.
 class SqliteConnection {
  public:
   enum class Mode {
@@ -34,8 +33,10 @@ class SqliteConnection {
 
   sqlite3* handle() const { return handle_.get(); }
   bool isImmutable() const { return mode_ == Mode::immutable; }
-  /// Prepares and runs a statement that has no parameters and no result.
+  /// Runs statements that have no parameters; what they answer is left out.
   void Run(const std::string& sql);
+  /// The integer that a statement answers; 0 when it answers nothing.
+  std::int64_t QueryInteger(const std::string& sql) const;
   [[noreturn]] void Throw(int code) const;
 
  private:
@@ -49,22 +50,45 @@ class SqliteConnection {
 /// A prepared statement. Parameters and columns count from 1 and 0.
 class SqliteStatement {
  public:
-  SqliteStatement(const SqliteConnection& connection, const std::string& sql);
+  enum class Life {
+    brief,
+    /// Kept as long as the connection.
+    persistent
+  };
+
+  SqliteStatement(const SqliteConnection& connection, const std::string& sql,
+                  Life life = Life::brief);
 
   SqliteStatement& Bind(int parameter, std::int64_t number);
   SqliteStatement& Bind(int parameter, double number);
   SqliteStatement& Bind(int parameter, const std::string& text);
-  SqliteStatement& Bind(int parameter, const platform::AttributeValue& value);
+  SqliteStatement& BindNull(int parameter);
+  /// Makes the statement ready for a run with these values, from the first parameter on.
+  template <typename... Values>
+  SqliteStatement& Start(const Values&... values) {
+    Reset();
+    int parameter = 0;
+    (Bind(++parameter, values), ...);
+    return *this;
+  }
   /// True: a row is there to be read.
   bool Step();
   /// Runs the statement to its end and makes it ready for the next values.
   void Execute();
+  /// Starts with these values and executes.
+  template <typename... Values>
+  void Run(const Values&... values) {
+    Start(values...);
+    Execute();
+  }
   void Reset() { sqlite3_reset(statement_.get()); }
 
   std::int64_t Integer(int column) const { return sqlite3_column_int64(statement_.get(), column); }
   double Number(int column) const { return sqlite3_column_double(statement_.get(), column); }
   std::string Text(int column) const;
-  platform::AttributeValue Value(int column, platform::AttributeType type) const;
+  /// One of SQLite's types, such as SQLITE_TEXT.
+  int Type(int column) const { return sqlite3_column_type(statement_.get(), column); }
+  std::string ColumnName(int column) const { return sqlite3_column_name(statement_.get(), column); }
 
  private:
   struct Finalize {

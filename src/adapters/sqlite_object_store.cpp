@@ -1,11 +1,7 @@
 #include "adapters/sqlite_object_store.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <functional>
@@ -15,8 +11,10 @@
 #include <utility>
 #include <vector>
 
+#include "file_errors.h"
 #include "platform/assertion.h"
 #include "sqlite_connection.h"
+#include "whole_file.h"
 
 namespace lumenquest::adapters {
 
@@ -24,6 +22,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using platform::AttributeType;
+using platform::AttributeValue;
+using platform::NSDate;
 using platform::NSEntityDescription;
 using platform::NSError;
 using platform::NSFetchRequest;
@@ -45,32 +45,17 @@ constexpr std::int64_t kFormat = 1;
 
 enum ErrorCode { kMissing = 1, kForeign, kVersion, kConflict, kExists, kFiles, kReadOnly };
 
-/// A failure that is not SQLite's own, in words for people.
+/// A failure that is not SQLite's own; an NSError's key and arguments.
 struct StoreFailure : std::runtime_error {
-  StoreFailure(ErrorCode errorCode, const std::string& text)
-      : std::runtime_error(text), code(errorCode) {}
+  StoreFailure(ErrorCode errorCode, const char* sentence, std::vector<std::string> values)
+      : std::runtime_error(sentence),
+        code(errorCode),
+        key(sentence),
+        arguments(std::move(values)) {}
   ErrorCode code;
+  std::string key;
+  std::vector<std::string> arguments;
 };
-
-std::string Cause(const SqliteFailure& failure) {
-  switch (failure.code & 0xFF) {
-    case SQLITE_NOTADB:
-    case SQLITE_CORRUPT:
-    case SQLITE_MISMATCH:
-      return "is damaged and was left as it is; put a good copy in its place";
-    case SQLITE_FULL:
-      return "cannot be written: the disk is full";
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      return "is being written by another process; try again";
-    case SQLITE_READONLY:
-      return "cannot be written: it or its folder is read-only";
-    case SQLITE_CANTOPEN:
-      return "cannot be opened: its folder has to be writable";
-    default:
-      return "cannot be used";
-  }
-}
 
 /// Runs `work`; what it throws becomes the error.
 template <typename Value>
@@ -78,19 +63,12 @@ Outcome<Value> Guard(const fs::path& url, const std::function<Value()>& work) {
   try {
     return work();
   } catch (const SqliteFailure& failure) {
-    return NSError{
-        "SQLite",
-        failure.code,
-        "The store \"" + url.string() + "\" " + Cause(failure) + " (" + failure.what() + ").",
-        {{"path", url.string()}}};
+    return fileError(failure, url);
   } catch (const StoreFailure& failure) {
-    return NSError{"Store", failure.code, failure.what(), {{"path", url.string()}}};
+    return NSError{"Store",           failure.code, failure.key,
+                   failure.arguments, {},           {{"path", url.string()}}};
   } catch (const fs::filesystem_error& failure) {
-    return NSError{
-        "Store",
-        kFiles,
-        "The store \"" + url.string() + "\" cannot be reached: " + failure.code().message() + ".",
-        {{"path", url.string()}}};
+    return fileError(failure, url);
   }
 }
 
@@ -114,6 +92,42 @@ std::string ColumnType(AttributeType type) {
       break;
   }
   return "REAL";
+}
+
+// ---- Values ----
+
+SqliteStatement& BindValue(SqliteStatement& statement, int parameter, const AttributeValue& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return statement.Bind(parameter, *text);
+  if (const auto* whole = std::get_if<std::int64_t>(&value)) {
+    return statement.Bind(parameter, *whole);
+  }
+  if (const auto* number = std::get_if<double>(&value)) return statement.Bind(parameter, *number);
+  if (const auto* date = std::get_if<NSDate>(&value)) {
+    return statement.Bind(parameter, date->timeIntervalSinceReferenceDate());
+  }
+  return statement.BindNull(parameter);
+}
+
+AttributeValue ReadValue(const SqliteStatement& row, int column, AttributeType type) {
+  const int stored = row.Type(column);
+  if (stored == SQLITE_NULL) return {};
+  const bool isNumber = stored == SQLITE_FLOAT || stored == SQLITE_INTEGER;
+  switch (type) {
+    case AttributeType::string:
+      if (stored == SQLITE_TEXT) return row.Text(column);
+      break;
+    case AttributeType::number:
+      if (isNumber) return row.Number(column);
+      break;
+    case AttributeType::integer:
+      if (stored == SQLITE_INTEGER) return row.Integer(column);
+      break;
+    case AttributeType::date:
+      if (isNumber) return NSDate(row.Number(column));
+      break;
+  }
+  throw SqliteFailure(SQLITE_MISMATCH,
+                      "column \"" + row.ColumnName(column) + "\" holds a value of another type");
 }
 
 // ---- Tables ----
@@ -158,11 +172,10 @@ void CreateIndexes(SqliteConnection& connection, const NSEntityDescription& enti
 }
 
 void SetMetadata(const SqliteConnection& connection, const std::string& key,
-                 const platform::AttributeValue& value) {
-  SqliteStatement(connection, "INSERT OR REPLACE INTO _metadata (key, value) VALUES (?, ?)")
-      .Bind(1, key)
-      .Bind(2, value)
-      .Execute();
+                 const AttributeValue& value) {
+  SqliteStatement statement(connection,
+                            "INSERT OR REPLACE INTO _metadata (key, value) VALUES (?, ?)");
+  BindValue(statement.Bind(1, key), 2, value).Execute();
 }
 
 StoreMetadata ReadMetadata(const SqliteConnection& connection, const fs::path& url) {
@@ -177,9 +190,8 @@ StoreMetadata ReadMetadata(const SqliteConnection& connection, const fs::path& u
     if (key == "modelVersion") metadata.modelVersion = static_cast<int>(statement.Integer(1));
   }
   if (format != kFormat || metadata.storeIdentifier.empty()) {
-    throw StoreFailure(kVersion, "The store \"" + url.string() + "\" has format " +
-                                     std::to_string(format) + "; this version reads format " +
-                                     std::to_string(kFormat) + ".");
+    throw StoreFailure(kVersion, "store_error_format",
+                       {url.string(), std::to_string(format), std::to_string(kFormat)});
   }
   return metadata;
 }
@@ -195,9 +207,7 @@ void CheckFile(const fs::path& url) {
   std::array<char, kHeaderSize> header{};
   std::ifstream file(url, std::ios::binary);
   if (!fs::is_regular_file(url) || !file) {
-    throw StoreFailure(kFiles, "\"" + url.string() +
-                                   "\" cannot be read; a store is a file that "
-                                   "its user may read.");
+    throw StoreFailure(kFiles, "store_error_not_readable", {url.string()});
   }
   file.read(header.data(), header.size());
   std::int64_t applicationId = 0;
@@ -207,61 +217,14 @@ void CheckFile(const fs::path& url) {
   }
   if (file.gcount() != kHeaderSize || std::memcmp(header.data(), kMagic, sizeof kMagic) != 0 ||
       applicationId != kApplicationId) {
-    throw StoreFailure(kForeign, "\"" + url.string() +
-                                     "\" is not a store of plans, or is damaged; it was left as it "
-                                     "is. Move it away or put a good copy in its place.");
-  }
-}
-
-void SyncFolder(const fs::path& folder) {
-  const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  ::fsync(descriptor);
-  ::close(descriptor);
-}
-
-/// Makes a file whole under another name first, and gives it its own name last. False: there is a
-/// file of that name already, and it was left alone.
-bool WriteWhole(const fs::path& url, const std::string& suffix,
-                const std::function<void(SqliteConnection&)>& write) {
-  const fs::path folder = fs::absolute(url).parent_path();
-  if (!fs::exists(folder)) {
-    fs::create_directories(folder);
-    // Where somebody will be and when is nobody else's business.
-    fs::permissions(folder, fs::perms::owner_all);
-  }
-  const fs::path unfinished = url.string() + "." + suffix + ".new";
-  const auto remove = [&] {
-    std::error_code ignored;
-    for (const char* companion : {"", "-journal", "-wal", "-shm"}) {
-      fs::remove(unfinished.string() + companion, ignored);
-    }
-  };
-  try {
-    {
-      SqliteConnection connection(unfinished, Mode::create);
-      write(connection);
-      connection.Run("PRAGMA journal_mode = WAL");
-    }
-    // A link, unlike a rename, never replaces a file.
-    const bool linked = ::link(unfinished.c_str(), url.c_str()) == 0;
-    const int reason = errno;
-    remove();
-    if (!linked && reason != EEXIST) {
-      throw fs::filesystem_error("link", url, std::error_code(reason, std::generic_category()));
-    }
-    SyncFolder(folder);
-    return linked;
-  } catch (...) {
-    remove();
-    throw;
+    throw StoreFailure(kForeign, "file_error_damaged", {url.string()});
   }
 }
 
 void CreateStore(const fs::path& url, const NSManagedObjectModel& model,
                  const std::string& identifier) {
   // When another process made one meanwhile, that one is the store.
-  WriteWhole(url, identifier, [&](SqliteConnection& connection) {
+  writeWhole(url, [&](SqliteConnection& connection) {
     SqliteTransaction transaction(connection, true);
     connection.Run("PRAGMA application_id = " + std::to_string(kApplicationId));
     connection.Run("CREATE TABLE _metadata (key TEXT PRIMARY KEY, value) WITHOUT ROWID");
@@ -332,9 +295,7 @@ void MigrateTables(SqliteConnection& connection, const NSManagedObjectModel& tar
         if (!index) {
           connection.Run("ALTER TABLE " + Quoted(entity.name) + " DROP COLUMN " + Quoted(column));
         } else if (type != ColumnType(entity.attributes[*index].type)) {
-          throw StoreFailure(kVersion, "\"" + column + "\" of " + entity.name +
-                                           " has another type in the new model; such a change "
-                                           "cannot be inferred, and nothing was changed.");
+          throw StoreFailure(kVersion, "store_error_type_changed", {column, entity.name});
         }
       }
       for (const auto& attribute : entity.attributes) {
@@ -352,9 +313,11 @@ void MigrateTables(SqliteConnection& connection, const NSManagedObjectModel& tar
   }
 }
 
-[[noreturn]] void ThrowVersion(const fs::path& url, int stored, const std::string& advice) {
-  throw StoreFailure(kVersion, "The store \"" + url.string() + "\" has version " +
-                                   std::to_string(stored) + " of its model; " + advice);
+/// `key`'s sentence names the file, its version and the model's.
+[[noreturn]] void ThrowVersion(const char* key, const fs::path& url, int stored,
+                               const NSManagedObjectModel& model) {
+  throw StoreFailure(kVersion, key,
+                     {url.string(), std::to_string(stored), std::to_string(model.version)});
 }
 
 void Migrate(SqliteConnection& connection, const fs::path& url, const NSManagedObjectModel& model) {
@@ -363,11 +326,7 @@ void Migrate(SqliteConnection& connection, const fs::path& url, const NSManagedO
   const int version = ReadMetadata(connection, url).modelVersion;
   if (version == model.version) return;
   if (version > model.version || model.earlierVersion(version) == nullptr) {
-    ThrowVersion(url, version,
-                 "this program knows none so " +
-                     std::string(version > model.version ? "new" : "old") + " (its own is " +
-                     std::to_string(model.version) +
-                     "). Nothing was changed; use the program that wrote it.");
+    ThrowVersion("store_error_unknown_version", url, version, model);
   }
   {
     SqliteStatement check(connection, "PRAGMA quick_check(1)");
@@ -412,8 +371,8 @@ class SqliteObjectStore final : public ObjectStore {
     return plan.value;
   }
 
-  void CopyTo(const fs::path& target, const std::string& suffix) {
-    const bool written = WriteWhole(target, suffix, [&](SqliteConnection& copy) {
+  void CopyTo(const fs::path& target) {
+    const bool written = writeWhole(target, [&](SqliteConnection& copy) {
       const std::unique_ptr<sqlite3_backup, int (*)(sqlite3_backup*)> backup(
           sqlite3_backup_init(copy.handle(), "main", connection_->handle(), "main"),
           sqlite3_backup_finish);
@@ -422,8 +381,7 @@ class SqliteObjectStore final : public ObjectStore {
       if (code != SQLITE_DONE) throw SqliteFailure(code, sqlite3_errstr(code));
     });
     if (!written) {
-      throw StoreFailure(kExists, "There is a file \"" + target.string() +
-                                      "\" already; it was left as it is. Move it away first.");
+      throw StoreFailure(kExists, "store_error_exists", {target.string()});
     }
   }
 
@@ -435,9 +393,7 @@ class SqliteObjectStore final : public ObjectStore {
 
   /// Reads again which tables are there, when somebody has changed them since.
   void RefreshTables() {
-    SqliteStatement statement(*connection_, "PRAGMA schema_version");
-    statement.Step();
-    const std::int64_t version = statement.Integer(0);
+    const std::int64_t version = connection_->QueryInteger("PRAGMA schema_version");
     if (version == schemaVersion_) return;
     tables_ = ReadTables(*connection_);
     schemaVersion_ = version;
@@ -481,7 +437,7 @@ class SqliteObjectStore final : public ObjectStore {
     statement.Bind(1, request.fetchLimit == 0 ? std::int64_t{-1}
                                               : static_cast<std::int64_t>(request.fetchLimit));
     if (request.predicate && request.predicate->form == NSPredicate::Form::greaterThanOrEqual) {
-      statement.Bind(2, request.predicate->value);
+      BindValue(statement, 2, request.predicate->value);
     }
     while (statement.Step()) {
       ObjectRecord record;
@@ -489,7 +445,7 @@ class SqliteObjectStore final : public ObjectStore {
       record.version = statement.Integer(1);
       int column = 2;
       for (const auto& attribute : entity->attributes) {
-        record.values.push_back(statement.Value(column++, attribute.type));
+        record.values.push_back(ReadValue(statement, column++, attribute.type));
       }
       record.toMany.resize(entity->toMany.size());
       records.push_back(std::move(record));
@@ -510,16 +466,13 @@ class SqliteObjectStore final : public ObjectStore {
 
   std::vector<std::int64_t> Save(const SaveRequest& request) {
     if (connection_ == nullptr || readOnly_) {
-      throw StoreFailure(kReadOnly,
-                         "The store \"" + url_.string() + "\" is open for reading only.");
+      throw StoreFailure(kReadOnly, "store_error_read_only", {url_.string()});
     }
     statements_.clear();  // of a save that failed
     SqliteTransaction transaction(*connection_, true);
     const int version = ReadMetadata(*connection_, url_).modelVersion;
     if (version != model_->version) {
-      ThrowVersion(url_, version,
-                   "another program has brought it there. Nothing was saved; start "
-                   "again.");
+      ThrowVersion("store_error_migrated", url_, version, *model_);
     }
     std::vector<std::int64_t> keys;
     keys.reserve(request.inserted.size());
@@ -549,7 +502,7 @@ class SqliteObjectStore final : public ObjectStore {
     SqliteStatement& statement =
         Prepared("INSERT INTO " + Quoted(entity.name) + " (" + names + ") VALUES (" + places + ")");
     int parameter = 1;
-    for (const auto& value : change.record.values) statement.Bind(parameter++, value);
+    for (const auto& value : change.record.values) BindValue(statement, parameter++, value);
     statement.Execute();
     const std::int64_t key = sqlite3_last_insert_rowid(connection_->handle());
     WriteMembers(change, key);
@@ -562,7 +515,7 @@ class SqliteObjectStore final : public ObjectStore {
     for (const auto& attribute : entity.attributes) sql += ", " + Quoted(attribute.name) + " = ?";
     SqliteStatement& statement = Prepared(sql + " WHERE _pk = ? AND _version = ?");
     int parameter = 1;
-    for (const auto& value : change.record.values) statement.Bind(parameter++, value);
+    for (const auto& value : change.record.values) BindValue(statement, parameter++, value);
     statement.Bind(parameter, change.record.key).Bind(parameter + 1, change.record.version);
     statement.Execute();
     if (sqlite3_changes(connection_->handle()) == 0) ThrowConflict(entity);
@@ -601,9 +554,7 @@ class SqliteObjectStore final : public ObjectStore {
   }
 
   [[noreturn]] static void ThrowConflict(const NSEntityDescription& entity) {
-    throw StoreFailure(kConflict, "An object of " + entity.name +
-                                      " was changed by another process meanwhile; nothing was "
-                                      "saved. Fetch it again and repeat the change.");
+    throw StoreFailure(kConflict, "store_error_conflict", {entity.name});
   }
 
   fs::path url_;
@@ -626,12 +577,10 @@ Outcome<std::shared_ptr<ObjectStore>> SqliteObjectStores::open(
     const StoreOptions& options) {
   return Guard<std::shared_ptr<ObjectStore>>(url, [&]() -> std::shared_ptr<ObjectStore> {
     if (url.empty()) {
-      throw StoreFailure(kMissing,
-                         "There is no place for the store: set HOME or XDG_DATA_HOME, or "
-                         "install the program's resources again.");
+      throw StoreFailure(kMissing, "store_error_no_place", {});
     }
     if (model == nullptr || model->entities.empty()) {
-      throw StoreFailure(kVersion, "The store's model is missing; install the program again.");
+      throw StoreFailure(kVersion, "store_error_no_model", {});
     }
     const bool readOnly = role_ == Role::reader || options.isReadOnly;
     std::unique_ptr<SqliteConnection> connection;
@@ -639,23 +588,21 @@ Outcome<std::shared_ptr<ObjectStore>> SqliteObjectStores::open(
       if (!readOnly && options.createsIfMissing) {
         CreateStore(url, *model, uuids_->UUIDString());
       } else if (role_ != Role::reader) {
-        throw StoreFailure(kMissing, "There is no store at \"" + url.string() + "\".");
+        throw StoreFailure(kMissing, "store_error_missing", {url.string()});
       } else {
         return std::make_shared<SqliteObjectStore>(url, model, readOnly, nullptr);
       }
     }
+    if (!readOnly) sweepUnfinished(url);
     connection = Connect(url, readOnly);
     const StoreMetadata metadata = ReadMetadata(*connection, url);
     if (metadata.modelName != model->name) {
-      throw StoreFailure(kForeign, "The store \"" + url.string() + "\" follows the model \"" +
-                                       metadata.modelName + "\"; expected \"" + model->name +
-                                       "\".");
+      throw StoreFailure(kForeign, "store_error_other_model",
+                         {url.string(), metadata.modelName, model->name});
     }
     if (metadata.modelVersion != model->version && !readOnly) {
       if (!options.migratesAutomatically || !options.infersMappingModel) {
-        ThrowVersion(url, metadata.modelVersion,
-                     "it was to be opened with " + std::to_string(model->version) +
-                         " and without being brought there.");
+        ThrowVersion("store_error_not_migrated", url, metadata.modelVersion, *model);
       }
       Migrate(*connection, url, *model);
     }
@@ -666,7 +613,7 @@ Outcome<std::shared_ptr<ObjectStore>> SqliteObjectStores::open(
 Outcome<StoreMetadata> SqliteObjectStores::metadata(const fs::path& url) {
   return Guard<StoreMetadata>(url, [&] {
     if (url.empty() || !fs::exists(url)) {
-      throw StoreFailure(kMissing, "There is no store at \"" + url.string() + "\".");
+      throw StoreFailure(kMissing, "store_error_missing", {url.string()});
     }
     return ReadMetadata(*Connect(url, true), url);
   });
@@ -678,9 +625,10 @@ std::optional<NSError> SqliteObjectStores::migrate(ObjectStore& store, const fs:
                        auto* source = dynamic_cast<SqliteObjectStore*>(&store);
                        LUMENQUEST_ASSERT(source != nullptr);
                        if (role_ == Role::reader) {
-                         throw StoreFailure(kReadOnly, "Stores are moved by the application only.");
+                         throw StoreFailure(kReadOnly, "store_error_read_only",
+                                            {store.url().string()});
                        }
-                       source->CopyTo(toURL, uuids_->UUIDString());
+                       source->CopyTo(toURL);
                        return true;
                      })
       .error;

@@ -1,14 +1,14 @@
 #include "adapters/sqlite_user_defaults.h"
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <string>
 #include <system_error>
 #include <type_traits>
 #include <utility>
 
+#include "file_errors.h"
 #include "sqlite_connection.h"
+#include "whole_file.h"
 
 namespace lumenquest::adapters {
 
@@ -20,22 +20,16 @@ constexpr std::int64_t kApplicationId = 0x4C517365;
 /// How a value is stored.
 enum Kind : std::int64_t { kBool = 0, kInteger = 1, kDouble = 2, kString = 3 };
 
-/// The integer that a pragma gives.
-std::int64_t QueryInteger(const SqliteConnection& connection, const char* sql) {
-  SqliteStatement statement(connection, sql);
-  return statement.Step() ? statement.Integer(0) : 0;
-}
-
 void RequireSettingsFile(SqliteConnection& connection) {
-  if (QueryInteger(connection, "PRAGMA application_id") != kApplicationId) {
-    throw SqliteFailure(SQLITE_NOTADB, "the file holds something else than settings");
+  if (connection.QueryInteger("PRAGMA application_id") != kApplicationId) {
+    throw SqliteFailure(SQLITE_NOTADB, "it holds something else than settings");
   }
 }
 
 std::unique_ptr<SqliteConnection> OpenForReading(const std::string& path) {
   try {
     auto connection = std::make_unique<SqliteConnection>(path, SqliteConnection::Mode::readOnly);
-    QueryInteger(*connection, "PRAGMA schema_version");
+    connection->QueryInteger("PRAGMA schema_version");
     return connection;
   } catch (const SqliteFailure& failure) {
     // A log beside the file cannot be made in a folder that is read-only; then nobody writes
@@ -46,33 +40,16 @@ std::unique_ptr<SqliteConnection> OpenForReading(const std::string& path) {
 }
 
 bool IsNew(SqliteConnection& connection) {
-  return QueryInteger(connection, "PRAGMA schema_version") == 0;
+  return connection.QueryInteger("PRAGMA schema_version") == 0;
 }
 
 void MakeTable(SqliteConnection& connection) {
-  connection.Run("PRAGMA journal_mode = WAL");
   SqliteTransaction transaction(connection, true);
   connection.Run("PRAGMA application_id = 0x4C517365");
   connection.Run(
       "CREATE TABLE IF NOT EXISTS setting ("
       "key TEXT PRIMARY KEY NOT NULL, kind INTEGER NOT NULL, value NOT NULL) WITHOUT ROWID");
   transaction.Commit();
-}
-
-/// Makes the file under another name and gives it its own when it is whole: who dies in between
-/// leaves nothing that others would find, and who comes second keeps the first one's file.
-void MakeFile(const std::string& path) {
-  const std::string unfinished = path + ".new-" + std::to_string(getpid());
-  std::filesystem::remove(unfinished);
-  {
-    SqliteConnection connection(unfinished, SqliteConnection::Mode::create);
-    MakeTable(connection);
-  }
-  std::error_code error;
-  std::filesystem::create_hard_link(unfinished, path, error);
-  std::filesystem::remove(unfinished);
-  if (error && error != std::errc::file_exists)
-    throw std::filesystem::filesystem_error(path, error);
 }
 
 platform::NSUserDefaults::Value ReadValue(const SqliteStatement& row, int kindColumn) {
@@ -120,24 +97,26 @@ SqliteConnection* SqliteUserDefaults::Reading() const {
     RequireSettingsFile(*connection);
     connection_ = std::move(connection);
     error_.reset();
-  } catch (const SqliteFailure& error) {
-    error_ = error.what();
+  } catch (const SqliteFailure& failure) {
+    error_ = fileError(failure, path_);
   }
   return connection_.get();
 }
 
 SqliteConnection& SqliteUserDefaults::Writing() {
   if (writable_) return *connection_;
-  if (!std::filesystem::exists(path_)) {
-    std::filesystem::create_directories(std::filesystem::path(path_).parent_path());
-    MakeFile(path_);
-  }
+  // When another process made one meanwhile, that one is the file.
+  if (!std::filesystem::exists(path_)) writeWhole(path_, MakeTable);
+  sweepUnfinished(path_);
   // Whether a file that is there may be written is decided before anything is written to it.
   const auto existing = OpenForReading(path_);
   const bool isNew = IsNew(*existing);
   if (!isNew) RequireSettingsFile(*existing);
   auto connection = std::make_unique<SqliteConnection>(path_, SqliteConnection::Mode::readWrite);
-  if (isNew) MakeTable(*connection);
+  if (isNew) {
+    connection->Run("PRAGMA journal_mode = WAL");
+    MakeTable(*connection);
+  }
   connection_ = std::move(connection);
   writable_ = true;
   return *connection_;
@@ -153,8 +132,8 @@ std::optional<platform::NSUserDefaults::Value> SqliteUserDefaults::objectForKey(
     statement.Bind(1, key);
     if (!statement.Step()) return std::nullopt;
     return ReadValue(statement, 0);
-  } catch (const SqliteFailure& error) {
-    error_ = error.what();
+  } catch (const SqliteFailure& failure) {
+    error_ = fileError(failure, path_);
     return std::nullopt;
   }
 }
@@ -171,9 +150,11 @@ void SqliteUserDefaults::setObject(const std::optional<Value>& value, const std:
     statement.Bind(1, forKey);
     if (value) BindValue(statement, *value);
     statement.Execute();
-  } catch (const std::exception& error) {
-    // Of SQLite or of the file system.
-    error_ = error.what();
+  } catch (const SqliteFailure& failure) {
+    error_ = fileError(failure, path_);
+    writeFailed_ = true;
+  } catch (const std::filesystem::filesystem_error& failure) {
+    error_ = fileError(failure, path_);
     writeFailed_ = true;
   }
 }
@@ -186,8 +167,8 @@ platform::NSUserDefaults::Dictionary SqliteUserDefaults::dictionaryRepresentatio
   try {
     SqliteStatement statement(*connection, "SELECT key, kind, value FROM setting");
     while (statement.Step()) values[statement.Text(0)] = ReadValue(statement, 1);
-  } catch (const SqliteFailure& error) {
-    error_ = error.what();
+  } catch (const SqliteFailure& failure) {
+    error_ = fileError(failure, path_);
   }
   return values;
 }
@@ -198,7 +179,7 @@ bool SqliteUserDefaults::synchronize() {
   return !std::exchange(writeFailed_, false);
 }
 
-std::optional<std::string> SqliteUserDefaults::error() const {
+std::optional<platform::NSError> SqliteUserDefaults::error() const {
   const std::lock_guard lock(mutex_);
   return error_;
 }

@@ -4,6 +4,7 @@
 #include <ostream>
 #include <system_error>
 
+#include "adapters/gazetteer.h"
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "app/command_set.h"
@@ -62,6 +63,8 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     output = commands.Run(arguments);
   } catch (const UsageError& error) {
     return fail(kExitUsage, error.what());
+  } catch (const adapters::GazetteerError& failure) {
+    return fail(kExitFailure, adapters::printableText(failure.error.localizedDescription(), 400));
   } catch (const std::exception& error) {
     return fail(kExitFailure, adapters::printableText(error.what(), 400));
   }

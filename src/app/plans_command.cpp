@@ -82,14 +82,14 @@ void Save(NSManagedObjectContext& context) {
   const auto error = context.save();
   if (!error) return;
   throw std::runtime_error(
-      stringWithFormat(appText("error_plans_write"), {error->localizedDescription}));
+      stringWithFormat(appText("error_plans_write"), {error->localizedDescription()}));
 }
 
 Plans Fetch(NSManagedObjectContext& context, std::optional<platform::NSPredicate> predicate) {
   platform::NSFetchRequest request{platform::kEntityPlanning, std::move(predicate),
                                    platform::kAttributeDate};
   const auto fetched = context.executeFetchRequest(request);
-  if (fetched.error) throw std::runtime_error(fetched.error->localizedDescription);
+  if (fetched.error) throw std::runtime_error(fetched.error->localizedDescription());
   Plans plans;
   for (const auto& object : fetched.value) {
     plans.push_back(std::static_pointer_cast<Planning>(object));
@@ -335,8 +335,9 @@ std::string ImportPlans(const PlansOptions& options) {
   };
   auto parsed = adapters::parseICalendar(ReadInput(options.file), zoneOf);
   if (parsed.error) {
-    throw UsageError(stringWithFormat(parsed.error->localizedDescription,
-                                      {printableText(options.file.value_or(""), 200)}));
+    throw UsageError(stringWithFormat(
+        appText("error_calendar"), {printableText(options.file.value_or(""), 200),
+                                    parsed.error->localizedDescription()}));
   }
 
   installServices({locale, nullptr, StoreRole::owner});
@@ -380,7 +381,7 @@ std::string ImportPlans(const PlansOptions& options) {
   adapters::GlibMainQueue::runUntil([&] { return isDone; });
   if (failure) {
     throw std::runtime_error(
-        stringWithFormat(appText("error_plans_write"), {failure->localizedDescription}));
+        stringWithFormat(appText("error_plans_write"), {failure->localizedDescription()}));
   }
   const auto duplicates = static_cast<int>(before - Fetch(context, std::nullopt).size());
 

@@ -53,7 +53,10 @@ std::string settingsPath() {
   return (data / "lumenquest" / "group.lumenquest.lumenquest" / "settings.sqlite").string();
 }
 
-std::optional<std::string> settingsError() { return Suite() ? Suite()->error() : std::nullopt; }
+std::optional<std::string> settingsError() {
+  const auto error = Suite() ? Suite()->error() : std::nullopt;
+  return error ? std::optional(error->localizedDescription()) : std::nullopt;
+}
 
 std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale) {
   return std::make_unique<adapters::Gazetteer>(resourceFolder() + "/gazetteer.sqlite", locale);

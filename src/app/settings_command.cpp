@@ -97,8 +97,7 @@ NSUserDefaults& ReadableSuite() {
   NSUserDefaults& suite = *NSUserDefaults::lumenquestUserDefaults();
   suite.dictionaryRepresentation();
   if (const auto error = settingsError()) {
-    throw std::runtime_error(
-        stringWithFormat(appText("error_settings_read"), {settingsPath(), *error}));
+    throw std::runtime_error(stringWithFormat(appText("error_settings_read"), {*error}));
   }
   return suite;
 }
@@ -152,8 +151,8 @@ std::string SetSetting(const SettingsOptions& options) {
   NSUserDefaults& suite = ReadableSuite();
   suite.setObject(value, setting.key);
   if (!suite.synchronize()) {
-    throw std::runtime_error(stringWithFormat(appText("error_settings_write"),
-                                              {settingsPath(), settingsError().value_or("")}));
+    throw std::runtime_error(
+        stringWithFormat(appText("error_settings_write"), {settingsError().value_or("")}));
   }
   return std::string();
 }

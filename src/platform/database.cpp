@@ -1,8 +1,8 @@
 #include "platform/database.h"
 
-#include <cmath>
 #include <utility>
 
+#include "duplicate_objects.h"
 #include "platform/localized_strings.h"
 #include "platform/planning.h"
 #include "platform/services.h"
@@ -18,9 +18,6 @@ constexpr const char* kStoreExtension = "sqlite";
 constexpr const char* kVersionedModelExtension = "momd";
 constexpr const char* kModelExtension = "mom";
 
-/// Degrees; about a centimetre on the ground.
-constexpr double kSamePlace = 1e-7;
-
 /// A resource's place; empty when there is none.
 std::filesystem::path ResourceURL(const char* name, const char* extension) {
   return Services::current().fileManager().resource(name, extension).value_or("");
@@ -32,47 +29,6 @@ std::shared_ptr<const NSManagedObjectModel> LoadModel(const std::filesystem::pat
   Services::current().log().write(stringWithFormat(
       "Unresolved error %@, %@", {model.error->description(), model.error->userInfoDescription()}));
   return std::make_shared<const NSManagedObjectModel>();
-}
-
-bool SamePlace(const NSManagedObject& a, const NSManagedObject& b) {
-  for (const char* attribute : {kAttributeLatitude, kAttributeLongitude}) {
-    const auto left = a.numberForKey(attribute);
-    const auto right = b.numberForKey(attribute);
-    if (!left || !right || !(std::fabs(*left - *right) < kSamePlace)) return false;
-  }
-  return true;
-}
-
-/// Absent values equal nothing, not even each other.
-template <typename Value>
-bool Same(const std::optional<Value>& a, const std::optional<Value>& b) {
-  return a && b && *a == *b;
-}
-
-bool SameText(const NSManagedObject& a, const NSManagedObject& b, const char* attribute) {
-  return Same(a.stringForKey(attribute), b.stringForKey(attribute));
-}
-
-bool SameNumber(const NSManagedObject& a, const NSManagedObject& b, const char* attribute) {
-  return Same(a.numberForKey(attribute), b.numberForKey(attribute));
-}
-
-bool SameNumberOfImages(const NSManagedObject& a, const NSManagedObject& b) {
-  return a.membersForKey(kRelationshipImages).size() == b.membersForKey(kRelationshipImages).size();
-}
-
-bool SamePlanning(const NSManagedObject& a, const NSManagedObject& b) {
-  return SamePlace(a, b) && Same(a.dateForKey(kAttributeDate), b.dateForKey(kAttributeDate)) &&
-         SameText(a, b, kAttributeName) && SameNumberOfImages(a, b);
-}
-
-bool SamePoi(const NSManagedObject& a, const NSManagedObject& b) {
-  return SamePlace(a, b) && SameText(a, b, kAttributeName) && SameNumberOfImages(a, b);
-}
-
-bool SameCamera(const NSManagedObject& a, const NSManagedObject& b) {
-  return SameText(a, b, kAttributeModel) && SameNumber(a, b, kAttributeSensorWidth) &&
-         SameNumber(a, b, kAttributeSensorHeight) && SameNumber(a, b, kAttributeMegapixels);
 }
 
 }  // namespace
@@ -162,7 +118,7 @@ void Database::Report(const NSError& error, const std::string& messageKey,
   Services::current().log().write(stringWithFormat(
       "Unresolved error %@, %@", {error.description(), error.userInfoDescription()}));
   const std::string message =
-      stringWithFormat(localizedString(messageKey, kTableCommon), {error.localizedDescription});
+      stringWithFormat(localizedString(messageKey, kTableCommon), {error.localizedDescription()});
   if (const auto observer = delegate()) {
     observer->databasePersistentStoreCoordinatorDidGetError(
         message, localizedString(titleKey, kTableCommon));
@@ -218,18 +174,11 @@ Database::Objects Database::duplicateObjectsInArray(const Objects& array,
 
 void Database::removeDuplicatesWithCompletion(Completion completion) {
   Services::current().mainQueue().async([this, completion = std::move(completion)] {
-    struct Rule {
-      const char* entity;
-      bool (*areEqual)(const NSManagedObject&, const NSManagedObject&);
-    };
-    constexpr Rule kRules[] = {{kEntityPlanning, SamePlanning},
-                               {kEntityCustomPoi, SamePoi},
-                               {kEntityCustomCamera, SameCamera}};
     Objects duplicates;
-    for (const Rule& rule : kRules) {
+    for (const EqualityRule& rule : equalityRules()) {
       if (managedObjectContext_ == nullptr) break;
       const auto objects = managedObjectContext_->executeFetchRequest({rule.entity});
-      const Objects found = duplicateObjectsInArray(objects.value, rule.areEqual);
+      const Objects found = objectsWithEarlierEqual(objects.value, rule);
       duplicates.insert(duplicates.end(), found.begin(), found.end());
     }
     if (duplicates.empty()) {

@@ -81,6 +81,11 @@ std::string localizedString(const std::string& key, const char* table) {
 
 std::string stringWithFormat(std::string_view format,
                              std::initializer_list<FormatArgument> arguments) {
+  return stringWithFormat(format,
+                          std::span<const FormatArgument>(arguments.begin(), arguments.size()));
+}
+
+std::string stringWithFormat(std::string_view format, std::span<const FormatArgument> arguments) {
   std::string result;
   std::size_t nextInOrder = 0;
   for (std::size_t i = 0; i < format.size(); ++i) {
@@ -100,7 +105,7 @@ std::string stringWithFormat(std::string_view format,
       continue;
     }
     const std::size_t at = placeholder->position > 0 ? placeholder->position - 1 : nextInOrder++;
-    if (at < arguments.size()) result += Text(*placeholder, *(arguments.begin() + at));
+    if (at < arguments.size()) result += Text(*placeholder, arguments[at]);
     i += placeholder->length;
   }
   return result;

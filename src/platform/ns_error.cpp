@@ -1,15 +1,25 @@
 #include "platform/ns_error.h"
 
+#include "platform/localized_strings.h"
+
 namespace lumenquest::platform {
 
+std::string NSError::localizedDescription() const {
+  const std::vector<FormatArgument> values(arguments.begin(), arguments.end());
+  const std::string sentence = stringWithFormat(localizedString(key, kTableCommon), values);
+  return detail.empty() ? sentence : sentence + " (" + detail + ")";
+}
+
 std::string NSError::description() const {
-  return domain + " error " + std::to_string(code) + ": " + localizedDescription;
+  std::string text = domain + " error " + std::to_string(code) + ": " + key;
+  for (const std::string& argument : arguments) text += " \"" + argument + "\"";
+  return detail.empty() ? text : text + " (" + detail + ")";
 }
 
 std::string NSError::userInfoDescription() const {
   std::string text = "{";
-  for (const auto& [key, value] : userInfo) {
-    text += (text.size() > 1 ? "; " : "") + key + " = " + value;
+  for (const auto& [name, value] : userInfo) {
+    text += (text.size() > 1 ? "; " : "") + name + " = " + value;
   }
   return text + "}";
 }

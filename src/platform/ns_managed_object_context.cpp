@@ -15,8 +15,8 @@ std::shared_ptr<NSManagedObject> NewObject(const NSEntityDescription& entity) {
   return std::make_shared<NSManagedObject>(entity);
 }
 
-NSError ContextError(int code, std::string description) {
-  return {"Store", code, std::move(description), {}};
+NSError ContextError(int code, std::string key, std::vector<std::string> arguments) {
+  return {"Context", code, std::move(key), std::move(arguments)};
 }
 
 bool IsFinite(const AttributeValue& value) {
@@ -58,14 +58,13 @@ Outcome<NSManagedObjectContext::Objects> NSManagedObjectContext::executeFetchReq
   const NSEntityDescription* entity =
       coordinator_->managedObjectModel()->entityNamed(request.entityName);
   if (entity == nullptr) {
-    return ContextError(1, "The model has no entity \"" + request.entityName + "\".");
+    return ContextError(1, "store_error_no_entity", {request.entityName});
   }
   for (const auto& attribute :
        {request.predicate ? std::optional(request.predicate->attribute) : std::nullopt,
         request.sortAttribute}) {
     if (attribute && !entity->indexOfAttribute(*attribute)) {
-      return ContextError(
-          2, "Entity \"" + entity->name + "\" has no attribute \"" + *attribute + "\".");
+      return ContextError(2, "store_error_no_attribute", {entity->name, *attribute});
     }
   }
 
@@ -152,8 +151,7 @@ std::optional<NSError> NSManagedObjectContext::Validate() const {
       const NSEntityDescription& entity = *object->entity_;
       for (std::size_t i = 0; i < entity.attributes.size(); ++i) {
         if (IsFinite(object->record_.values[i])) continue;
-        return ContextError(3, "\"" + entity.attributes[i].name + "\" of " + entity.name +
-                                   " has to be a finite number; nothing was saved.");
+        return ContextError(3, "store_error_not_finite", {entity.attributes[i].name, entity.name});
       }
     }
   }
@@ -163,7 +161,7 @@ std::optional<NSError> NSManagedObjectContext::Validate() const {
 std::optional<NSError> NSManagedObjectContext::save() {
   if (!hasChanges()) return std::nullopt;
   const auto store = coordinator_->persistentStore();
-  if (store == nullptr) return ContextError(4, "No store is open; nothing was saved.");
+  if (store == nullptr) return ContextError(4, "store_error_none_open", {});
   if (auto error = Validate()) return error;
 
   SaveRequest request;

@@ -76,7 +76,7 @@ TEST(GazetteerGeocoder, OpensAtTheFirstRequestAndAgainAfterAFailure) {
   ASSERT_TRUE(answer.error);
   EXPECT_EQ(answer.error->domain, GazetteerGeocoder::kErrorDomain);
   EXPECT_EQ(answer.error->code, GazetteerGeocoder::kUnavailable);
-  EXPECT_NE(answer.error->localizedDescription.find(path), std::string::npos);
+  EXPECT_NE(answer.error->description().find(path), std::string::npos);
   EXPECT_TRUE(answer.placemarks.empty());
 
   path = kFile;

@@ -1,7 +1,10 @@
 // Stores in SQLite files: several processes, sudden ends, files that are no stores.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,6 +14,7 @@
 #include <random>
 #include <thread>
 
+#include "adapters/sqlite_user_defaults.h"
 #include "plans_fixture.h"
 
 namespace lumenquest::adapters {
@@ -170,17 +174,18 @@ TEST(SqliteObjectStore, FilesThatAreNoStoreStayAsTheyAre) {
     const char* says;
   };
   for (const Case& c :
-       {Case{"empty", "", "not a store"}, Case{"text", "hello", "not a store"},
-        Case{"foreign", foreign, "not a store"}, Case{"garbled", garbled, "damaged"},
-        Case{"cut", good.substr(0, 6000), "damaged"}}) {
+       {Case{"empty", "", "Store error"}, Case{"text", "hello", "Store error"},
+        Case{"foreign", foreign, "Store error"}, Case{"garbled", garbled, "SQLite error"},
+        Case{"cut", good.substr(0, 6000), "SQLite error"}}) {
     SCOPED_TRACE(c.name);
     const fs::path url = folder / c.name;
     std::ofstream(url, std::ios::binary) << c.bytes;
     for (const Role role : {Role::reader, Role::owner}) {
       const auto opened = Open(url, role);
       ASSERT_TRUE(opened.error);
-      EXPECT_THAT(opened.error->localizedDescription, HasSubstr(c.says));
-      EXPECT_THAT(opened.error->localizedDescription, HasSubstr(url.string()));
+      EXPECT_THAT(opened.error->description(), HasSubstr(c.says));
+      EXPECT_THAT(opened.error->description(), HasSubstr(url.string()));
+      EXPECT_EQ(opened.error->key, "file_error_damaged");
       EXPECT_EQ(Contents(url), c.bytes);
     }
   }
@@ -241,7 +246,7 @@ TEST(SqliteObjectStore, MigratesWhatCanBeInferredAndNothingElse) {
 
   const Model retyped = Versions(2, {{"Kept", "", {{"name", AttributeType::integer}}, {}}}, first);
   const std::string before = Contents(url);
-  EXPECT_THAT(Open(url, Role::owner, retyped).error->localizedDescription, HasSubstr("\"name\""));
+  EXPECT_THAT(Open(url, Role::owner, retyped).error->description(), HasSubstr("\"name\""));
   EXPECT_EQ(old->fetch({"Kept"}).value.size(), 1U);
   EXPECT_TRUE(Open(url, Role::owner, Versions(2, {kept}, nullptr)).error);
 
@@ -253,7 +258,7 @@ TEST(SqliteObjectStore, MigratesWhatCanBeInferredAndNothingElse) {
   const Model second =
       Versions(2, {changed, {"Added", "", {{"b", AttributeType::date, true}}, {"images"}}}, first);
   const auto store = Open(url, Role::owner, second);
-  ASSERT_FALSE(store.error) << store.error->localizedDescription;
+  ASSERT_FALSE(store.error) << store.error->description();
   const auto found = store.value->fetch({"Kept"}).value;
   ASSERT_EQ(found.size(), 1U);
   EXPECT_EQ(found[0].values, (std::vector<AttributeValue>{{}, std::string("x")}));
@@ -266,7 +271,7 @@ TEST(SqliteObjectStore, MigratesWhatCanBeInferredAndNothingElse) {
   EXPECT_EQ(left[0].values, (std::vector<AttributeValue>{std::string("x"), {}}));
   EXPECT_TRUE(old->fetch({"Gone"}).value.empty());
   EXPECT_TRUE(old->save({}).error);
-  EXPECT_THAT(Open(url, Role::owner, first).error->localizedDescription, HasSubstr("version 2"));
+  EXPECT_THAT(Open(url, Role::owner, first).error->description(), HasSubstr("unknown_version"));
 }
 
 TEST(SqliteObjectStore, AnObjectChangedByAnotherIsNotOverwritten) {
@@ -280,7 +285,7 @@ TEST(SqliteObjectStore, AnObjectChangedByAnotherIsNotOverwritten) {
   for (const SaveRequest& late :
        {SaveRequest{{{&entity, Plan(entity, "b", 0.0)}}, {{&entity, mine}}, {}},
         SaveRequest{{{&entity, Plan(entity, "b", 0.0)}}, {}, {{&entity, mine}}}}) {
-    EXPECT_THAT(store->save(late).error->localizedDescription, HasSubstr("another process"));
+    EXPECT_THAT(store->save(late).error->description(), HasSubstr("store_error_conflict"));
     EXPECT_EQ(store->fetch({"Planning"}).value.size(), 1U);
   }
   ++mine.version;
@@ -341,6 +346,59 @@ TEST(SqliteObjectStore, WithoutRoomTheOldStays) {
   EXPECT_FALSE(store->save({{{&entity, Plan(entity, "b", 0.0)}}, {}, {}}).error);
 }
 
+TEST(SqliteObjectStore, SweepsWhatTheDeadLeftAndNothingElse) {
+  const ScratchFolder folder;
+  const auto model = UserModel();
+  const std::string uuid = "0123ABCD-0000-4000-8000-0123456789AB";
+  const auto make = [&](const std::string& name) { std::ofstream(folder / name) << "x"; };
+  for (const std::string name : {"store", "settings"}) {
+    const auto open = [&] {
+      if (name == "store") return !Open(folder / name).error;
+      SqliteUserDefaults settings(folder / name);
+      settings.setBool(true, "key");
+      return settings.synchronize();
+    };
+    ASSERT_TRUE(open());
+    const std::vector<std::string> strays{name + "." + uuid + ".new",
+                                          name + "." + uuid + ".new-journal",
+                                          name + "." + uuid + ".new-wal"};
+    const std::vector<std::string> others{name + ".new", name + "." + uuid,
+                                          name + ".my notes from the mountains in may.new",
+                                          "another." + uuid + ".new"};
+    for (const auto& stray : strays) make(stray);
+    for (const auto& other : others) make(other);
+    // While somebody makes a file there, all of them may be his.
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t maker = Fork([&] {
+      const int held = ::open((folder / "").c_str(), O_RDONLY | O_DIRECTORY);
+      if (::flock(held, LOCK_SH) != 0 || ::write(ready[1], "r", 1) != 1) return 1;
+      return ::pause();
+    });
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    ASSERT_TRUE(open());
+    for (const auto& stray : strays) EXPECT_TRUE(fs::exists(folder / stray)) << stray;
+    ::kill(maker, SIGKILL);
+    EXPECT_EQ(ExitCode(maker), -SIGKILL);
+    ASSERT_FALSE(Open(folder / "store", Role::reader).error);
+    for (const auto& stray : strays) EXPECT_TRUE(fs::exists(folder / stray)) << stray;
+    ASSERT_TRUE(open());
+    for (const auto& stray : strays) EXPECT_FALSE(fs::exists(folder / stray)) << stray;
+    for (const auto& other : others) EXPECT_TRUE(fs::exists(folder / other)) << other;
+  }
+}
+
+/// Other files than the store's own in its folder.
+std::size_t Strays(const fs::path& url) {
+  const std::string own = url.filename().string();
+  return static_cast<std::size_t>(
+      std::count_if(fs::directory_iterator(url.parent_path()), {}, [&](const auto& entry) {
+        const std::string name = entry.path().filename().string();
+        return name != own && name != own + "-wal" && name != own + "-shm";
+      }));
+}
+
 TEST(SqliteObjectStore, AKilledWriterLeavesItWhole) {
   const char* wanted = std::getenv("LUMENQUEST_SOAK");
   const int kills = wanted != nullptr ? std::atoi(wanted) : 50;
@@ -350,13 +408,19 @@ TEST(SqliteObjectStore, AKilledWriterLeavesItWhole) {
   const auto& entity = *model->entityNamed("Planning");
   std::mt19937 random(20240812);
   std::size_t before = 0;
+  std::size_t confirmedInAll = 0;
   for (int kill = 0; kill < kills; ++kill) {
+    // A new store now and then: making it is interrupted as well.
+    if (kill % 10 == 0) {
+      for (const char* companion : {"", "-wal", "-shm"}) fs::remove(url.string() + companion);
+      before = 0;
+    }
     // The child tells through the pipe of each save that was confirmed to it.
     int confirmed[2];
     ASSERT_EQ(::pipe(confirmed), 0);
     const pid_t writer = Fork([&] {
       for (int i = 0;; ++i) {
-        // Opening and making the store are interrupted as well.
+        // And so is opening it.
         const auto store = Open(url, Role::owner, model);
         if (store.error) return 1;
         const std::string name = std::to_string(kill) + "." + std::to_string(i);
@@ -368,27 +432,35 @@ TEST(SqliteObjectStore, AKilledWriterLeavesItWhole) {
         if (::write(confirmed[1], "s", 1) != 1) return 3;
       }
     });
+    ::close(confirmed[1]);
+    // Every other time only when something is saved, however slow the disk.
+    pollfd saved{confirmed[0], POLLIN, 0};
+    if (kill % 2 == 1) ::poll(&saved, 1, 10000);
+    // Making the store takes a few milliseconds.
+    const int longest = kill % 10 == 0 ? 5000 : 40000;
     std::this_thread::sleep_for(
-        std::chrono::microseconds(std::uniform_int_distribution<int>(0, 40000)(random)));
+        std::chrono::microseconds(std::uniform_int_distribution<int>(0, longest)(random)));
     ::kill(writer, SIGKILL);
     EXPECT_EQ(ExitCode(writer), -SIGKILL);
-    ::close(confirmed[1]);
     std::size_t saves = 0;
     for (char byte = 0; ::read(confirmed[0], &byte, 1) == 1;) ++saves;
     ::close(confirmed[0]);
 
     const auto reader = Open(url, Role::reader, model);
-    ASSERT_FALSE(reader.error) << reader.error->localizedDescription;
+    ASSERT_FALSE(reader.error) << reader.error->description();
     const auto found = reader.value->fetch({"Planning"});
-    ASSERT_FALSE(found.error) << found.error->localizedDescription;
+    ASSERT_FALSE(found.error) << found.error->description();
     ASSERT_EQ(found.value.size() % 3, 0U) << "half a save";
     // Each confirmed save is there, and at most the one that was on its way.
     ASSERT_GE(found.value.size(), before + 3 * saves);
     ASSERT_LE(found.value.size(), before + 3 * saves + 3);
     for (const ObjectRecord& record : found.value) ASSERT_EQ(record.toMany[0].size(), 2U);
     before = found.value.size();
+    confirmedInAll += saves;
   }
-  EXPECT_GT(before, 0U);
+  ASSERT_FALSE(Open(url).error);
+  EXPECT_EQ(Strays(url), 0U);
+  EXPECT_GT(confirmedInAll, 0U);
 }
 
 }  // namespace

@@ -3,6 +3,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <random>
 #include <regex>
 #include <set>
 
@@ -111,7 +115,7 @@ TEST(Context, ShowsItsChangesBeforeTheyAreSaved) {
   Add("Planning", {{"latitude", std::nan("")}});
   const auto error = context->save();
   ASSERT_TRUE(error);
-  EXPECT_THAT(error->localizedDescription, HasSubstr("latitude"));
+  EXPECT_THAT(error->description(), HasSubstr("latitude"));
   EXPECT_TRUE(context->hasChanges());
 }
 
@@ -211,6 +215,89 @@ TEST(Database, RemovesWhatIsEqualAndNothingElse) {
     }
     EXPECT_EQ(left, c.left);
   }
+}
+
+TEST(Database, RemovesExactlyWhatTheComparisonOfAllPairsFinds) {
+  // The rule as it is meant, on few values, so that equals, near equals and chains of them abound.
+  const auto equal = [](const NSManagedObject& a, const NSManagedObject& b) {
+    const auto near = [&](const char* key) {
+      return a.numberForKey(key) && b.numberForKey(key) &&
+             std::fabs(*a.numberForKey(key) - *b.numberForKey(key)) < 1e-7;
+    };
+    return near("latitude") && near("longitude") && a.dateForKey("date") &&
+           a.dateForKey("date") == b.dateForKey("date") && a.stringForKey("name") &&
+           a.stringForKey("name") == b.stringForKey("name") &&
+           a.membersForKey("images").size() == b.membersForKey("images").size();
+  };
+  std::mt19937 random(7);
+  const auto pick = [&](std::size_t count) { return random() % count; };
+  const AttributeValue dates[] = {NSDate(0.0), NSDate(-0.0), NSDate(1.0), {}};
+  const AttributeValue names[] = {std::string("a"), std::string("a"), std::string(), {}};
+  std::size_t removed = 0;
+  std::size_t kept = 0;
+  for (const double origin : {0.0, -46.0, 179.9999999, 5e6, 1e12}) {
+    for (const double step : {0.9e-8, 2.5e-8, 5e-8, 1e-7}) {
+      const ScratchFolder folder;
+      const PlansServices services(folder / "group");
+      for (int i = 0; i < 150; ++i) {
+        const auto coordinate = [&]() -> AttributeValue {
+          if (pick(40) == 0) return {};
+          return origin + (static_cast<double>(pick(25)) - 12.0) * step;
+        };
+        Add("Planning",
+            {{"latitude", coordinate()},
+             {"longitude", coordinate()},
+             {"date", dates[pick(4)]},
+             {"name", names[pick(4)]}},
+            std::vector<std::string>(pick(2), "x.jpg"));
+      }
+      ASSERT_FALSE(Database::sharedInstance().managedObjectContext()->save());
+      const auto all = All("Planning");
+      const auto duplicates = Database::duplicateObjectsInArray(all, equal);
+      NSManagedObjectContext::Objects expected;
+      std::copy_if(all.begin(), all.end(), std::back_inserter(expected), [&](const auto& plan) {
+        return std::find(duplicates.begin(), duplicates.end(), plan) == duplicates.end();
+      });
+      Database::sharedInstance().removeDuplicatesWithCompletion(
+          [](const auto& error) { EXPECT_FALSE(error); });
+      services.queue->RunAll();
+      EXPECT_EQ(All("Planning"), expected) << origin << ' ' << step;
+      kept += expected.size();
+      removed += all.size() - expected.size();
+    }
+  }
+  EXPECT_GT(removed, 200U);
+  EXPECT_GT(kept, 200U);
+}
+
+TEST(Database, RemovesDuplicatesOfManyPlansInTimeThatGrowsWithTheirNumber) {
+  // All the same; and as many, all in one spot of some centimetres, with few equals among them.
+  constexpr int kPlans = 40000;
+  const ScratchFolder folder;
+  const PlansServices services(folder / "group");
+  const auto context = Database::sharedInstance().managedObjectContext();
+  for (int i = 0; i < kPlans; ++i) {
+    const double step = i % 2 == 0 ? 0.0 : 3e-8 * (i % 317);
+    Add("Planning", {{"latitude", 46.0 + step},
+                     {"longitude", 14.0 + (i % 2 == 0 ? 0.0 : 3e-8 * (i / 317))},
+                     {"date", NSDate(1.0)},
+                     {"name", std::string(i % 2 == 0 ? "same" : "crowd")}});
+  }
+  ASSERT_FALSE(context->save());
+  const auto plans = All("Planning");
+  Database::sharedInstance().removeDuplicatesWithCompletion(
+      [](const auto& error) { EXPECT_FALSE(error); });
+  const auto start = std::chrono::steady_clock::now();
+  services.queue->RunAll();
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  RecordProperty("seconds", std::to_string(seconds.count()));
+  // A quarter of a second, where every pair would take more than a minute.
+  EXPECT_LT(seconds.count(), 30.0);
+  const auto left = All("Planning");
+  EXPECT_EQ(left.front(), plans.front());
+  EXPECT_EQ(std::count_if(left.begin(), left.end(),
+                          [](const auto& plan) { return plan->stringForKey("name") == "same"; }),
+            1);
 }
 
 TEST(Database, BringsAStoreFromVersion3To4) {
@@ -320,40 +407,81 @@ TEST(Database, WithoutAStoreFetchesNothingAndSaysWhy) {
   EXPECT_EQ(testing::Contents(folder / "foreign/Lumenquest.sqlite"), text);
 }
 
-TEST(Database, TheStaticStoreIsReadOnly) {
+TEST(Database, TheModelMayBeOfOneVersion) {
   const ScratchFolder folder;
+  const fs::path models = folder / "bundle/models";
+  fs::create_directories(models);
+  const PlansServices services(folder / "");
+  {
+    // Without a model there is no store.
+    Database without;
+    EXPECT_EQ(without.modelURL(), "");
+    EXPECT_EQ(without.managedObjectContext()->persistentStoreCoordinator()->persistentStore(),
+              nullptr);
+  }
+  std::ofstream(models / "Lumenquest.mom")
+      << R"({"model": "Lumenquest", "current": 4, "versions": [{"version": 4, "entities":
+           [{"name": "Planning", "class": "Planning",
+             "attributes": {"uniqueIdentifier": "string", "name": "string"}}]}]})";
+  Database& database = Database::sharedInstance();
+  EXPECT_EQ(database.modelURL().filename(), "Lumenquest.mom");
+  Add("Planning", {{"name", std::string("Bled")}});
+  ASSERT_FALSE(database.managedObjectContext()->save());
+  EXPECT_EQ(Names(All("Planning")), std::vector<std::string>{"Bled"});
+  // One of several versions goes before it.
+  fs::copy_file(fs::path(LUMENQUEST_TEST_RESOURCES) / "models/Lumenquest.momd",
+                models / "Lumenquest.momd");
+  EXPECT_EQ(database.modelURL().filename(), "Lumenquest.momd");
+}
+
+TEST(Database, TheStaticStoreHoldsSensorFormatsToBeReadOnly) {
+  const ScratchFolder folder;
+  const fs::path shipped = fs::path(LUMENQUEST_TEST_RESOURCES) / "models";
+  const auto names = [](const fs::path& in) {
+    std::set<std::string> files;
+    for (const auto& entry : fs::directory_iterator(in)) files.insert(entry.path().filename());
+    return files;
+  };
+  const auto before = names(shipped);
+  const std::string bytes = testing::Contents(shipped / "LumenquestStatic.sqlite");
+  for (const Role role : {Role::owner, Role::reader}) {
+    const PlansServices services(folder / "", role);
+    const auto context = Database::sharedInstance().staticManagedObjectContext();
+    const auto found = context->executeFetchRequest({"SensorFormat", std::nullopt, "sensorWidth"});
+    ASSERT_FALSE(found.error);
+    EXPECT_THAT(services.services.log->messages, ElementsAre());
+    ASSERT_GT(found.value.size(), 10U);
+    std::set<std::string> models;
+    for (const auto& format : found.value) {
+      const double width = format->numberForKey("sensorWidth").value();
+      const double height = format->numberForKey("sensorHeight").value();
+      const std::string model = format->stringForKey("model").value();
+      EXPECT_TRUE(models.insert(model).second) << model;
+      // Formats are wide by a third to a half; pixels are some micrometres wide.
+      EXPECT_NEAR(width / height, 1.43, 0.11) << model;
+      const double pixel =
+          1000.0 * std::sqrt(width * height / (format->numberForKey("megapixels").value() * 1e6));
+      EXPECT_TRUE(pixel > 1.0 && pixel < 8.0) << model << ' ' << pixel;
+      if (model == "Full frame") {
+        EXPECT_EQ(width, 36.0);
+        EXPECT_EQ(height, 24.0);
+      }
+    }
+    EXPECT_TRUE(models.contains("Full frame"));
+    context->deleteObject(found.value[0]);
+    EXPECT_TRUE(context->save());
+  }
+  EXPECT_EQ(testing::Contents(shipped / "LumenquestStatic.sqlite"), bytes);
+  EXPECT_EQ(names(shipped), before) << "reading leaves no file";
+
+  fs::create_directories(folder / "bundle");
   const PlansServices services(folder / "");
   const auto observer = std::make_shared<Observer>();
-  {
-    Database without;
-    without.setDelegate(observer);
-    EXPECT_TRUE(without.staticManagedObjectContext());
-    EXPECT_THAT(observer->told,
-                ElementsAre("<static_persistent_store_unresolved_error_title>"
-                            "<static_persistent_store_unresolved_error_message_ios>"));
-  }
-  fs::create_directories(folder / "bundle");
-  std::ofstream(folder / "bundle/LumenquestStatic.momd")
-      << R"({"model": "LumenquestStatic", "current": 1, "versions": [{"version": 1, "entities":
-           [{"name": "Sensor", "attributes": {"name": "string", "width": "number"}}]}]})";
-  Database& database = Database::sharedInstance();
-  const fs::path url = folder / "bundle/LumenquestStatic.sqlite";
-  {
-    const auto coordinator =
-        std::make_shared<NSPersistentStoreCoordinator>(database.staticManagedObjectModel());
-    ASSERT_FALSE(coordinator->addPersistentStore(url, {}));
-    NSManagedObjectContext writer(coordinator);
-    writer.insertNewObjectForEntityForName("Sensor")->setValue(std::int64_t{36}, "width");
-    ASSERT_FALSE(writer.save());
-  }
-  const std::string before = testing::Contents(url);
-  const auto context = database.staticManagedObjectContext();
-  const auto found = context->executeFetchRequest({"Sensor"});
-  ASSERT_EQ(found.value.size(), 1U);
-  EXPECT_EQ(found.value[0]->numberForKey("width"), 36.0);
-  context->deleteObject(found.value[0]);
-  EXPECT_TRUE(context->save());
-  EXPECT_EQ(testing::Contents(url), before);
+  Database::sharedInstance().setDelegate(observer);
+  EXPECT_TRUE(Database::sharedInstance().staticManagedObjectContext());
+  EXPECT_THAT(observer->told,
+              ElementsAre("<static_persistent_store_unresolved_error_title>"
+                          "<static_persistent_store_unresolved_error_message_ios>"));
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "adapters/json_models.h"
 #include "adapters/sqlite_object_store.h"
 #include "adapters/uuids.h"
+#include "adapters/xdg_file_manager.h"
 #include "platform/database.h"
 #include "platform/planning.h"
 #include "queue_in_memory.h"
@@ -48,12 +49,10 @@ class FakeFiles final : public platform::FileManager {
   }
   std::optional<std::filesystem::path> resource(const std::string& name,
                                                 const std::string& withExtension) override {
-    // A test may have put resources of its own into the group's folder.
-    const std::string file = name + "." + withExtension;
-    std::filesystem::path path = std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "models" / file;
-    if (group_ && std::filesystem::exists(*group_ / "bundle" / file))
-      path = *group_ / "bundle" / file;
-    return std::filesystem::exists(path) ? std::optional(path) : std::nullopt;
+    // A test may have put a bundle of its own into the group's folder.
+    const bool own = group_ && std::filesystem::exists(*group_ / "bundle");
+    return adapters::XdgFileManager(own ? *group_ / "bundle" : LUMENQUEST_TEST_RESOURCES)
+        .resource(name, withExtension);
   }
 
  private:

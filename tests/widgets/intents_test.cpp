@@ -95,7 +95,7 @@ TEST_F(IntentHandlerTest, MyLocationIsAlwaysOffered) {
   EXPECT_EQ(Options("nowhere"), kMyLocationAlone);
   EXPECT_TRUE(services.log->messages.empty());
   geocoder_->placemarks = {Placemark(CLLocation{{1.0, 2.0}}, "A", "B", "C")};
-  geocoder_->error = NSError{"Test", 7, "no network", {}};
+  geocoder_->error = NSError{"Test", 7, "no_network"};
   EXPECT_EQ(Options("offline"), kMyLocationAlone);
   EXPECT_EQ(services.log->messages.size(), 1u);
   EXPECT_EQ(geocoder_->addresses, (std::vector<std::string>{"nowhere", "offline"}));

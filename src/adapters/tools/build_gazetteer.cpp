@@ -3,21 +3,19 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <map>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "gazetteer_schema.h"
 #include "search_key.h"
-#include "sqlite_handle.h"
+#include "sqlite_connection.h"
+#include "tab_table.h"
 
 namespace lumenquest::adapters {
 namespace {
@@ -35,109 +33,23 @@ struct Place {
   std::string zone;
 };
 
-std::vector<std::string> Split(const std::string& text, char separator) {
-  std::vector<std::string> parts;
-  std::istringstream stream(text);
-  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
-  return parts;
-}
-
-template <typename Number>
-Number Parsed(const std::string& text) {
-  Number number{};
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) {
-    throw std::runtime_error("\"" + text + "\" is no number");
-  }
-  return number;
-}
-
-Place Read(const std::string& line) {
-  const std::vector<std::string> fields = Split(line, '\t');
+Place Read(const std::vector<std::string>& fields) {
   if (fields.size() != 10) throw std::runtime_error("expected 10 fields");
   Place place{fields[0],
-              Split(fields[1], ';'),
-              Parsed<double>(fields[2]),
-              Parsed<double>(fields[3]),
+              split(fields[1], ';'),
+              parsed<double>(fields[2]),
+              parsed<double>(fields[3]),
               fields[4],
               fields[5],
               fields[6],
               fields[7],
-              Parsed<std::int64_t>(fields[8]),
+              parsed<std::int64_t>(fields[8]),
               fields[9]};
   if (place.name.empty() || place.country.size() != 2 || place.zone.empty()) {
     throw std::runtime_error("expected a name, a country code and a time zone");
   }
   return place;
 }
-
-std::vector<Place> ReadTable(const std::string& path) {
-  std::ifstream file(path);
-  if (!file) throw std::runtime_error("cannot read it");
-  std::vector<Place> places;
-  std::size_t number = 0;
-  for (std::string line; std::getline(file, line);) {
-    ++number;
-    try {
-      places.push_back(Read(line));
-    } catch (const std::runtime_error& error) {
-      throw std::runtime_error("line " + std::to_string(number) + ": " + error.what());
-    }
-  }
-  return places;
-}
-
-class Writer {
- public:
-  explicit Writer(const std::string& path) {
-    sqlite3* database = nullptr;
-    const int code = sqlite3_open(path.c_str(), &database);
-    database_.reset(database);
-    Check(code);
-    Execute("PRAGMA page_size = 4096");
-    Execute("PRAGMA journal_mode = OFF");
-    Execute("PRAGMA synchronous = OFF");
-    Execute("PRAGMA application_id = " + std::to_string(kGazetteerApplicationId));
-    Execute("PRAGMA user_version = " + std::to_string(kGazetteerVersion));
-    Execute(kGazetteerSchema);
-  }
-
-  void Execute(const std::string& sql) {
-    Check(sqlite3_exec(database_.get(), sql.c_str(), nullptr, nullptr, nullptr));
-  }
-
-  StatementHandle Prepare(const char* sql) {
-    sqlite3_stmt* statement = nullptr;
-    Check(sqlite3_prepare_v2(database_.get(), sql, -1, &statement, nullptr));
-    return StatementHandle(statement);
-  }
-
-  template <typename... Values>
-  void Insert(const StatementHandle& statement, const Values&... values) {
-    int index = 0;
-    (Bind(statement.get(), ++index, values), ...);
-    if (sqlite3_step(statement.get()) != SQLITE_DONE) Check(sqlite3_errcode(database_.get()));
-    Check(sqlite3_reset(statement.get()));
-  }
-
- private:
-  void Check(int code) const {
-    if (code != SQLITE_OK) throw std::runtime_error(sqlite3_errmsg(database_.get()));
-  }
-
-  void Bind(sqlite3_stmt* statement, int index, const std::string& text) {
-    Check(sqlite3_bind_text(statement, index, text.data(), static_cast<int>(text.size()),
-                            SQLITE_TRANSIENT));
-  }
-  void Bind(sqlite3_stmt* statement, int index, double number) {
-    Check(sqlite3_bind_double(statement, index, number));
-  }
-  void Bind(sqlite3_stmt* statement, int index, std::int64_t number) {
-    Check(sqlite3_bind_int64(statement, index, number));
-  }
-
-  DatabaseHandle database_;
-};
 
 /// Postal abbreviations where GeoNames' codes are others.
 struct Abbreviation {
@@ -189,17 +101,24 @@ std::vector<std::string> AreaKeys(const Place& place) {
 void Write(std::vector<Place> places, const std::string& path) {
   std::stable_sort(places.begin(), places.end(),
                    [](const Place& a, const Place& b) { return a.population > b.population; });
-  Writer writer(path);
-  writer.Execute("BEGIN");
-  const auto insertZone = writer.Prepare("INSERT INTO zone VALUES (?, ?)");
-  const auto insertArea = writer.Prepare("INSERT INTO admin1 VALUES (?, ?, ?, ?)");
-  const auto insertAreaKey = writer.Prepare("INSERT OR IGNORE INTO admin1_key VALUES (?, ?)");
-  const auto insertPlace =
-      writer.Prepare("INSERT INTO place VALUES (?, ?, ?, ?, ?, NULLIF(?, 0), ?, ?, ?)");
-  const auto insertKey = writer.Prepare("INSERT INTO name_key VALUES (?, ?)");
-  const auto insertBox = writer.Prepare("INSERT INTO place_box VALUES (?1, ?2, ?2, ?3, ?3)");
-  const auto insertSearch =
-      writer.Prepare("INSERT INTO place_search (rowid, names, region) VALUES (?, ?, ?)");
+  SqliteConnection connection(path, SqliteConnection::Mode::create);
+  connection.Run("PRAGMA page_size = 4096");
+  // A build that is broken off starts anew.
+  connection.Run("PRAGMA journal_mode = MEMORY");
+  connection.Run("PRAGMA synchronous = OFF");
+  connection.Run("PRAGMA application_id = " + std::to_string(kGazetteerApplicationId));
+  connection.Run("PRAGMA user_version = " + std::to_string(kGazetteerVersion));
+  connection.Run(kGazetteerSchema);
+  SqliteTransaction transaction(connection, true);
+  SqliteStatement insertZone(connection, "INSERT INTO zone VALUES (?, ?)");
+  SqliteStatement insertArea(connection, "INSERT INTO admin1 VALUES (?, ?, ?, ?)");
+  SqliteStatement insertAreaKey(connection, "INSERT OR IGNORE INTO admin1_key VALUES (?, ?)");
+  SqliteStatement insertPlace(connection,
+                              "INSERT INTO place VALUES (?, ?, ?, ?, ?, NULLIF(?, 0), ?, ?, ?)");
+  SqliteStatement insertKey(connection, "INSERT INTO name_key VALUES (?, ?)");
+  SqliteStatement insertBox(connection, "INSERT INTO place_box VALUES (?1, ?2, ?2, ?3, ?3)");
+  SqliteStatement insertSearch(connection,
+                               "INSERT INTO place_search (rowid, names, region) VALUES (?, ?, ?)");
 
   std::map<std::string, std::int64_t> zones;
   std::map<std::pair<std::string, std::string>, std::int64_t> areas;
@@ -209,7 +128,7 @@ void Write(std::vector<Place> places, const std::string& path) {
     ++id;
     const auto [zone, isNewZone] =
         zones.emplace(place.zone, static_cast<std::int64_t>(zones.size() + 1));
-    if (isNewZone) writer.Insert(insertZone, zone->second, zone->first);
+    if (isNewZone) insertZone.Run(zone->second, zone->first);
 
     std::int64_t area = 0;
     if (!place.admin1Name.empty()) {
@@ -217,13 +136,13 @@ void Write(std::vector<Place> places, const std::string& path) {
                                                     static_cast<std::int64_t>(areas.size() + 1));
       area = found->second;
       if (isNewArea) {
-        writer.Insert(insertArea, area, place.country, place.admin1Code, place.admin1Name);
-        for (const std::string& key : AreaKeys(place)) writer.Insert(insertAreaKey, key, area);
+        insertArea.Run(area, place.country, place.admin1Code, place.admin1Name);
+        for (const std::string& key : AreaKeys(place)) insertAreaKey.Run(key, area);
       }
     }
-    writer.Insert(insertPlace, id, place.name, place.latitude, place.longitude, place.country, area,
-                  place.admin2Name, place.population, zone->second);
-    writer.Insert(insertBox, id, place.latitude, place.longitude);
+    insertPlace.Run(id, place.name, place.latitude, place.longitude, place.country, area,
+                    place.admin2Name, place.population, zone->second);
+    insertBox.Run(id, place.latitude, place.longitude);
 
     std::string text;
     std::set<std::string> own;
@@ -236,13 +155,13 @@ void Write(std::vector<Place> places, const std::string& path) {
         keys.emplace(key, id);
       }
     }
-    writer.Insert(insertSearch, id, text, "c" + place.country + " a" + std::to_string(area));
+    insertSearch.Run(id, text, "c" + place.country + " a" + std::to_string(area));
   }
-  for (const auto& [key, place] : keys) writer.Insert(insertKey, key, place);
-  writer.Execute("INSERT INTO place_search (place_search) VALUES ('optimize')");
-  writer.Execute("COMMIT");
-  writer.Execute("ANALYZE");
-  writer.Execute("VACUUM");
+  for (const auto& [key, place] : keys) insertKey.Run(key, place);
+  connection.Run("INSERT INTO place_search (place_search) VALUES ('optimize')");
+  transaction.Commit();
+  connection.Run("ANALYZE");
+  connection.Run("VACUUM");
 }
 
 }  // namespace
@@ -260,7 +179,9 @@ int main(int argc, char** argv) {
   const std::string unfinished = file + ".new";
   try {
     std::filesystem::remove(unfinished);
-    Write(ReadTable(table), unfinished);
+    std::vector<Place> places;
+    readTable(table, [&](const auto& fields) { places.push_back(Read(fields)); });
+    Write(std::move(places), unfinished);
     std::filesystem::rename(unfinished, file);
   } catch (const std::exception& error) {
     std::cerr << "build_gazetteer: " << table << ": " << error.what() << "\n";

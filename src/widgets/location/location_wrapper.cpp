@@ -132,7 +132,7 @@ void LocationWrapper::handle(const LocationEvent& event, const std::shared_ptr<R
     Request::ResolvePlace(request, fix->location);
     request->isDone = true;
   } else if (const auto* const failure = std::get_if<LocationError>(&event)) {
-    request->errorReporter(failure->error.localizedDescription);
+    request->errorReporter(failure->error.localizedDescription());
     Request::ResolvePlace(request, std::nullopt);
     request->isDone = true;
   } else {

@@ -21,7 +21,7 @@ class GazetteerGeocoder final : public platform::Geocoder {
     kUnavailable = 1,
   };
 
-  /// Opens the gazetteer; throws std::runtime_error with one line where it cannot.
+  /// Opens the gazetteer; throws GazetteerError where it cannot.
   using Opener = std::function<std::shared_ptr<Gazetteer>()>;
 
   GazetteerGeocoder(std::shared_ptr<Gazetteer> gazetteer,

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/ns_error.h"
 #include "platform/ns_user_defaults.h"
 
 namespace lumenquest::adapters {
@@ -28,8 +29,8 @@ class SqliteUserDefaults final : public platform::NSUserDefaults {
   /// False when a write since the last call failed.
   bool synchronize() override;
 
-  /// What went wrong last, in one line without the file's name; nothing when all went well.
-  std::optional<std::string> error() const;
+  /// What went wrong last; nothing when all went well.
+  std::optional<platform::NSError> error() const;
   const std::string& path() const { return path_; }
 
  private:
@@ -41,7 +42,7 @@ class SqliteUserDefaults final : public platform::NSUserDefaults {
   std::string path_;
   mutable std::mutex mutex_;
   mutable std::unique_ptr<SqliteConnection> connection_;
-  mutable std::optional<std::string> error_;
+  mutable std::optional<platform::NSError> error_;
   bool writable_ = false;
   bool writeFailed_ = false;
 };

@@ -20,8 +20,8 @@ std::string settingsPath();
 /// What went wrong last with that file; nothing when all went well.
 std::optional<std::string> settingsError();
 
-/// The places of the world, countries in the language of a locale. Throws std::runtime_error when
-/// its file is missing or damaged.
+/// The places of the world, countries in the language of a locale. Throws adapters::GazetteerError
+/// when its file is missing or damaged.
 std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale);
 
 /// Who asks for the plans: the main application, which makes, migrates and changes their store, or

@@ -70,12 +70,13 @@ class Database {
   void performUpdatesFrom3To4();
 
   /// The later member of every pair of equals, in the order of the pairs; an object with several
-  /// earlier equals comes several times.
+  /// earlier equals comes several times. Compares every pair: O(n²).
   static Objects duplicateObjectsInArray(const Objects& array, const Compare& withCompare);
   /// Deletes the duplicates of all entities, later, on the main queue. Does nothing before the
   /// context has been asked for. Objects are equal when places differ by less than 1e-7 degrees and
-  /// all else is the same; what lacks a part that is compared equals nothing. `completion` gets the
-  /// error of the save.
+  /// all else is the same; what lacks a part that is compared equals nothing. Deletes the objects
+  /// that duplicateObjectsInArray() would list, in O(n log n). `completion` gets the error of the
+  /// save.
   void removeDuplicatesWithCompletion(Completion completion);
 
   std::shared_ptr<DatabaseDelegate> delegate() const { return delegate_.lock(); }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -38,6 +39,7 @@ class FormatArgument {
 /// Fills the placeholders of a format: %@ (text), %d (integer), %f and %.1f (number with 6 or the
 /// given number of decimals, always with a point), %% (a percent sign), in order or by position
 /// (%2$@). A placeholder without an argument becomes empty; what is no placeholder stays.
+std::string stringWithFormat(std::string_view format, std::span<const FormatArgument> arguments);
 std::string stringWithFormat(std::string_view format,
                              std::initializer_list<FormatArgument> arguments);
 

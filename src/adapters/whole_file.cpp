@@ -1,0 +1,127 @@
+#include "whole_file.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <string>
+#include <string_view>
+#include <system_error>
+
+#include "adapters/uuids.h"
+
+namespace lumenquest::adapters {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kUnfinished = ".new";
+constexpr std::size_t kUuidSize = 36;
+/// The file itself, and what SQLite may have beside it.
+constexpr std::array<std::string_view, 4> kCompanions{"", "-journal", "-wal", "-shm"};
+
+/// An open folder and a lock on it, which the system takes back when its process ends, however it
+/// ends. Who makes files holds it with others; who sweeps holds it alone. So a file that a sweeper
+/// finds has no living maker, in whatever container he lives, which neither process numbers nor
+/// ages could tell; and no file is locked that SQLite locks itself.
+class FolderLock {
+ public:
+  FolderLock(const fs::path& folder, int operation)
+      : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (descriptor_ < 0) return;
+    int result = 0;
+    do {
+      result = ::flock(descriptor_, operation);
+    } while (result != 0 && errno == EINTR);
+    isHeld_ = result == 0;
+  }
+  ~FolderLock() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+  FolderLock(const FolderLock&) = delete;
+  FolderLock& operator=(const FolderLock&) = delete;
+
+  bool isHeld() const { return isHeld_; }
+  void Sync() const { ::fsync(descriptor_); }
+
+ private:
+  int descriptor_;
+  bool isHeld_ = false;
+};
+
+bool IsUuid(std::string_view text) {
+  return text.size() == kUuidSize && std::all_of(text.begin(), text.end(), [](char c) {
+           return c == '-' || (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F');
+         });
+}
+
+/// Whether the name is one that writeWhole() gives, or SQLite beside it.
+bool IsUnfinished(std::string_view name, std::string_view ofFile) {
+  if (!name.starts_with(ofFile) || name.size() <= ofFile.size() + 1 + kUuidSize) return false;
+  name.remove_prefix(ofFile.size());
+  if (name.front() != '.' || !IsUuid(name.substr(1, kUuidSize))) return false;
+  name.remove_prefix(1 + kUuidSize);
+  if (!name.starts_with(kUnfinished)) return false;
+  name.remove_prefix(kUnfinished.size());
+  return std::find(kCompanions.begin(), kCompanions.end(), name) != kCompanions.end();
+}
+
+}  // namespace
+
+bool writeWhole(const fs::path& url, const std::function<void(SqliteConnection&)>& write) {
+  const fs::path folder = fs::absolute(url).parent_path();
+  if (!fs::exists(folder)) {
+    fs::create_directories(folder);
+    // Where somebody will be and when is nobody else's business.
+    fs::permissions(folder, fs::perms::owner_all);
+  }
+  // A file system without such locks has no sweepers either.
+  const FolderLock lock(folder, LOCK_SH);
+  const std::string unfinished =
+      url.string() + "." + RandomUUIDs().UUIDString() + std::string(kUnfinished);
+  const auto remove = [&] {
+    std::error_code ignored;
+    for (const std::string_view companion : kCompanions) {
+      fs::remove(unfinished + std::string(companion), ignored);
+    }
+  };
+  try {
+    {
+      SqliteConnection connection(unfinished, SqliteConnection::Mode::create);
+      write(connection);
+      // Last, so that nothing of the file is in a log that does not get its name.
+      connection.Run("PRAGMA journal_mode = WAL");
+    }
+    // A link, unlike a rename, never replaces a file.
+    const bool linked = ::link(unfinished.c_str(), url.c_str()) == 0;
+    const int reason = errno;
+    remove();
+    if (!linked && reason != EEXIST) {
+      throw fs::filesystem_error("link", url, std::error_code(reason, std::generic_category()));
+    }
+    lock.Sync();
+    return linked;
+  } catch (...) {
+    remove();
+    throw;
+  }
+}
+
+void sweepUnfinished(const fs::path& url) {
+  std::error_code error;
+  const fs::path folder = fs::absolute(url, error).parent_path();
+  const FolderLock lock(folder, LOCK_EX | LOCK_NB);
+  if (!lock.isHeld()) return;
+  const std::string file = url.filename().string();
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code ignored;
+    if (IsUnfinished(entry->path().filename().string(), file)) fs::remove(entry->path(), ignored);
+  }
+}
+
+}  // namespace lumenquest::adapters
