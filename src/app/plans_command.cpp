@@ -336,8 +336,8 @@ std::string ImportPlans(const PlansOptions& options) {
   auto parsed = adapters::parseICalendar(ReadInput(options.file), zoneOf);
   if (parsed.error) {
     throw UsageError(stringWithFormat(
-        appText("error_calendar"), {printableText(options.file.value_or(""), 200),
-                                    parsed.error->localizedDescription()}));
+        appText("error_calendar"),
+        {printableText(options.file.value_or(""), 200), parsed.error->localizedDescription()}));
   }
 
   installServices({locale, nullptr, StoreRole::owner});

@@ -4,7 +4,9 @@
 #include <utility>
 
 #include "events/ephemeris_utils.h"
+#include "events/moon_shadow.h"
 #include "platform/formatters.h"
+#include "platform/services.h"
 
 namespace lumenquest::events {
 
@@ -42,6 +44,18 @@ void CelestialBodyEvent::setMjdTransit(double mjd) {
 void CelestialBodyEvent::setMjdSet(double mjd) {
   mjdSet_ = mjd;
   setTimeInterval_ = EphemerisUtils::mjdToTimeInterval(mjd);
+}
+
+platform::UIImage BodyInfoMoonEvent::moonPhaseImageWithWidth(double width) const {
+  const auto moon = platform::Services::current().assets().imageNamed("moon");
+  if (!moon) return {{width, width}, {}};
+  platform::UIImage image = MoonShadow::drawShadowOnMoonImage(
+      *moon, static_cast<double>(phaseData.zenithAngle), phaseData.phase,
+      static_cast<double>(phaseData.sunElevation), static_cast<double>(phaseData.phaseIllumination),
+      false);
+  platform::ImageContext context({width, width * image.size.height / image.size.width});
+  context.drawImage(image, {0.0, 0.0, width, width * image.size.height / image.size.width}, {});
+  return context.image();
 }
 
 BodyPathItem::BodyPathItem(double azimuth_, double elevation_, double mjd_, bool addTimeString)

@@ -61,4 +61,10 @@ UIColor::HSBA UIColor::toHSBA() const {
   return {sectors / 6.0, range / largest, largest, alpha};
 }
 
+UIColor UIColor::interpolatedMoonShadowColor(double fraction) {
+  HSBA hsba = kDaySkyColor.toHSBA();
+  hsba.brightness *= AsFraction(fraction);
+  return fromHSBA(hsba);
+}
+
 }  // namespace lumenquest::platform

@@ -7,6 +7,7 @@
 
 #include "events/moon_phase_result.h"
 #include "platform/core_graphics.h"
+#include "platform/drawing.h"
 #include "platform/named_color.h"
 #include "platform/ns_date.h"
 
@@ -54,6 +55,9 @@ class BodyInfoSunEvent final : public BodyInfoEvent {
 class BodyInfoMoonEvent final : public BodyInfoEvent {
  public:
   using BodyInfoEvent::BodyInfoEvent;
+  /// The Moon with its shadow, so many points wide; nothing to see when the bundle lacks its
+  /// picture.
+  platform::UIImage moonPhaseImageWithWidth(double width) const;
   MoonPhaseResult phaseData;
 };
 

@@ -7,63 +7,10 @@
 #include <variant>
 #include <vector>
 
+#include "platform/core_graphics.h"
 #include "platform/ui_color.h"
 
 namespace lumenquest::platform {
-
-// Points are the unit of all lengths; x grows to the right, y downwards.
-
-struct CGPoint {
-  double x = 0.0;
-  double y = 0.0;
-
-  bool operator==(const CGPoint&) const = default;
-};
-
-struct CGSize {
-  double width = 0.0;
-  double height = 0.0;
-
-  bool operator==(const CGSize&) const = default;
-};
-
-struct CGRect {
-  double x = 0.0;
-  double y = 0.0;
-  double width = 0.0;
-  double height = 0.0;
-
-  bool operator==(const CGRect&) const = default;
-
-  CGPoint center() const { return {x + width / 2.0, y + height / 2.0}; }
-  /// Smaller by this much on every side.
-  CGRect insetBy(double inset) const {
-    return {x + inset, y + inset, width - 2.0 * inset, height - 2.0 * inset};
-  }
-};
-
-/// A point (x, y) goes to (a x + c y + tx, b x + d y + ty).
-struct CGAffineTransform {
-  double a = 1.0;
-  double b = 0.0;
-  double c = 0.0;
-  double d = 1.0;
-  double tx = 0.0;
-  double ty = 0.0;
-
-  bool operator==(const CGAffineTransform&) const = default;
-
-  static CGAffineTransform translation(double x, double y) { return {1.0, 0.0, 0.0, 1.0, x, y}; }
-  static CGAffineTransform scale(double x, double y) { return {x, 0.0, 0.0, y, 0.0, 0.0}; }
-  /// Radians, from the x axis towards the y axis: clockwise on a screen.
-  static CGAffineTransform rotation(double angle);
-
-  /// This transform, and after it another.
-  CGAffineTransform then(const CGAffineTransform& next) const;
-  CGPoint apply(CGPoint point) const {
-    return {a * point.x + c * point.y + tx, b * point.x + d * point.y + ty};
-  }
-};
 
 /// Lines and cubic Bézier curves.
 class UIBezierPath {

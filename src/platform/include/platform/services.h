@@ -11,6 +11,7 @@
 
 #include "platform/assertion.h"
 #include "platform/cl_location_manager.h"
+#include "platform/drawing.h"
 #include "platform/formatters.h"
 #include "platform/geocoder.h"
 #include "platform/ns_calendar.h"
@@ -144,6 +145,9 @@ class Services {
     std::shared_ptr<Geocoder> geocoder{};
     std::shared_ptr<LocationService> locations{};
     std::shared_ptr<GeodesyService> geodesy{};
+    /// Whoever draws needs these.
+    std::shared_ptr<AssetCatalog> assets{};
+    std::shared_ptr<TextMeasurer> textMeasurer{};
   };
 
   ~Services();
@@ -172,6 +176,8 @@ class Services {
   MainQueue& mainQueue() { return Given(adapters_.mainQueue); }
   LocationService& locations() { return Given(adapters_.locations); }
   GeodesyService& geodesy() { return Given(adapters_.geodesy); }
+  AssetCatalog& assets() { return Given(adapters_.assets); }
+  TextMeasurer& textMeasurer() { return Given(adapters_.textMeasurer); }
   Geocoder& geocoder() { return Given(adapters_.geocoder); }
 
   // Objects shared by the process, made when first asked for.

@@ -30,8 +30,15 @@ struct UIColor {
   /// NaN.
   HSBA toHSBA() const;
 
+  /// Of the Moon's unlit part, which is the sky before it: 0 in the night, black, to 1 by day,
+  /// blue.
+  static UIColor interpolatedMoonShadowColor(double fraction);
+
   /// The colour with another opacity.
   constexpr UIColor withAlpha(double opacity) const { return {red, green, blue, opacity}; }
 };
+
+/// The sky by day, and the views' light accent.
+inline constexpr UIColor kDaySkyColor{74.0 / 255.0, 193.0 / 255.0, 224.0 / 255.0, 1.0};
 
 }  // namespace lumenquest::platform

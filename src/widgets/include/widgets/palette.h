@@ -21,6 +21,6 @@ inline constexpr platform::UIColor kCivilTwiligthLayerColor = fromBytes(38, 137,
 inline constexpr platform::UIColor kNauticalTwilightLayerColor = fromBytes(33, 79, 216);
 inline constexpr platform::UIColor kAstronomicalTwilightLayerColor = fromBytes(30, 52, 152);
 /// Light accent of the views.
-inline constexpr platform::UIColor kLightAccent = fromBytes(74, 193, 224);
+inline constexpr platform::UIColor kLightAccent = platform::kDaySkyColor;
 
 }  // namespace lumenquest::widgets::palette
