@@ -1,0 +1,80 @@
+#include "widgets/galactic_center/galactic_center_views.h"
+
+#include "platform/localized_strings.h"
+#include "widgets/location/location_views.h"
+#include "widgets/view/style.h"
+
+namespace lumenquest::widgets {
+
+using namespace view;
+
+Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family) {
+  constexpr double kSmallBand = 18.0;
+  constexpr double kLargeBand = 26.0;
+  const bool isSmall = family == WidgetFamily::systemSmall;
+  const Element band = image("galacticCenterIcon", isSmall ? kLargeBand : kSmallBand) |
+                       rotated(end.bandTilt) | color(named("accent")) | accented();
+  const Element time = text(end.time) | monospacedDigits() | minScale(kLeastScale) |
+                       font(isSmall ? kHeadline : kBody, platform::FontWeight::semibold);
+  const Element azimuth = caption(end.azimuth) | monospacedDigits();
+  if (isSmall) {
+    return hstack(
+        {band, vstack({caption(end.title), time}, 0.0, Alignment::start), spacer(kGap), azimuth},
+        2.0 * kGap);
+  }
+  return hstack(
+      {band, caption(end.title), spacer(kGap), time, azimuth | frameWidth(42.0, Alignment::end)},
+      kGap);
+}
+
+Element GalacticCenterNotVisibleUntilView(const std::string& words) {
+  constexpr double kIcon = 20.0;
+  return hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentSecondary")),
+                 text(words) | font(kBody) | lineLimit(3) | minScale(kLeastScale)},
+                2.0 * kGap);
+}
+
+Element MoonlessHoursView(const std::string& title, const std::string& hours) {
+  return hstack(
+      {image("moonlessHoursIcon", kSmallIcon) | color(named("contentSecondary")), caption(title),
+       spacer(kGap), body(hours, platform::FontWeight::medium) | monospacedDigits()},
+      kGap);
+}
+
+Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family) {
+  const double gap = family == WidgetFamily::systemSmall ? 2.0 * kGap : kGap;
+  Elements lines;
+  for (const GCRiseSetTime& end : content.window) lines.push_back(GCRiseSetTimeView(end, family));
+  if (!content.notVisibleUntil.empty()) {
+    lines.push_back(GalacticCenterNotVisibleUntilView(content.notVisibleUntil));
+  }
+  if (!content.alwaysInvisible.empty()) {
+    constexpr double kIcon = 20.0;
+    lines.push_back(
+        hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentSecondary")),
+                text(content.alwaysInvisible) | font(kBody) | lineLimit(3) | minScale(kLeastScale)},
+               2.0 * kGap));
+  }
+  if (!content.moonlessHours.empty()) {
+    constexpr double kTopInset = 2.0;
+    lines.push_back(MoonlessHoursView(content.moonlessHoursTitle, content.moonlessHours) |
+                    padding({kTopInset, 0.0, 0.0, 0.0}));
+  }
+  return vstack(std::move(lines), gap, Alignment::start);
+}
+
+Element GalacticCenterWidgetEntryView(const GalacticCenterTimelineEntry& entry,
+                                      const Environment& environment) {
+  return chosenView(entry.data.locationData, environment, [&] {
+    const GCVisibilityContent content = gcVisibilityContent(entry.data, environment.family);
+    return panel(
+        vstack({PostalAddressView(entry.data.locationData) | fillWidth(), spacer(),
+                caption(platform::localizedString("appwidget_milky_way", platform::kTableCommon)) |
+                    fillWidth(),
+                GCVisibilityView(content, environment.family), spacer()},
+               kGap, Alignment::start),
+        "backgroundPrimary", environment);
+  });
+}
+
+}  // namespace lumenquest::widgets

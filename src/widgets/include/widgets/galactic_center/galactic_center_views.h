@@ -1,0 +1,20 @@
+#pragma once
+
+#include "widgets/galactic_center/galactic_center_provider.h"
+#include "widgets/view/element.h"
+#include "widgets/view/environment.h"
+
+namespace lumenquest::widgets {
+
+view::Element GalacticCenterWidgetEntryView(const GalacticCenterTimelineEntry& entry,
+                                            const view::Environment& environment);
+
+/// Tonight's window, the next visible date, or that the centre is never seen; in the large family
+/// the moonless hours under it.
+view::Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family);
+/// One end of the window, with a hint of how the galactic band leans then.
+view::Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family);
+view::Element GalacticCenterNotVisibleUntilView(const std::string& text);
+view::Element MoonlessHoursView(const std::string& title, const std::string& hours);
+
+}  // namespace lumenquest::widgets

@@ -1,0 +1,82 @@
+#include "widgets/location/location_views.h"
+
+#include "platform/localized_strings.h"
+#include "widgets/view/style.h"
+
+namespace lumenquest::widgets {
+
+using namespace view;
+using platform::localizedString;
+
+namespace {
+
+/// An icon with a sentence under it, in the middle.
+Element Message(const Element& icon, const char* key, double size) {
+  constexpr int kLines = 6;
+  return vstack({icon, text(localizedString(key, platform::kTableCommon)) | font(size) |
+                           lineLimit(kLines) | align(platform::TextAlignment::center) |
+                           minScale(kLeastScale)},
+                2.0 * kGap) |
+         padding(insets(kContentInset));
+}
+
+}  // namespace
+
+Element LocationServicesDisabledView() {
+  constexpr double kIcon = 28.0;
+  return Message(image("disabledLocationIcon", kIcon) | color(named("contentSecondary")),
+                 "location_denied_error_message_ios", kBody);
+}
+
+Element LocationTimeOutView() {
+  return Message(image("location.fill", kCaption) | color(named("contentSecondary")),
+                 "location_timeout", kBody);
+}
+
+Element PostalAddressView(const LocationWidgetData& data) {
+  const std::string address = data.address.value_or("");
+  if (address.empty()) return nothing();
+  constexpr double kArrow = 8.0;
+  Elements line;
+  if (data.isCurrentLocation) {
+    line.push_back(image("location.fill", kArrow) | color(named("contentSecondary")) | mirrored());
+  }
+  line.push_back(text(address) | font(kBody, platform::FontWeight::semibold) |
+                 color(named("contentSecondary")) | minScale(kLeastScale));
+  return hstack(std::move(line), kGap);
+}
+
+Element BodyRiseSetTimeView(const BodyRiseSetTime& time) {
+  return hstack(
+      {image(time.isRise ? "bodyRise" : "bodySet", kSmallIcon) | color(named("contentSecondary")),
+       body(time.text) | monospacedDigits()},
+      kGap);
+}
+
+Element RiseSetView(double mjdRise, double mjdSet, double mjdTomorrowAt0,
+                    const LocationWidgetData& data) {
+  const RiseSetContent content = riseSetContent(mjdRise, mjdSet, mjdTomorrowAt0, data);
+  if (!content.sentence.empty()) return caption(content.sentence);
+  if (content.times.empty()) return nothing();
+  return hstack(
+      {BodyRiseSetTimeView(content.times[0]), spacer(kGap), BodyRiseSetTimeView(content.times[1])});
+}
+
+Element chosenView(const LocationWidgetData& data, const Environment& environment,
+                   const std::function<Element()>& information) {
+  switch (contentFor(data)) {
+    case WidgetContent::locationDenied:
+      return widgetBackground(LocationServicesDisabledView() | fillWidth(Alignment::center) |
+                                  fillHeight(Alignment::center),
+                              environment);
+    case WidgetContent::locationTimeOut:
+      return widgetBackground(
+          LocationTimeOutView() | fillWidth(Alignment::center) | fillHeight(Alignment::center),
+          environment);
+    case WidgetContent::information:
+      break;
+  }
+  return widgetBackground(information(), environment);
+}
+
+}  // namespace lumenquest::widgets

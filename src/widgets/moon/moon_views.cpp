@@ -1,0 +1,156 @@
+#include "widgets/moon/moon_views.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "ephemeris/constants.h"
+#include "events/moon_shadow.h"
+#include "platform/localized_strings.h"
+#include "platform/services.h"
+#include "widgets/deep_links.h"
+#include "widgets/galactic_center/galactic_center_views.h"
+#include "widgets/location/location_views.h"
+#include "widgets/palette.h"
+#include "widgets/view/style.h"
+
+namespace lumenquest::widgets {
+
+using namespace view;
+using platform::CGAffineTransform;
+using platform::CGPoint;
+using platform::CGRect;
+using platform::CGSize;
+using platform::UIBezierPath;
+
+UIBezierPath MoonShadowView::path(CGSize size) const {
+  UIBezierPath path;
+  if (phase >= 1.0f) return path;
+  const double r = std::min(size.width, size.height) / 2.0;
+  const CGPoint center{size.width / 2.0, size.height / 2.0};
+  const double side = isMoonWaning ? -1.0 : 1.0;
+  const double dark = 1.0 - static_cast<double>(phase);
+  path.moveTo({center.x, center.y + r});
+  for (int t = 90; t <= 269; ++t) {
+    const double angle = t * ephemeris::kDegreesToRadians;
+    // The chord is a single-precision number.
+    const double chord =
+        static_cast<double>(std::fabs(static_cast<float>(2.0 * r * std::cos(angle))));
+    const double limb = chord / 2.0;
+    const double terminator = limb - dark * chord;
+    path.lineTo({center.x + side * std::min(limb, terminator), center.y + r * std::sin(angle)});
+  }
+  for (int t = 270; t <= 449; ++t) {
+    const double angle = t * ephemeris::kDegreesToRadians;
+    path.lineTo({center.x + r * side * std::cos(angle), center.y + r * std::sin(angle)});
+  }
+  path.close();
+  return path;
+}
+
+platform::UIColor MoonShadowView::color() const {
+  if (isTinted) return {0.0, 0.0, 0.0, 1.0};
+  return platform::UIColor::interpolatedMoonShadowColor(
+      events::MoonShadow::skyBrightness(static_cast<double>(sunElevation)));
+}
+
+namespace {
+
+/// Turns about a point, clockwise, by degrees.
+CGAffineTransform Turn(CGPoint center, double degrees) {
+  return CGAffineTransform::translation(-center.x, -center.y)
+      .then(CGAffineTransform::rotation(degrees * ephemeris::kDegreesToRadians))
+      .then(CGAffineTransform::translation(center.x, center.y));
+}
+
+}  // namespace
+
+void MoonShadowView::draw(platform::Canvas& canvas, CGSize size) const {
+  const UIBezierPath shadow = path(size);
+  if (shadow.segments().empty()) return;
+  constexpr double kHalfTurn = 180.0;
+  canvas.save();
+  canvas.concatenate(
+      Turn({size.width / 2.0, size.height / 2.0}, kHalfTurn + static_cast<double>(zenithAngle)));
+  canvas.fill(shadow, color());
+  canvas.restore();
+}
+
+Element MoonIconView(const MoonWidgetData& data, double size, const Environment& environment) {
+  constexpr double kRing = 1.5;
+  const CGSize box{size, size};
+  const CGRect whole{0.0, 0.0, size, size};
+  // A supermoon's ring stands clear of the disc.
+  const CGRect disc = data.isSupermoon ? whole.insetBy(2.0 * kRing) : whole;
+  platform::ImageContext context(box);
+  context.save();
+  context.clip(UIBezierPath::ellipse(disc));
+  if (const auto moon = platform::Services::current().assets().imageNamed("moon")) {
+    context.save();
+    context.concatenate(Turn(whole.center(), static_cast<double>(data.zenithAngle)));
+    context.drawImage(*moon, disc, {});
+    context.restore();
+  }
+  context.concatenate(CGAffineTransform::translation(disc.x, disc.y));
+  const MoonShadowView shadow{data.moonPhase, data.zenithAngle, data.sunElevation,
+                              data.isMoonWaning, environment.isTinted()};
+  shadow.draw(context, {disc.width, disc.height});
+  context.restore();
+  if (data.isSupermoon) {
+    context.stroke(UIBezierPath::ellipse(whole.insetBy(kRing / 2.0)),
+                   environment.isTinted() ? environment.accent : palette::kLumenquestYellow,
+                   {kRing});
+  }
+  return picture(context.image(), size);
+}
+
+namespace {
+
+Element Phase(const MoonContent& content, int lines) {
+  return text(content.phase) | font(kBody) | lineLimit(lines) | minScale(kLeastScale) |
+         align(platform::TextAlignment::center);
+}
+
+Element MoonRiseSet(const MoonWidgetData& data) {
+  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData);
+}
+
+}  // namespace
+
+Element MoonInfoViewSmall(const MoonWidgetData& data, const Environment& environment) {
+  constexpr double kMoon = 62.0;
+  const MoonContent content = moonContent(data, nullptr, WidgetFamily::systemSmall);
+  return vstack({PostalAddressView(data.locationData) | fillWidth(), spacer(),
+                 MoonIconView(data, kMoon, environment) | fillWidth(Alignment::center), spacer(),
+                 Phase(content, 2) | fillWidth(Alignment::center), MoonRiseSet(data)},
+                kGap, Alignment::start);
+}
+
+Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidgetData& gcData,
+                           const Environment& environment) {
+  constexpr double kMoon = 76.0;
+  constexpr double kMoonColumn = 100.0;
+  const MoonContent content = moonContent(data, &gcData, environment.family);
+  return hstack({vstack({MoonIconView(data, kMoon, environment), Phase(content, 2)}, 1.5 * kGap) |
+                     frameWidth(kMoonColumn) | fillHeight(Alignment::center),
+                 vstack({PostalAddressView(data.locationData) | fillWidth(), spacer(),
+                         GCVisibilityView(*content.galacticCenter, environment.family), spacer(),
+                         divider(), MoonRiseSet(data)},
+                        1.5 * kGap, Alignment::start) |
+                     fillWidth()},
+                kContentInset);
+}
+
+Element MoonWidgetEntryView(const MoonTimelineEntry& entry, const Environment& environment) {
+  return chosenView(entry.data.locationData, environment,
+                    [&] {
+                      const bool isSmall = environment.family == WidgetFamily::systemSmall ||
+                                           !entry.gcData.has_value();
+                      return panel(isSmall
+                                       ? MoonInfoViewSmall(entry.data, environment)
+                                       : MoonInfoViewMedium(entry.data, *entry.gcData, environment),
+                                   "backgroundPrimary", environment);
+                    }) |
+         link(kMoonLink);
+}
+
+}  // namespace lumenquest::widgets
