@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+
+#include "platform/drawing.h"
+
+namespace lumenquest::adapters {
+
+/// A gradient without extent is its last colour everywhere, as in SVG; absent for one that has an
+/// extent. Fully transparent for one without stops.
+std::optional<platform::UIColor> onlyColorOf(const platform::Gradient& gradient);
+
+/// Each component within 0 to 1; what is not a number counts as 0.
+platform::UIColor inRange(const platform::UIColor& color);
+
+/// True for one that brings all points onto a line or into one point.
+bool isCollapsing(const platform::CGAffineTransform& transform);
+
+/// The largest ratio between the width of a line and the length of the tip of a mitred corner;
+/// sharper ones are cut off. SVG's default.
+inline constexpr double kMiterLimit = 4.0;
+
+}  // namespace lumenquest::adapters
