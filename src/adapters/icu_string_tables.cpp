@@ -23,7 +23,8 @@ IcuStringTables::Table IcuStringTables::Load(const std::string& table) const {
   UErrorCode status = U_ZERO_ERROR;
   const icu::ResourceBundle english(package, icu::Locale::getRoot(), status);
   if (U_FAILURE(status)) return {};
-  icu::ResourceBundle bundle(package, icu::Locale(locale_.c_str()), status);
+  // Canonical: a table goes by its language's present name, "he" and not "iw".
+  icu::ResourceBundle bundle(package, icu::Locale::createCanonical(locale_.c_str()), status);
   // Without a table for the language ICU turns to the process's default locale before English.
   const bool ownLanguage = U_SUCCESS(status) && status != U_USING_DEFAULT_WARNING;
   if (!ownLanguage) bundle = english;

@@ -231,6 +231,13 @@ TEST(Today, TextReadsAtAGlance) {
         "Mond                      Zunehmender Mond (95", "Erst sichtbar am Sonntag, 24.01.27"}) {
     EXPECT_NE(german.out.find(row), std::string::npos) << row << "\nin\n" << german.out;
   }
+  // Wide characters, and arguments in another order.
+  const Result japanese =
+      Call({"today", "--latitude", "45.92", "--longitude", "6.87", "--time-zone", "Europe/Paris",
+            "--at", "2026-11-22T20:30:00Z", "--locale", "ja"});
+  for (const char* row : {"月                 満月前の月 (95", "次に見える日 2027/01/24(日曜日)"}) {
+    EXPECT_NE(japanese.out.find(row), std::string::npos) << row << "\nin\n" << japanese.out;
+  }
 }
 
 TEST(Today, JsonHoldsEveryValueAndComesOutTheSameAgain) {
@@ -301,21 +308,23 @@ TEST(Today, NoPlaceOrAgeMakesItFail) {
 }
 
 TEST(Today, SpeaksEveryLocale) {
-  // Words fall back to English, times and digits do not; years stay the engine's.
+  // Words of a language that has no tables fall back to English, times and digits do not; years
+  // stay the engine's.
   struct Case {
     const char* locale;
     const char* contains;
+    const char* night = "Night";
   };
-  const Case cases[] = {{"fi", "22.00"}, {"ja", "22:00"},   {"ar-EG", "١٠:٠٠"},
-                        {"th", "22:00"}, {"fa", "۲۲:۰۰"},   {"en-GB", "Night"},
-                        {"hi", "10:00"}, {"sr-RS", "22:00"}};
+  const Case cases[] = {{"fi", "22.00", "Yö"}, {"ja", "22:00", "夜"}, {"he-IL", "22:00", "לילה"},
+                        {"ar-EG", "١٠:٠٠"},    {"th", "22:00"},       {"fa", "۲۲:۰۰"},
+                        {"en-GB", "22:00"},    {"hi", "10:00"},       {"sr-RS", "22:00"}};
   for (const Case& c : cases) {
     const Result result =
         Call({"today", "--latitude", "36.1", "--longitude", "-112.1", "--time-zone",
               "America/Phoenix", "--at", "2026-06-20T22:00:00-07:00", "--locale", c.locale});
     EXPECT_EQ(result.code, kExitSuccess) << c.locale;
     EXPECT_NE(result.out.find(c.contains), std::string::npos) << c.locale << '\n' << result.out;
-    EXPECT_NE(result.out.find("Night"), std::string::npos) << c.locale;
+    EXPECT_NE(result.out.find(c.night), std::string::npos) << c.locale;
   }
 }
 
