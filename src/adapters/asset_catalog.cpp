@@ -22,7 +22,7 @@ using platform::UIImage;
 bool IsName(const std::string& text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
     return ('a' <= c && c <= 'z') || ('A' <= c && c <= 'Z') || ('0' <= c && c <= '9') || c == '-' ||
-           c == '_';
+           c == '_' || c == '.';
   });
 }
 

@@ -64,4 +64,8 @@ std::string environmentLocale() {
   return "en_US_POSIX";
 }
 
+bool isRightToLeft(const std::string& locale) {
+  return icu::Locale(locale.c_str()).isRightToLeft() != 0;
+}
+
 }  // namespace lumenquest::adapters

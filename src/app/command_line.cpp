@@ -14,6 +14,7 @@
 #include "app/runtime.h"
 #include "app/settings_command.h"
 #include "app/today_command.h"
+#include "app/widget_picture.h"
 #include "app/widget_request.h"
 #include "platform/localized_strings.h"
 
@@ -57,6 +58,7 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     CommandSet commands;
     addTodayCommand(commands);
     addWidgetCommands(commands);
+    addPictureCommands(commands);
     addPlacesCommands(commands);
     addPlansCommands(commands);
     addSettingsCommands(commands);

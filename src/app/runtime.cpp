@@ -5,6 +5,7 @@
 #include <system_error>
 #include <utility>
 
+#include "adapters/asset_catalog.h"
 #include "adapters/clocks.h"
 #include "adapters/fixed_location.h"
 #include "adapters/gazetteer_geocoder.h"
@@ -14,6 +15,7 @@
 #include "adapters/icu_services.h"
 #include "adapters/icu_string_tables.h"
 #include "adapters/json_models.h"
+#include "adapters/pango_text.h"
 #include "adapters/sqlite_object_store.h"
 #include "adapters/sqlite_user_defaults.h"
 #include "adapters/system_log.h"
@@ -93,6 +95,9 @@ void installServices(const RuntimeOptions& options) {
       [locale = options.locale] { return std::shared_ptr(openGazetteer(locale)); },
       services.mainQueue);
   services.geodesy = std::make_shared<adapters::GeographicLibGeodesy>();
+  adapters::setTextLanguage(options.locale);
+  services.assets = std::make_shared<adapters::FileAssetCatalog>(resourceFolder() + "/art");
+  services.textMeasurer = std::make_shared<adapters::PangoTextMeasurer>();
   if (options.here) {
     services.locations =
         std::make_shared<adapters::FixedLocationService>(*options.here, services.mainQueue);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
+#include <utility>
 
 namespace lumenquest::widgets::view {
 
@@ -274,9 +274,14 @@ class Painter {
     PaintChildren(box);
   }
   void PaintKind(const Link& link, const Box& box) {
-    canvas_.beginLink(link.url);
+    // A link within a link takes its place: documents know no nested ones.
+    const std::string outer = std::exchange(link_, link.url);
+    if (!outer.empty()) canvas_.endLink();
+    canvas_.beginLink(link_);
     PaintChildren(box);
     canvas_.endLink();
+    link_ = outer;
+    if (!outer.empty()) canvas_.beginLink(outer);
   }
   void PaintKind(const Label& label, const Box& box) {
     canvas_.beginLabel(label.text);
@@ -316,6 +321,7 @@ class Painter {
   platform::Canvas& canvas_;
   const Environment& environment_;
   platform::AssetCatalog& assets_;
+  std::string link_;
 };
 
 }  // namespace

@@ -16,6 +16,9 @@ std::optional<std::string> localeIdentifier(const std::string& tag);
 /// knows it, else the plain English one.
 std::string environmentLocale();
 
+/// Whether the locale's script runs from right to left.
+bool isRightToLeft(const std::string& locale);
+
 /// Calendars in the zones of the machine's database, with the first weekday of a locale.
 class IcuCalendarService final : public platform::CalendarService {
  public:

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include "app/widget_request.h"
+#include "widgets/view/element.h"
+#include "widgets/view/environment.h"
+
+namespace lumenquest::app {
+
+/// The view of an entry. Its theme decides the colour scheme where it does not follow the host's.
+widgets::view::Element viewOf(const AnyEntry& entry, widgets::view::Environment& environment);
+
+/// Draws a view as a host shows it: with round corners, and on a dark plate where it tints.
+void drawWidget(const widgets::view::Element& view, platform::CGSize size,
+                const widgets::view::Environment& environment, platform::Canvas& canvas);
+
+enum class PictureFormat { png, svg };
+
+struct PictureOptions {
+  platform::CGSize size;
+  /// Pixels a point, of a PNG.
+  double scale = 1.0;
+  /// Of an SVG, for those who do not see it.
+  std::string title;
+};
+
+/// A file's contents. Throws std::runtime_error when it is too large to be drawn.
+std::string pictureOf(const widgets::view::Element& view,
+                      const widgets::view::Environment& environment, PictureFormat format,
+                      const PictureOptions& options);
+
+/// Writes a file whole. Throws std::runtime_error, the old file left as it was.
+void writePicture(const std::string& file, const std::string& contents);
+
+/// `lumenquest render` and `lumenquest gallery`.
+void addPictureCommands(CommandSet& commands);
+
+}  // namespace lumenquest::app

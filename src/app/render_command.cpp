@@ -1,0 +1,137 @@
+#include <cmath>
+#include <filesystem>
+#include <stdexcept>
+
+#include "adapters/icu_services.h"
+#include "adapters/printable_text.h"
+#include "app/widget_picture.h"
+#include "platform/localized_strings.h"
+
+namespace lumenquest::app {
+
+namespace view = widgets::view;
+
+namespace {
+
+using platform::stringWithFormat;
+
+struct RenderOptions {
+  WidgetOptions widget;
+  OptionText scheme;
+  OptionText rendering;
+  OptionText scale;
+  OptionText size;
+  OptionText output;
+};
+
+/// Points that a widget may measure at least and at most.
+constexpr double kLeastSide = 100.0;
+constexpr double kMostSide = 1000.0;
+
+std::optional<double> Side(const std::string& text) {
+  const auto side = parseNumber(text);
+  return side && *side >= kLeastSide && *side <= kMostSide ? side : std::nullopt;
+}
+
+/// "364x170"; nothing given: the family's.
+platform::CGSize ParseSize(const OptionText& text, widgets::WidgetFamily family) {
+  if (!text) return view::sizeOf(family);
+  const std::size_t times = text->find('x');
+  if (times != std::string::npos) {
+    const auto width = Side(text->substr(0, times));
+    const auto height = Side(text->substr(times + 1));
+    if (width && height) return {*width, *height};
+  }
+  throwBadOption("--size", *text, "expect_size");
+}
+
+double ParseScale(const OptionText& text) {
+  if (!text) return 2.0;
+  const auto scale = parseNumber(*text);
+  if (!scale || !(*scale >= 1.0 && *scale <= 4.0)) throwBadOption("--scale", *text, "expect_scale");
+  return *scale;
+}
+
+PictureFormat FormatOf(const OptionText& file) {
+  if (!file) {
+    throw UsageError(stringWithFormat(appText("error_missing_option"),
+                                      {"--output", appText("expect_picture_file")}));
+  }
+  const std::string extension = std::filesystem::path(*file).extension().string();
+  if (extension == ".png" || *file == "-") return PictureFormat::png;
+  if (extension == ".svg" || *file == "-.svg") return PictureFormat::svg;
+  throwBadOption("--output", *file, "expect_picture_file");
+}
+
+view::Environment ParseEnvironment(const RenderOptions& options, const std::string& locale) {
+  view::Environment environment;
+  if (options.scheme && *options.scheme != "dark") {
+    if (*options.scheme != "light") throwBadOption("--scheme", *options.scheme, "expect_scheme");
+    environment.colorScheme = platform::ColorScheme::light;
+  }
+  if (options.rendering && *options.rendering != "full") {
+    if (*options.rendering != "accented") {
+      throwBadOption("--rendering", *options.rendering, "expect_rendering");
+    }
+    environment.renderingMode = view::WidgetRenderingMode::accented;
+  }
+  if (adapters::isRightToLeft(locale)) {
+    environment.layoutDirection = view::LayoutDirection::rightToLeft;
+  }
+  return environment;
+}
+
+std::string RunRender(const RenderOptions& given) {
+  RenderOptions options = given;
+  // Who names a scheme wants to see it: a widget without a theme is dark whatever the host's.
+  if (options.scheme && !options.widget.theme) options.widget.theme = "system";
+  const PictureFormat format = FormatOf(options.output);
+  PictureOptions picture;
+  picture.scale = ParseScale(options.scale);
+  view::Environment environment = ParseEnvironment(options, checkedLocale(options.widget.locale));
+  const WidgetRequest request = prepareWidgetRequest(options.widget, "memory");
+  environment.family = request.family;
+  picture.size = ParseSize(options.size, request.family);
+  for (const auto& widget : widgets::LumenquestWidgets::configurations()) {
+    if (widget.kind == request.kind) picture.title = widget.displayName;
+  }
+  const AnyEntry entry = askWidget(request).entry;
+  const view::Element element = viewOf(entry, environment);
+  const std::string contents = pictureOf(element, environment, format, picture);
+  if (options.output->starts_with("-")) return contents;
+  writePicture(*options.output, contents);
+  return "";
+}
+
+}  // namespace
+
+void addGalleryCommand(CommandSet& commands);
+
+void addPictureCommands(CommandSet& commands) {
+  RenderOptions& o = commands.Keep<RenderOptions>();
+  WidgetOptions& w = o.widget;
+  commands.Add(
+      "render", {"help_usage_render", "help_render", "help_render_examples"},
+      {{"KIND", "", "help_kind", "expect_kind", &w.kind},
+       {"--family", "small|medium|large", "help_family", "expect_family", &w.family},
+       placeOption(w.place.place),
+       latitudeOption(w.place.latitude),
+       longitudeOption(w.place.longitude),
+       {"--my-location", "", "help_my_location", nullptr, &w.myLocation},
+       {"--here", "LAT,LON", "help_here", "expect_coordinate", &w.here},
+       {"--settings", "memory|shared", "help_settings_kind_memory", "expect_settings_kind",
+        &w.settings},
+       {"--theme", "system|dark|light", "help_theme", "expect_theme", &w.theme},
+       {"--request", "timeline|snapshot|placeholder", "help_request", "expect_request", &w.request},
+       {"--scheme", "light|dark", "help_scheme", "expect_scheme", &o.scheme},
+       {"--rendering", "full|accented", "help_rendering", "expect_rendering", &o.rendering},
+       {"--scale", "1..4", "help_scale", "expect_scale", &o.scale},
+       {"--size", "WxH", "help_size", "expect_size", &o.size},
+       {"-o,--output", "FILE", "help_output", "expect_picture_file", &o.output},
+       atOption(w.at),
+       localeOption(w.locale)},
+      [&o] { return RunRender(o); });
+  addGalleryCommand(commands);
+}
+
+}  // namespace lumenquest::app

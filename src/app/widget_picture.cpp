@@ -1,0 +1,85 @@
+#include "app/widget_picture.h"
+
+#include <stdexcept>
+
+#include "adapters/cairo_canvas.h"
+#include "adapters/files.h"
+#include "adapters/printable_text.h"
+#include "adapters/svg_canvas.h"
+#include "platform/localized_strings.h"
+#include "widgets/galactic_center/galactic_center_views.h"
+#include "widgets/moon/moon_views.h"
+#include "widgets/plans/plans_views.h"
+#include "widgets/sun/sun_views.h"
+#include "widgets/view/layout.h"
+#include "widgets/view/style.h"
+
+namespace lumenquest::app {
+
+namespace view = widgets::view;
+
+namespace {
+
+view::Element ViewOf(const widgets::SunTimelineEntry& entry, const view::Environment& e) {
+  return widgets::SunLightWidgetEntryView(entry, e);
+}
+view::Element ViewOf(const widgets::MoonTimelineEntry& entry, const view::Environment& e) {
+  return widgets::MoonWidgetEntryView(entry, e);
+}
+view::Element ViewOf(const widgets::GalacticCenterTimelineEntry& entry,
+                     const view::Environment& e) {
+  return widgets::GalacticCenterWidgetEntryView(entry, e);
+}
+view::Element ViewOf(const widgets::PlansTimelineEntry& entry, const view::Environment& e) {
+  return widgets::PlansWidgetEntryView(entry, e);
+}
+
+}  // namespace
+
+view::Element viewOf(const AnyEntry& entry, view::Environment& environment) {
+  return std::visit(
+      [&](const auto& kind) {
+        if (kind.theme == widgets::ThemeStyleEnum::themeDark) {
+          environment.colorScheme = platform::ColorScheme::dark;
+        } else if (kind.theme == widgets::ThemeStyleEnum::themeLight) {
+          environment.colorScheme = platform::ColorScheme::light;
+        }
+        return ViewOf(kind, environment);
+      },
+      entry);
+}
+
+void drawWidget(const view::Element& view, platform::CGSize size,
+                const view::Environment& environment, platform::Canvas& canvas) {
+  const platform::CGRect whole{0.0, 0.0, size.width, size.height};
+  canvas.save();
+  canvas.clip(platform::UIBezierPath::roundedRect(whole, view::kWidgetCornerRadius));
+  if (environment.isTinted()) {
+    constexpr platform::UIColor kPlate{0.13, 0.14, 0.17, 1.0};
+    canvas.fill(platform::UIBezierPath::rect(whole), kPlate);
+  }
+  platform::Services& services = platform::Services::current();
+  view::draw(view, size, environment, services.textMeasurer(), services.assets(), canvas);
+  canvas.restore();
+}
+
+std::string pictureOf(const view::Element& view, const view::Environment& environment,
+                      PictureFormat format, const PictureOptions& options) {
+  if (format == PictureFormat::png) {
+    adapters::CairoCanvas canvas(options.size, options.scale);
+    drawWidget(view, options.size, environment, canvas);
+    return canvas.pngBytes();
+  }
+  adapters::SvgCanvas canvas(options.size, "w");
+  drawWidget(view, options.size, environment, canvas);
+  return canvas.document(options.title, view::descriptionOf(view));
+}
+
+void writePicture(const std::string& file, const std::string& contents) {
+  if (const auto error = adapters::writeFileWhole(file, contents)) {
+    throw std::runtime_error(platform::stringWithFormat(
+        appText("error_file_write"), {adapters::printableText(file, 200), *error}));
+  }
+}
+
+}  // namespace lumenquest::app
