@@ -52,15 +52,18 @@ void AddCorner(UIBezierPath& path, CGPoint from, CGPoint corner, CGPoint to) {
 UIBezierPath WithCorners(const CGRect& r, double rx, double ry) {
   const double right = r.x + r.width;
   const double bottom = r.y + r.height;
+  // An ellipse has no sides between its corners.
+  const bool hasHorizontalSides = rx < r.width / 2.0;
+  const bool hasVerticalSides = ry < r.height / 2.0;
   UIBezierPath path;
   path.moveTo({r.x + rx, r.y});
-  path.lineTo({right - rx, r.y});
+  if (hasHorizontalSides) path.lineTo({right - rx, r.y});
   AddCorner(path, {right - rx, r.y}, {right, r.y}, {right, r.y + ry});
-  path.lineTo({right, bottom - ry});
+  if (hasVerticalSides) path.lineTo({right, bottom - ry});
   AddCorner(path, {right, bottom - ry}, {right, bottom}, {right - rx, bottom});
-  path.lineTo({r.x + rx, bottom});
+  if (hasHorizontalSides) path.lineTo({r.x + rx, bottom});
   AddCorner(path, {r.x + rx, bottom}, {r.x, bottom}, {r.x, bottom - ry});
-  path.lineTo({r.x, r.y + ry});
+  if (hasVerticalSides) path.lineTo({r.x, r.y + ry});
   AddCorner(path, {r.x, r.y + ry}, {r.x, r.y}, {r.x + rx, r.y});
   path.close();
   return path;
