@@ -7,6 +7,7 @@
 #include "adapters/printable_text.h"
 #include "adapters/svg_canvas.h"
 #include "platform/localized_strings.h"
+#include "platform/services.h"
 #include "widgets/galactic_center/galactic_center_views.h"
 #include "widgets/moon/moon_views.h"
 #include "widgets/plans/plans_views.h"
