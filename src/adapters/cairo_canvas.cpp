@@ -182,6 +182,8 @@ CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<
   cairo_t* const context = surface_->context.get();
   Check(cairo_status(context));
   cairo_set_antialias(context, CAIRO_ANTIALIAS_BEST);
+  // Pixels by which curves may be cut short; Cairo's own tenth shows in a small disc's edge.
+  cairo_set_tolerance(context, 0.03);
   cairo_set_miter_limit(context, kMiterLimit);
   cairo_scale(context, scale, scale);
 }
