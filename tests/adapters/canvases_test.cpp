@@ -282,7 +282,7 @@ TEST(Texts, InkLiesWithinTheMeasuredBoxOnTheAlignedSide) {
 }
 
 void DrawScene(Canvas& canvas) {
-  canvas.fill(UIBezierPath::roundedRect({0, 0, 60, 40}, 8), UIColor{0.1, 0.2, 0.3, 1});
+  canvas.fill(UIBezierPath::roundedRect({0, 0, 60, 60}, 8), UIColor{0.1, 0.2, 0.3, 1});
   canvas.save();
   canvas.concatenate(CGAffineTransform::translation(30, 20));
   canvas.clip(UIBezierPath::ellipse({-15, -15, 30, 30}));
@@ -290,22 +290,22 @@ void DrawScene(Canvas& canvas) {
   canvas.fill(UIBezierPath::rect({0, -10, 20, 20}), kRed);
   canvas.restore();
   canvas.stroke(UIBezierPath::rect({2, 2, 6, 36}), kBlue, Stroke{2, LineEnds::butt, true});
-  canvas.drawText("18:32", Style(), UIColor{1, 1, 1, 1}, {8, 20, 50, 20});
+  canvas.drawText("18:32", Style(), UIColor{1, 1, 1, 1}, {10, 37, 50, 20});
 }
 
 TEST(CairoCanvas, DrawsTheSamePictureAtEveryScale) {
-  const Pixels single(Png({60, 40}, 1, DrawScene));
-  const Pixels triple(Png({60, 40}, 3, DrawScene));
+  const Pixels single(Png({60, 60}, 1, DrawScene));
+  const Pixels triple(Png({60, 60}, 3, DrawScene));
   EXPECT_EQ(triple.width, 180);
-  EXPECT_EQ(triple.height, 120);
+  EXPECT_EQ(triple.height, 180);
   for (int y = 0; y < single.height; ++y) {
     for (int x = 0; x < single.width; ++x) {
       for (const int shift : {0, 8, 16, 24}) {
         unsigned sum = 0;
         for (int i = 0; i < 9; ++i) sum += triple.at(3 * x + i % 3, 3 * y + i / 3) >> shift & 255u;
-        // What the smaller picture shows is the larger one's mean, but for pixels in which two
-        // edges meet; a third of a pixel's shift would be four times this.
-        ASSERT_NEAR(single.at(x, y) >> shift & 255u, sum / 9.0, 20.0) << x << ' ' << y;
+        // The mean of the larger picture's pixels, as far as no two edges meet in one; a third of
+        // a pixel's shift would be five times this.
+        ASSERT_NEAR(single.at(x, y) >> shift & 255u, sum / 9.0, 15.0) << x << ' ' << y;
       }
     }
   }
