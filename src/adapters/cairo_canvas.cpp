@@ -92,7 +92,7 @@ void AddPath(cairo_t* context, const UIBezierPath& path) {
 }
 
 void SetColor(cairo_t* context, const UIColor& given) {
-  const UIColor color = inRange(given);
+  const UIColor color = shownColor(given);
   cairo_set_source_rgba(context, color.red, color.green, color.blue, color.alpha);
 }
 
@@ -104,7 +104,7 @@ void SetGradient(cairo_t* context, const Gradient& gradient) {
           ? cairo_pattern_create_radial(start.x, start.y, 0.0, end.x, end.y, gradient.radius)
           : cairo_pattern_create_linear(start.x, start.y, end.x, end.y));
   for (const GradientStop& stop : gradient.stops) {
-    const UIColor color = inRange(stop.color);
+    const UIColor color = shownColor(stop.color);
     cairo_pattern_add_color_stop_rgba(pattern.get(), stop.offset, color.red, color.green,
                                       color.blue, color.alpha);
   }
@@ -182,6 +182,8 @@ CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<
   cairo_t* const context = surface_->context.get();
   Check(cairo_status(context));
   cairo_set_antialias(context, CAIRO_ANTIALIAS_BEST);
+  // Pixels by which curves may be cut short; Cairo's own tenth shows in a small disc's edge.
+  cairo_set_tolerance(context, 0.03);
   cairo_set_miter_limit(context, kMiterLimit);
   cairo_scale(context, scale, scale);
 }

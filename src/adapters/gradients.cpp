@@ -19,9 +19,10 @@ std::optional<UIColor> onlyColorOf(const Gradient& gradient) {
   return gradient.stops.back().color;
 }
 
-UIColor inRange(const UIColor& color) {
+UIColor shownColor(const UIColor& color) {
   const auto fraction = [](double x) { return x > 0.0 ? std::min(x, 1.0) : 0.0; };
-  return {fraction(color.red), fraction(color.green), fraction(color.blue), fraction(color.alpha)};
+  const auto step = [&](double x) { return std::round(fraction(x) * 255.0) / 255.0; };
+  return {step(color.red), step(color.green), step(color.blue), fraction(color.alpha)};
 }
 
 bool isCollapsing(const CGAffineTransform& t) { return t.a * t.d - t.b * t.c == 0.0; }

@@ -10,8 +10,9 @@ namespace lumenquest::adapters {
 /// extent. Fully transparent for one without stops.
 std::optional<platform::UIColor> onlyColorOf(const platform::Gradient& gradient);
 
-/// Each component within 0 to 1; what is not a number counts as 0.
-platform::UIColor inRange(const platform::UIColor& color);
+/// The colour as both kinds of file can have it: red, green and blue the nearest of 256 steps, all
+/// within 0 to 1. What is not a number counts as 0.
+platform::UIColor shownColor(const platform::UIColor& color);
 
 /// True for one that brings all points onto a line or into one point.
 bool isCollapsing(const platform::CGAffineTransform& transform);

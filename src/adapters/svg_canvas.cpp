@@ -119,7 +119,7 @@ std::string Hex(const UIColor& color) {
 /// "fill" and "fill-opacity", say.
 std::string ColorAttributes(const std::string& name, const std::string& opacityName,
                             const UIColor& given) {
-  const UIColor color = inRange(given);
+  const UIColor color = shownColor(given);
   std::string text = Attribute(name.c_str(), Hex(color));
   if (color.alpha < 1.0) text += Attribute(opacityName.c_str(), Number(color.alpha, kFineDecimals));
   return text;

@@ -1,0 +1,527 @@
+#include <cairo.h>
+#include <glib.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <map>
+#include <stdexcept>
+
+#include "adapters/cairo_canvas.h"
+#include "adapters/pango_text.h"
+#include "adapters/svg_canvas.h"
+#include "adapters/svg_pictures.h"
+
+namespace lumenquest::adapters {
+namespace {
+
+using platform::Canvas;
+using platform::CGAffineTransform;
+using platform::CGRect;
+using platform::CGSize;
+using platform::FontWeight;
+using platform::Gradient;
+using platform::LineEnds;
+using platform::Stroke;
+using platform::TextAlignment;
+using platform::TextMetrics;
+using platform::TextStyle;
+using platform::UIBezierPath;
+using platform::UIColor;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
+constexpr UIColor kBlack{0, 0, 0, 1};
+constexpr UIColor kRed{1, 0, 0, 1};
+constexpr UIColor kBlue{0, 0, 1, 1};
+
+/// A PNG file's pixels.
+class Pixels {
+ public:
+  explicit Pixels(const std::string& png) {
+    struct Source {
+      const std::string& bytes;
+      std::size_t at = 0;
+    } source{png};
+    const auto read = [](void* closure, unsigned char* data, unsigned int length) {
+      auto& from = *static_cast<Source*>(closure);
+      if (from.bytes.size() - from.at < length) return CAIRO_STATUS_READ_ERROR;
+      std::copy_n(from.bytes.data() + from.at, length, reinterpret_cast<char*>(data));
+      from.at += length;
+      return CAIRO_STATUS_SUCCESS;
+    };
+    cairo_surface_t* const loaded = cairo_image_surface_create_from_png_stream(read, &source);
+    EXPECT_EQ(cairo_surface_status(loaded), CAIRO_STATUS_SUCCESS);
+    width = cairo_image_surface_get_width(loaded);
+    height = cairo_image_surface_get_height(loaded);
+    surface_ = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+    cairo_t* const context = cairo_create(surface_);
+    cairo_set_source_surface(context, loaded, 0, 0);
+    cairo_paint(context);
+    cairo_destroy(context);
+    cairo_surface_destroy(loaded);
+    cairo_surface_flush(surface_);
+  }
+  ~Pixels() { cairo_surface_destroy(surface_); }
+  Pixels(const Pixels&) = delete;
+  Pixels& operator=(const Pixels&) = delete;
+
+  /// 0xAARRGGBB, premultiplied.
+  std::uint32_t at(int x, int y) const {
+    const unsigned char* const row =
+        cairo_image_surface_get_data(surface_) +
+        static_cast<std::ptrdiff_t>(y) * cairo_image_surface_get_stride(surface_);
+    return reinterpret_cast<const std::uint32_t*>(row)[x];
+  }
+
+  /// The smallest box around all that is not transparent, in pixels.
+  CGRect ink() const {
+    int left = width, top = height, right = 0, bottom = 0;
+    for (int y = 0; y < height; ++y) {
+      for (int x = 0; x < width; ++x) {
+        if (at(x, y) >> 24 < 8) continue;
+        left = std::min(left, x);
+        right = std::max(right, x + 1);
+        top = std::min(top, y);
+        bottom = std::max(bottom, y + 1);
+      }
+    }
+    return {double(left), double(top), double(right - left), double(bottom - top)};
+  }
+
+  int width = 0;
+  int height = 0;
+
+ private:
+  cairo_surface_t* surface_ = nullptr;
+};
+
+using Drawing = std::function<void(Canvas&)>;
+
+std::string Png(CGSize size, double scale, const Drawing& draw) {
+  CairoCanvas canvas(size, scale);
+  draw(canvas);
+  return canvas.pngBytes();
+}
+
+std::string Svg(CGSize size, const Drawing& draw) {
+  SvgCanvas canvas(size, "t");
+  draw(canvas);
+  return canvas.document("Title", "");
+}
+
+/// An XML document's texts and attributes, in order; fails the test if it is not well-formed.
+struct XmlContents {
+  std::vector<std::string> texts;
+  std::multimap<std::string, std::string> attributes;
+
+  explicit XmlContents(const std::string& xml) {
+    static constexpr GMarkupParser kParser{
+        [](GMarkupParseContext*, const char*, const char** names, const char** values,
+           gpointer data, GError**) {
+          for (; *names != nullptr; ++names, ++values) {
+            static_cast<XmlContents*>(data)->attributes.emplace(*names, *values);
+          }
+        },
+        nullptr,
+        [](GMarkupParseContext* context, const char* text, gsize length, gpointer data, GError**) {
+          if (std::string(g_markup_parse_context_get_element(context)) != "text") return;
+          static_cast<XmlContents*>(data)->texts.emplace_back(text, length);
+        },
+        nullptr, nullptr};
+    GMarkupParseContext* const context =
+        g_markup_parse_context_new(&kParser, G_MARKUP_DEFAULT_FLAGS, this, nullptr);
+    GError* error = nullptr;
+    if (g_markup_parse_context_parse(context, xml.data(), static_cast<gssize>(xml.size()),
+                                     &error) == 0 ||
+        g_markup_parse_context_end_parse(context, &error) == 0) {
+      ADD_FAILURE() << error->message << " in " << xml;
+      g_error_free(error);
+    }
+    g_markup_parse_context_free(context);
+  }
+
+  std::string attribute(const std::string& name) const {
+    const auto found = attributes.find(name);
+    return found == attributes.end() ? "" : found->second;
+  }
+};
+
+TextStyle Style(int lineLimit = 1, TextAlignment alignment = TextAlignment::leading,
+                bool isRightToLeft = false) {
+  TextStyle style;
+  style.size = 16;
+  style.lineLimit = lineLimit;
+  style.alignment = alignment;
+  style.isRightToLeft = isRightToLeft;
+  return style;
+}
+
+TextMetrics Measure(const std::string& text, const TextStyle& style, double width = kInfinite) {
+  return PangoTextMeasurer().measure(text, style, width);
+}
+
+std::vector<std::string> LinesOf(const std::string& text, const TextStyle& style, double width) {
+  return XmlContents(Svg({400, 400},
+                         [&](Canvas& canvas) {
+                           canvas.drawText(text, style, kBlack, {0, 0, width, 400});
+                         }))
+      .texts;
+}
+
+TEST(Texts, AreBrokenAndShortenedToTheirLines) {
+  const std::string words = "Golden hour ends after midnight";
+  EXPECT_FALSE(Measure(words, Style()).isTruncated);
+  EXPECT_EQ(LinesOf(words, Style(), 400), std::vector{words});
+  EXPECT_EQ(LinesOf(words, Style(3), 120),
+            (std::vector<std::string>{"Golden hour", "ends after", "midnight"}));
+
+  const TextMetrics one = Measure(words, Style(1), 120);
+  EXPECT_TRUE(one.isTruncated);
+  EXPECT_EQ(one.lines, 1);
+  EXPECT_LE(one.size.width, 120.0);
+  EXPECT_GT(one.size.width, 90.0);
+  const auto shortened = LinesOf(words, Style(2), 120);
+  ASSERT_EQ(shortened.size(), 2u);
+  EXPECT_EQ(shortened[0], "Golden hour");
+  EXPECT_THAT(shortened[1],
+              ::testing::AllOf(::testing::StartsWith("ends a"), ::testing::EndsWith("…")));
+
+  // The limit is the whole text's, and what it leaves out is told.
+  struct Case {
+    const char* text;
+    int limit;
+    std::vector<std::string> lines;
+  };
+  const Case cases[] = {
+      {"one\ntwo\r\nthree", 3, {"one", "two", "three"}},
+      {"one\ntwo\nthree", 2, {"one", "two…"}},
+      {"one\u2028two\u2029three", 1, {"one…"}},
+      {"a\tb\x01\x7f", 1, {"a b"}},
+      {"\n\nlow", 3, {"low"}},  // empty lines show nothing
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(LinesOf(c.text, Style(c.limit), 400), c.lines) << c.text;
+    EXPECT_EQ(Measure(c.text, Style(c.limit), 400).isTruncated, c.lines.back().back() == '\xa6')
+        << c.text;
+  }
+  EXPECT_EQ(Measure("\n\nlow", Style(3)).lines, 3);
+  const TextMetrics empty = Measure("", Style());
+  EXPECT_EQ(empty.size.width, 0.0);
+  EXPECT_EQ(empty.size.height, Measure("x", Style()).size.height);
+
+  // No box is too narrow, no text too long.
+  EXPECT_EQ(LinesOf(words, Style(), 0), std::vector<std::string>{"…"});
+  std::string longText;
+  while (longText.size() < 10000) longText += "Bohinj ";
+  EXPECT_LE(Measure(longText, Style(2), 150).size.width, 150.0);
+  EXPECT_EQ(LinesOf(longText, Style(2), 150).size(), 2u);
+  EXPECT_GT(Measure(longText, Style(5000), 150).lines, 400);
+}
+
+TEST(Texts, GrowWithTheirSizeAndKeepTheirDigitsApart) {
+  TextStyle style = Style();
+  const TextMetrics plain = Measure("18:32", style);
+  EXPECT_GT(plain.baseline, 0.6 * plain.size.height);
+  EXPECT_LT(plain.baseline, plain.size.height);
+  style.size *= 2.0;
+  // To the 1/1024 of a point that Pango counts in, for each glyph.
+  EXPECT_NEAR(Measure("18:32", style).size.width, 2.0 * plain.size.width, 0.01);
+  EXPECT_NEAR(Measure("18:32", style).size.height, 2.0 * plain.size.height, 0.01);
+  style = Style();
+  style.weight = FontWeight::bold;
+  EXPECT_GT(Measure("18:32", style).size.width, plain.size.width);
+  style = Style();
+  EXPECT_NE(Measure("11:11", style).size.width, Measure("00:00", style).size.width);
+  style.hasMonospacedDigits = true;
+  EXPECT_EQ(Measure("11:11", style).size.width, Measure("00:00", style).size.width);
+}
+
+TEST(Texts, InkLiesWithinTheMeasuredBoxOnTheAlignedSide) {
+  const char* const texts[] = {"Sunset 18:32", "שקיעה 18:32", "غروب الشمس", "日の入り 18:32",
+                               "🌄 18:32"};
+  for (const char* text : texts) {
+    for (const bool isRightToLeft : {false, true}) {
+      for (const auto alignment :
+           {TextAlignment::leading, TextAlignment::center, TextAlignment::trailing}) {
+        SCOPED_TRACE(std::string(text) + (isRightToLeft ? " rtl " : " ltr ") +
+                     std::to_string(static_cast<int>(alignment)));
+        const TextStyle style = Style(1, alignment, isRightToLeft);
+        const TextMetrics metrics = Measure(text, style, 200);
+        constexpr double kScale = 2.0, kLeft = 20.0, kTop = 10.0;
+        const Pixels pixels(Png({240, 50}, kScale, [&](Canvas& canvas) {
+          canvas.drawText(text, style, kBlack, {kLeft, kTop, 200, 40});
+        }));
+        const double room = 200.0 - metrics.size.width;
+        const bool isLeft = (alignment == TextAlignment::leading) != isRightToLeft;
+        const double x = kLeft + (alignment == TextAlignment::center ? room / 2.0
+                                  : isLeft                           ? 0.0
+                                                                     : room);
+        const CGRect ink = pixels.ink();
+        // Glyphs may reach a little beyond their advance.
+        constexpr double kSlack = 1.0;
+        EXPECT_GE(ink.x / kScale, x - kSlack);
+        EXPECT_LE((ink.x + ink.width) / kScale, x + metrics.size.width + kSlack);
+        EXPECT_GE(ink.width / kScale, 0.8 * metrics.size.width);
+        EXPECT_GE(ink.y / kScale, kTop - kSlack);
+        EXPECT_LE((ink.y + ink.height) / kScale, kTop + metrics.size.height + kSlack);
+      }
+    }
+  }
+  // Shortened lines are aligned as well as whole ones.
+  const Pixels pixels(Png({100, 30}, 2, [&](Canvas& canvas) {
+    canvas.drawText("Golden hour ends", Style(1, TextAlignment::trailing), kBlack, {0, 0, 100, 30});
+  }));
+  EXPECT_GT(pixels.ink().x + pixels.ink().width, 194.0);
+}
+
+void DrawScene(Canvas& canvas) {
+  canvas.fill(UIBezierPath::roundedRect({0, 0, 60, 60}, 8), UIColor{0.1, 0.2, 0.3, 1});
+  canvas.save();
+  canvas.concatenate(CGAffineTransform::translation(30, 20));
+  canvas.clip(UIBezierPath::ellipse({-15, -15, 30, 30}));
+  canvas.concatenate(CGAffineTransform::scale(2, 2));
+  canvas.fill(UIBezierPath::rect({0, -10, 20, 20}), kRed);
+  canvas.restore();
+  canvas.stroke(UIBezierPath::rect({2, 2, 6, 36}), kBlue, Stroke{2, LineEnds::butt, true});
+  canvas.drawText("18:32", Style(), UIColor{1, 1, 1, 1}, {10, 37, 50, 20});
+}
+
+TEST(CairoCanvas, DrawsTheSamePictureAtEveryScale) {
+  const Pixels single(Png({60, 60}, 1, DrawScene));
+  const Pixels triple(Png({60, 60}, 3, DrawScene));
+  EXPECT_EQ(triple.width, 180);
+  EXPECT_EQ(triple.height, 180);
+  for (int y = 0; y < single.height; ++y) {
+    for (int x = 0; x < single.width; ++x) {
+      for (const int shift : {0, 8, 16, 24}) {
+        unsigned sum = 0;
+        for (int i = 0; i < 9; ++i) sum += triple.at(3 * x + i % 3, 3 * y + i / 3) >> shift & 255u;
+        // The mean of the larger picture's pixels, as far as no two edges meet in one; a third of
+        // a pixel's shift would be five times this.
+        ASSERT_NEAR(single.at(x, y) >> shift & 255u, sum / 9.0, 15.0) << x << ' ' << y;
+      }
+    }
+  }
+  EXPECT_EQ(triple.at(0, 0), 0u);                       // outside the rounded corner
+  EXPECT_EQ(triple.at(90 + 20, 60 - 20), 0xFFFF0000u);  // clipped half
+  EXPECT_EQ(triple.at(90 - 20, 30), 0xFF1A334Du);
+  EXPECT_EQ(triple.at(6, 60), 0xFF0000FFu);
+  // A last pixel that is there in part only is there.
+  const Pixels fractional(Png({10, 10.1}, 1.5, [](Canvas&) {}));
+  EXPECT_EQ(fractional.width, 15);
+  EXPECT_EQ(fractional.height, 16);
+}
+
+TEST(CairoCanvas, ShowsGradientsRulesAndLines) {
+  const Pixels pixels(Png({100, 60}, 1, [](Canvas& canvas) {
+    Gradient linear{false,
+                    {0, 0},
+                    {10, 0},
+                    0,
+                    {{0, kRed}, {1, kBlue.withAlpha(0)}},
+                    CGAffineTransform::scale(10, 1)};
+    canvas.fill(UIBezierPath::rect({0, 0, 100, 10}), linear);
+    // The focus is the first colour's place.
+    Gradient radial{true, {15, 30}, {20, 30}, 10, {{0, kRed}, {0.5, kBlue}, {1, kBlack}}, {}};
+    canvas.fill(UIBezierPath::rect({0, 10, 40, 40}), radial);
+    UIBezierPath ring = UIBezierPath::rect({50, 15, 20, 20});
+    ring.append(UIBezierPath::rect({55, 20, 10, 10}));
+    ring.usesEvenOddFillRule = true;
+    canvas.fill(ring, kRed);
+    ring.usesEvenOddFillRule = false;
+    canvas.save();
+    canvas.concatenate(CGAffineTransform::translation(25, 0));
+    canvas.fill(ring, kRed);
+    canvas.restore();
+    UIBezierPath line;
+    line.moveTo({10, 55});
+    line.lineTo({30, 55});
+    canvas.stroke(line, kBlack, Stroke{6, LineEnds::round, false});
+    canvas.save();
+    canvas.concatenate(CGAffineTransform::translation(40, 0));
+    canvas.stroke(line, kBlack, Stroke{6, LineEnds::butt, false});
+    canvas.concatenate(CGAffineTransform::scale(0, 1));
+    canvas.fill(UIBezierPath::rect({0, 0, 99, 99}), kBlack);  // nothing to see
+    canvas.restore();
+    Gradient point{true, {5, 5}, {5, 5}, 0, {{0, kRed}, {1, kBlue}}, {}};
+    canvas.fill(UIBezierPath::rect({90, 50, 10, 10}), point);
+  }));
+  const auto channels = [](std::uint32_t p) {
+    return std::array{p >> 24 & 255u, p >> 16 & 255u, p >> 8 & 255u, p & 255u};
+  };
+  // Halfway colours are mixed before opacity counts: half a purple of half the opacity.
+  const auto middle = channels(pixels.at(50, 5));
+  EXPECT_NEAR(middle[0], 127, 3);
+  EXPECT_NEAR(middle[1], 64, 3);
+  EXPECT_NEAR(middle[3], 64, 3);
+  EXPECT_NEAR(channels(pixels.at(0, 5))[1], 255, 3);
+  EXPECT_GT(channels(pixels.at(15, 30))[1], 220u);
+  EXPECT_GT(channels(pixels.at(22, 30))[3], 220u);
+  EXPECT_EQ(pixels.at(38, 30), 0xFF000000u);  // the last colour goes on
+  EXPECT_EQ(pixels.at(60, 25), 0u);
+  EXPECT_EQ(pixels.at(52, 25), 0xFFFF0000u);
+  EXPECT_EQ(pixels.at(85, 25), 0xFFFF0000u);
+  EXPECT_EQ(pixels.at(8, 55), 0xFF000000u);
+  EXPECT_EQ(pixels.at(48, 55), 0u);
+  EXPECT_EQ(pixels.at(52, 55), 0xFF000000u);
+  EXPECT_EQ(pixels.at(95, 55), 0xFF0000FFu);
+}
+
+TEST(CairoCanvas, SaysItsColourSpaceAndSizeAndRefusesTheImpossible) {
+  const std::string png = Png({10, 10}, 3, [](Canvas&) {});
+  EXPECT_NE(png.find("sRGB"), std::string::npos);
+  const std::size_t size = png.find("pHYs");
+  ASSERT_NE(size, std::string::npos);
+  // 3 × 96 pixels an inch are 11339 a metre.
+  EXPECT_EQ(png.substr(size + 4, 9), std::string("\0\0\x2c\x4b\0\0\x2c\x4b\1", 9));
+  for (const auto& [points, scale] : {std::pair{10.0, 0.5},
+                                      {10.0, 4.5},
+                                      {10.0, std::nan("")},
+                                      {0.0, 1.0},
+                                      {-1.0, 1.0},
+                                      {std::nan(""), 1.0},
+                                      {kInfinite, 1.0},
+                                      {8193.0, 1.0},
+                                      {2049.0, 4.0}}) {
+    EXPECT_THROW(CairoCanvas({points, 10}, scale), std::runtime_error) << points << ' ' << scale;
+  }
+  EXPECT_NO_THROW(CairoCanvas({2048, 1}, 4));
+}
+
+TEST(SvgCanvas, WritesWhatIsDrawnOnce) {
+  const auto draw = [](Canvas& canvas) {
+    DrawScene(canvas);
+    const auto image = readSvgPicture(
+        "<svg xmlns='http://www.w3.org/2000/svg' viewBox='0 0 4 4'><defs><radialGradient id='g' "
+        "gradientUnits='userSpaceOnUse' cx='2' cy='2' r='2'><stop offset='0' stop-color='#fff'/>"
+        "<stop offset='1' stop-color='#000000' stop-opacity='.25'/></radialGradient></defs>"
+        "<circle cx='2' cy='2' r='2' fill='url(#g)'/><path d='M0 0h4' "
+        "stroke='currentColor'/></svg>",
+        "test");
+    canvas.drawImage(image, {0, 0, 8, 8}, kRed);
+    canvas.drawImage(image, {8, 0, 8, 8}, kBlue);
+  };
+  const std::string svg = Svg({60, 40}, draw);
+  EXPECT_EQ(svg, Svg({60, 40}, draw));
+  const XmlContents contents(svg);
+  EXPECT_EQ(contents.attributes.count("gradientUnits"), 1u);
+  EXPECT_EQ(contents.attributes.count("offset"), 2u);
+  EXPECT_EQ(contents.attribute("stop-opacity"), "0.25");
+  EXPECT_EQ(contents.attribute("viewBox"), "0 0 60 40");
+  EXPECT_EQ(contents.attribute("role"), "img");
+  EXPECT_EQ(contents.texts, std::vector<std::string>{"18:32"});
+  EXPECT_THAT(svg, HasSubstr("<g transform=\"matrix(1 0 0 1 30 20)\"><g clip-path=\"url(#t-1)\">"
+                             "<g transform=\"matrix(2 0 0 2 0 0)\">"
+                             "<path d=\"M0-10L20-10L20 10L0 10Z\" fill=\"#ff0000\"/></g></g></g>"));
+  EXPECT_THAT(svg, HasSubstr("stroke=\"#0000ff\" stroke-width=\"2\" stroke-linejoin=\"round\""));
+  EXPECT_THAT(svg, HasSubstr("<title id=\"t-title\">Title</title>"));
+  // Every reference has its definition.
+  for (const auto& [name, value] : contents.attributes) {
+    if (value.rfind("url(#", 0) != 0) continue;
+    EXPECT_THAT(svg, HasSubstr("id=\"" + value.substr(5, value.size() - 6) + "\""));
+  }
+}
+
+TEST(SvgCanvas, TextsStandAtTheMeasuredPlaces) {
+  struct Case {
+    bool isRightToLeft;
+    TextAlignment alignment;
+    const char* anchor;
+    double part;  // of the room to the left, and of the width
+  };
+  const Case cases[] = {
+      {false, TextAlignment::leading, "", 0.0},     {false, TextAlignment::center, "middle", 0.5},
+      {false, TextAlignment::trailing, "end", 1.0}, {true, TextAlignment::leading, "", 1.0},
+      {true, TextAlignment::center, "middle", 0.5}, {true, TextAlignment::trailing, "end", 0.0},
+  };
+  for (const Case& c : cases) {
+    TextStyle style = Style(1, c.alignment, c.isRightToLeft);
+    style.hasMonospacedDigits = c.isRightToLeft;
+    style.weight = FontWeight::semibold;
+    const TextMetrics metrics = Measure("שקיעה 18:32", style);
+    const XmlContents contents(Svg({300, 40}, [&](Canvas& canvas) {
+      canvas.drawText("שקיעה 18:32", style, kRed.withAlpha(0.5), {10, 5, 200, 30});
+    }));
+    EXPECT_EQ(contents.attribute("text-anchor"), c.anchor);
+    EXPECT_NEAR(std::stod(contents.attribute("x")), 10 + c.part * 200, 0.002);
+    EXPECT_NEAR(std::stod(contents.attribute("y")), 5 + metrics.baseline, 0.001);
+    EXPECT_NEAR(std::stod(contents.attribute("textLength")), metrics.size.width, 0.001);
+    EXPECT_EQ(contents.attribute("direction"), c.isRightToLeft ? "rtl" : "");
+    EXPECT_EQ(contents.attribute("font-variant"), c.isRightToLeft ? "tabular-nums" : "");
+    EXPECT_EQ(contents.attribute("font-weight"), "600");
+    EXPECT_EQ(contents.attribute("fill-opacity"), "0.5");
+  }
+}
+
+TEST(SvgCanvas, KeepsLinksAndLabelsAndLeavesOutWhatIsEmpty) {
+  const auto dot = UIBezierPath::rect({0, 0, 1, 1});
+  const std::string svg = Svg({10, 10}, [&](Canvas& canvas) {
+    canvas.save();
+    canvas.concatenate(CGAffineTransform::scale(2, 2));
+    canvas.concatenate(CGAffineTransform::translation(1, 1));
+    canvas.beginLink("app://plan?a=1&b=2");
+    canvas.beginLabel("Moon \"full\"");
+    canvas.fill(dot, kRed);
+    canvas.endLabel();
+    canvas.endLink();
+    canvas.restore();
+    canvas.save();
+    canvas.concatenate(CGAffineTransform::scale(3, 3));
+    canvas.beginLink("app://nothing");
+    canvas.endLink();
+    canvas.restore();
+  });
+  EXPECT_THAT(svg,
+              HasSubstr("<g transform=\"matrix(2 0 0 2 2 2)\"><a href=\"app://plan?a=1&amp;b=2\">"
+                        "<g role=\"img\" aria-label=\"Moon &quot;full&quot;\">"
+                        "<path d=\"M0 0L1 0L1 1L0 1Z\" fill=\"#ff0000\"/></g></a></g></svg>"));
+  EXPECT_THAT(svg, Not(HasSubstr("nothing")));
+  // A reader passes by what an image holds.
+  EXPECT_EQ(XmlContents(svg).attributes.count("role"), 2u);
+  EXPECT_THAT(svg, HasSubstr("role=\"group\" aria-labelledby"));
+}
+
+TEST(SvgCanvas, AnyTextMakesAWellFormedDocument) {
+  std::string controls;
+  for (char c = 1; c < 32; ++c) controls += c;
+  const std::string texts[] = {"]]><script>alert('1')</script>&amp;&#0;",
+                               controls + "\x7f\xc2\x85",
+                               std::string("a\0b", 3),
+                               "\xff\xfe\xc0\x80\xed\xa0\x80 broken",
+                               "\xef\xbf\xbe\xef\xbf\xbf noncharacters",
+                               "\u202Eoverride\u2066 \u200D",
+                               "  two  spaces  ",
+                               "日本 שלום 👩‍👩‍👧 e\u0301"};
+  for (const std::string& text : texts) {
+    SCOPED_TRACE(text);
+    SvgCanvas canvas({100, 100}, "p1");
+    canvas.beginLink(text);
+    canvas.beginLabel(text);
+    canvas.drawText(text, Style(3), kBlack, {0, 0, 90, 90});
+    canvas.endLabel();
+    canvas.endLink();
+    const std::string svg = canvas.document(text, text);
+    const XmlContents contents(svg);
+    EXPECT_EQ(svg.find('\0'), std::string::npos);
+    EXPECT_EQ(svg.find_first_of("\x01\x08\x0b\x1f"), std::string::npos);
+    EXPECT_EQ(svg.find("\xef\xbf\xbe"), std::string::npos);
+    EXPECT_EQ(svg.find("<script"), std::string::npos);
+    Png({100, 100}, 1, [&](Canvas& other) {
+      other.drawText(text, Style(3), kBlack, {0, 0, 90, 90});
+    });
+  }
+  for (const char* prefix : {"", "1a", "a b", "a\"", "ä"}) {
+    EXPECT_THROW(SvgCanvas({1, 1}, prefix), std::runtime_error) << prefix;
+  }
+  EXPECT_THROW(SvgCanvas({0, 1}, "a"), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace lumenquest::adapters
