@@ -3,6 +3,7 @@
 #include <hb-ot.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "platform/assertion.h"
@@ -53,10 +54,29 @@ PangoContext* NewContext(PangoDirection direction) {
 }
 
 /// One a direction for the process: to change a context's direction would set its layouts anew.
+/// Made when first needed, as most commands show no fonts.
+struct Contexts {
+  std::array<PangoContext*, 2> byDirection{};
+  std::string language;
+};
+
+Contexts& SharedContexts() {
+  static Contexts contexts;
+  return contexts;
+}
+
+void SetLanguage(PangoContext* context, const std::string& language) {
+  pango_context_set_language(context, pango_language_from_string(language.c_str()));
+}
+
 PangoContext* ContextFor(bool isRightToLeft) {
-  static PangoContext* const kLeftToRight = NewContext(PANGO_DIRECTION_LTR);
-  static PangoContext* const kRightToLeft = NewContext(PANGO_DIRECTION_RTL);
-  return isRightToLeft ? kRightToLeft : kLeftToRight;
+  Contexts& contexts = SharedContexts();
+  PangoContext*& context = contexts.byDirection[isRightToLeft ? 1 : 0];
+  if (context == nullptr) {
+    context = NewContext(isRightToLeft ? PANGO_DIRECTION_RTL : PANGO_DIRECTION_LTR);
+    if (!contexts.language.empty()) SetLanguage(context, contexts.language);
+  }
+  return context;
 }
 
 /// Characters that no font shows and XML forbids. Bidirectional marks and joiners stay.
@@ -303,9 +323,10 @@ TextMetrics PangoTextMeasurer::measure(const std::string& text, const TextStyle&
 }
 
 void setTextLanguage(const std::string& language) {
-  for (const bool isRightToLeft : {false, true}) {
-    pango_context_set_language(ContextFor(isRightToLeft),
-                               pango_language_from_string(language.c_str()));
+  Contexts& contexts = SharedContexts();
+  contexts.language = language;
+  for (PangoContext* const context : contexts.byDirection) {
+    if (context != nullptr) SetLanguage(context, language);
   }
 }
 

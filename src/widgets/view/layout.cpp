@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
+#include <tuple>
 #include <utility>
 
 namespace lumenquest::widgets::view {
@@ -35,7 +37,15 @@ class Layouter {
 
   /// What an element takes of the room that it is offered; either length may be unbounded.
   CGSize Fit(const Element& element, CGSize room) {
-    return std::visit([&](const auto& kind) { return FitKind(kind, room); }, element.node().base());
+    // Stacks ask their children several times, and these theirs: without a memory the questions
+    // multiply with every level.
+    const auto [found, isNew] =
+        fits_.try_emplace(std::tuple(&element.node(), room.width, room.height));
+    if (isNew) {
+      found->second =
+          std::visit([&](const auto& kind) { return FitKind(kind, room); }, element.node().base());
+    }
+    return found->second;
   }
 
   Box Place(const Element& element, const CGRect& rect) {
@@ -54,16 +64,38 @@ class Layouter {
     // Half a point of slack: measured and offered widths come from different sums.
     constexpr double kSlack = 0.5;
     constexpr double kStep = 0.05;
+    const CGSize roomy{room.width + kSlack, room.height + kSlack};
+    // Type scales as it is: one measurement tells of all sizes of an unbroken text.
+    const platform::TextMetrics& whole = Unbroken(text);
     platform::TextStyle style = text.style;
     style.isRightToLeft = isRightToLeft_;
     for (double scale = 1.0;; scale -= kStep) {
       const bool isSmallest = scale <= text.minimumScale + 1e-9;
-      style.size = text.style.size * (isSmallest ? text.minimumScale : scale);
-      platform::TextMetrics metrics = measurer_.measure(text.text, style, room.width + kSlack);
-      const bool fits = !metrics.isTruncated && metrics.size.width <= room.width + kSlack &&
-                        metrics.size.height <= room.height + kSlack;
+      const double shrunk = isSmallest ? text.minimumScale : scale;
+      style.size = text.style.size * shrunk;
+      platform::TextMetrics metrics{{whole.size.width * shrunk, whole.size.height * shrunk},
+                                    whole.baseline * shrunk,
+                                    whole.lines,
+                                    whole.isTruncated};
+      const bool isBroken = metrics.size.width > roomy.width;
+      if (isBroken && (isSmallest || style.lineLimit > 1)) {
+        metrics = measurer_.measure(text.text, style, roomy.width);
+      }
+      const bool fits = !metrics.isTruncated && metrics.size.width <= roomy.width &&
+                        metrics.size.height <= roomy.height;
       if (fits || isSmallest) return {style, metrics};
     }
+  }
+
+  /// A text at its full size in as much width as it wants.
+  const platform::TextMetrics& Unbroken(const Text& text) {
+    const auto [found, isNew] = unbroken_.try_emplace(&text);
+    if (isNew) {
+      platform::TextStyle style = text.style;
+      style.isRightToLeft = isRightToLeft_;
+      found->second = measurer_.measure(text.text, style, kUnbounded);
+    }
+    return found->second;
   }
 
   CGSize FitKind(const Text& text, CGSize room) {
@@ -221,6 +253,8 @@ class Layouter {
 
   bool isRightToLeft_;
   platform::TextMeasurer& measurer_;
+  std::map<const Text*, platform::TextMetrics> unbroken_;
+  std::map<std::tuple<const Node*, double, double>, CGSize> fits_;
 };
 
 void Mirror(Box& box, double width) {
