@@ -10,7 +10,8 @@ using namespace view;
 
 Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family) {
   constexpr double kSmallBand = 18.0;
-  constexpr double kLargeBand = 26.0;
+  constexpr double kLargeBand = 30.0;
+  constexpr double kAzimuthColumn = 52.0;
   const bool isSmall = family == WidgetFamily::systemSmall;
   const Element band = image("galacticCenterIcon", isSmall ? kLargeBand : kSmallBand) |
                        rotated(end.bandTilt) | color(named("accent")) | accented();
@@ -18,13 +19,14 @@ Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family) {
                        font(isSmall ? kHeadline : kBody, platform::FontWeight::semibold);
   const Element azimuth = caption(end.azimuth) | monospacedDigits();
   if (isSmall) {
-    return hstack(
-        {band, vstack({caption(end.title), time}, 0.0, Alignment::start), spacer(kGap), azimuth},
-        2.0 * kGap);
+    return hstack({band, vstack({hstack({caption(end.title), spacer(kGap), azimuth}), time}, 0.0,
+                                Alignment::start) |
+                             fillWidth()},
+                  2.0 * kGap);
   }
-  return hstack(
-      {band, caption(end.title), spacer(kGap), time, azimuth | frameWidth(42.0, Alignment::end)},
-      kGap);
+  return hstack({band, caption(end.title), spacer(kGap), time,
+                 azimuth | frameWidth(kAzimuthColumn, Alignment::end)},
+                kGap);
 }
 
 Element GalacticCenterNotVisibleUntilView(const std::string& words) {
@@ -42,7 +44,7 @@ Element MoonlessHoursView(const std::string& title, const std::string& hours) {
 }
 
 Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family) {
-  const double gap = family == WidgetFamily::systemSmall ? 2.0 * kGap : kGap;
+  const double gap = family == WidgetFamily::systemSmall ? 1.5 * kGap : kGap;
   Elements lines;
   for (const GCRiseSetTime& end : content.window) lines.push_back(GCRiseSetTimeView(end, family));
   if (!content.notVisibleUntil.empty()) {

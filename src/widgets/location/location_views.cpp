@@ -46,10 +46,10 @@ Element PostalAddressView(const LocationWidgetData& data) {
   return hstack(std::move(line), kGap);
 }
 
-Element BodyRiseSetTimeView(const BodyRiseSetTime& time) {
+Element BodyRiseSetTimeView(const BodyRiseSetTime& time, double size) {
   return hstack(
-      {image(time.isRise ? "bodyRise" : "bodySet", kSmallIcon) | color(named("contentSecondary")),
-       body(time.text) | monospacedDigits()},
+      {image(time.isRise ? "bodyRise" : "bodySet", size) | color(named("contentSecondary")),
+       text(time.text) | font(size) | monospacedDigits() | minScale(kLeastScale)},
       kGap);
 }
 
@@ -58,8 +58,14 @@ Element RiseSetView(double mjdRise, double mjdSet, double mjdTomorrowAt0,
   const RiseSetContent content = riseSetContent(mjdRise, mjdSet, mjdTomorrowAt0, data);
   if (!content.sentence.empty()) return caption(content.sentence);
   if (content.times.empty()) return nothing();
-  return hstack(
-      {BodyRiseSetTimeView(content.times[0]), spacer(kGap), BodyRiseSetTimeView(content.times[1])});
+  const auto line = [&](double size, double gap) {
+    return hstack({BodyRiseSetTimeView(content.times[0], size), spacer(gap),
+                   BodyRiseSetTimeView(content.times[1], size)});
+  };
+  return firstThatFits(Axis::horizontal, {line(kBody, 2.0 * kGap), line(kCaption, kGap),
+                                          vstack({BodyRiseSetTimeView(content.times[0], kBody),
+                                                  BodyRiseSetTimeView(content.times[1], kBody)},
+                                                 0.0, Alignment::start)});
 }
 
 Element chosenView(const LocationWidgetData& data, const Environment& environment,

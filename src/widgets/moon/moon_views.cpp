@@ -95,6 +95,12 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
                               data.isMoonWaning, environment.isTinted()};
   shadow.draw(context, {disc.width, disc.height});
   context.restore();
+  if (!environment.isTinted()) {
+    // So that the disc of a new Moon does not get lost in a dark panel.
+    constexpr double kHairline = 0.5;
+    constexpr platform::UIColor kRim{0.5, 0.5, 0.5, 0.45};
+    context.stroke(UIBezierPath::ellipse(disc), kRim, {kHairline});
+  }
   if (data.isSupermoon) {
     context.stroke(UIBezierPath::ellipse(whole.insetBy(kRing / 2.0)),
                    environment.isTinted() ? environment.accent : palette::kLumenquestYellow,
@@ -117,12 +123,15 @@ Element MoonRiseSet(const MoonWidgetData& data) {
 }  // namespace
 
 Element MoonInfoViewSmall(const MoonWidgetData& data, const Environment& environment) {
-  constexpr double kMoon = 62.0;
   const MoonContent content = moonContent(data, nullptr, WidgetFamily::systemSmall);
-  return vstack({PostalAddressView(data.locationData) | fillWidth(), spacer(),
-                 MoonIconView(data, kMoon, environment) | fillWidth(Alignment::center), spacer(),
-                 Phase(content, 2) | fillWidth(Alignment::center), MoonRiseSet(data)},
-                kGap, Alignment::start);
+  const auto form = [&](double moon) {
+    return vstack({PostalAddressView(data.locationData) | fillWidth(), spacer(),
+                   MoonIconView(data, moon, environment) | fillWidth(Alignment::center), spacer(),
+                   Phase(content, 2) | fillWidth(Alignment::center), MoonRiseSet(data)},
+                  kGap, Alignment::start);
+  };
+  // The more lines there are under it, the smaller the Moon.
+  return firstThatFits(Axis::vertical, {form(62.0), form(50.0), form(38.0)});
 }
 
 Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidgetData& gcData,
@@ -130,9 +139,14 @@ Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidge
   constexpr double kMoon = 76.0;
   constexpr double kMoonColumn = 100.0;
   const MoonContent content = moonContent(data, &gcData, environment.family);
+  // In the large family the place's title stands above already.
+  const Element heading =
+      environment.family == WidgetFamily::systemLarge
+          ? caption(platform::localizedString("appwidget_milky_way", platform::kTableCommon))
+          : PostalAddressView(data.locationData);
   return hstack({vstack({MoonIconView(data, kMoon, environment), Phase(content, 2)}, 1.5 * kGap) |
                      frameWidth(kMoonColumn) | fillHeight(Alignment::center),
-                 vstack({PostalAddressView(data.locationData) | fillWidth(), spacer(),
+                 vstack({heading | fillWidth(), spacer(),
                          GCVisibilityView(*content.galacticCenter, environment.family), spacer(),
                          divider(), MoonRiseSet(data)},
                         1.5 * kGap, Alignment::start) |

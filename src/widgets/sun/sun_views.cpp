@@ -13,10 +13,9 @@ using namespace view;
 namespace {
 
 /// The icon on a faint disc of its own light, and the light's name under it.
-Element LightNow(const SunContent& content) {
-  constexpr double kHalo = 1.55;
+Element LightNow(const SunContent& content, double haloSize = 1.55) {
   constexpr double kHaloOpacity = 0.14;
-  const double halo = content.iconSize * kHalo;
+  const double halo = content.iconSize * haloSize;
   const platform::UIColor glow = content.sunColor.withAlpha(content.sunColor.alpha * kHaloOpacity);
   return vstack({zstack({shape(glow, halo) | accented() | frame(halo, halo),
                          SunIconView(content.sunColor, content.iconSize)}),
@@ -58,17 +57,22 @@ Element LightTypeView(const LightTypeRow& row, double size) {
 
 Element SunInfoViewSmall(const SunLightWidgetData& sunData) {
   const SunContent content = sunContent(sunData, WidgetFamily::systemSmall);
-  return vstack({PostalAddressView(sunData.locationData) | fillWidth(), spacer(),
-                 LightNow(content) | fillWidth(Alignment::center), spacer(),
-                 NextLight(content) | fillWidth(), RiseSet(sunData)},
-                kGap, Alignment::start);
+  const auto form = [&](double halo) {
+    return vstack({PostalAddressView(sunData.locationData) | fillWidth(), spacer(),
+                   LightNow(content, halo) | fillWidth(Alignment::center), spacer(),
+                   NextLight(content) | fillWidth(), RiseSet(sunData)},
+                  kGap, Alignment::start);
+  };
+  return firstThatFits(Axis::vertical, {form(1.55), form(1.2), form(1.0)});
 }
 
 Element SunInfoViewMedium(const SunLightWidgetData& sunData, WidgetFamily family) {
   constexpr double kIconColumn = 100.0;
   const SunContent content = sunContent(sunData, family);
   Elements lines{PostalAddressView(sunData.locationData) | fillWidth(), spacer()};
-  for (const LightTypeRow& row : content.rows) lines.push_back(LightTypeView(row, kBody));
+  // Three rows are a table, two may speak up.
+  const double size = family == WidgetFamily::systemLarge ? kBody : kTitle;
+  for (const LightTypeRow& row : content.rows) lines.push_back(LightTypeView(row, size));
   lines.insert(lines.end(),
                {spacer(), divider(), NextLight(content) | fillWidth(), RiseSet(sunData)});
   return hstack({LightNow(content) | frameWidth(kIconColumn) | fillHeight(Alignment::center),

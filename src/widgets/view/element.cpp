@@ -44,6 +44,8 @@ Element vstack(Elements children, double spacing, Alignment alignment) {
 
 Element zstack(Elements children) { return Element(DepthStack{std::move(children)}); }
 
+Element firstThatFits(Axis axis, Elements forms) { return Element(Choice{axis, std::move(forms)}); }
+
 Element spacer(double minimumLength) { return Element(Spacer{minimumLength}); }
 
 Element nothing() { return zstack({}); }
@@ -193,7 +195,12 @@ void Walk(const Element& element, const std::function<bool(const Node&)>& visit)
   std::visit(
       [&](const auto& kind) {
         if constexpr (requires { kind.children; }) {
-          for (const Element& child : kind.children) Walk(child, visit);
+          // The forms of a choice say the same; the first is the fullest.
+          constexpr bool isChoice = std::is_same_v<std::decay_t<decltype(kind)>, Choice>;
+          for (const Element& child : kind.children) {
+            Walk(child, visit);
+            if (isChoice) break;
+          }
         } else if constexpr (requires { kind.child; }) {
           Walk(kind.child, visit);
         }

@@ -81,8 +81,9 @@ class Layouter {
       if (isBroken && (isSmallest || style.lineLimit > 1)) {
         metrics = measurer_.measure(text.text, style, roomy.width);
       }
+      // A single line is as high as it is, however little height a stack first offers.
       const bool fits = !metrics.isTruncated && metrics.size.width <= roomy.width &&
-                        metrics.size.height <= roomy.height;
+                        (metrics.lines == 1 || metrics.size.height <= roomy.height);
       if (fits || isSmallest) return {style, metrics};
     }
   }
@@ -117,6 +118,17 @@ class Layouter {
       size = {std::max(size.width, taken.width), std::max(size.height, taken.height)};
     }
     return size;
+  }
+  CGSize FitKind(const Choice& choice, CGSize room) { return Fit(Chosen(choice, room), room); }
+  const Element& Chosen(const Choice& choice, CGSize room) {
+    constexpr double kSlack = 0.5;
+    for (const Element& form : choice.children) {
+      const bool fits = choice.axis == Axis::horizontal
+                            ? Fit(form, {kUnbounded, kUnbounded}).width <= room.width + kSlack
+                            : Fit(form, {room.width, kUnbounded}).height <= room.height + kSlack;
+      if (fits) return form;
+    }
+    return choice.children.back();
   }
   CGSize FitKind(const Padding& padding, CGSize room) {
     const Insets& i = padding.insets;
@@ -206,6 +218,9 @@ class Layouter {
     for (const Element& child : stack.children) {
       PlaceAligned(child, box.rect, Alignment::center, Alignment::center, box);
     }
+  }
+  void PlaceKind(const Choice& choice, Box& box) {
+    box.children.push_back(Place(Chosen(choice, {box.rect.width, box.rect.height}), box.rect));
   }
   void PlaceKind(const Padding& padding, Box& box) {
     const Insets& i = padding.insets;

@@ -17,10 +17,11 @@ view::Element LocationTimeOutView();
 /// The place's title, marked when it is wherever the device is.
 view::Element PostalAddressView(const LocationWidgetData& data);
 
-/// A body's rise and set beside each other, or a sentence.
+/// A body's rise and set beside each other, or where that is too wide below each other, or a
+/// sentence.
 view::Element RiseSetView(double mjdRise, double mjdSet, double mjdTomorrowAt0,
                           const LocationWidgetData& data);
-view::Element BodyRiseSetTimeView(const BodyRiseSetTime& time);
+view::Element BodyRiseSetTimeView(const BodyRiseSetTime& time, double size);
 
 /// One of the two failure views, or the information.
 view::Element chosenView(const LocationWidgetData& data, const view::Environment& environment,

@@ -103,6 +103,13 @@ struct DepthStack {
   Elements children;
 };
 
+/// The first of several forms that fits along an axis, else the last. Across, it fits when nothing
+/// has to shrink or break; downwards, when it is not too high at the width that there is.
+struct Choice {
+  Axis axis = Axis::horizontal;
+  Elements children;
+};
+
 /// Takes what room is left along the stack that holds it.
 struct Spacer {
   double minimumLength = 0.0;
@@ -142,8 +149,8 @@ struct Label {
   Element child;
 };
 
-struct Node : std::variant<Text, Image, Picture, Shape, Stack, DepthStack, Spacer, Padding, Frame,
-                           Background, Link, Label> {
+struct Node : std::variant<Text, Image, Picture, Shape, Stack, DepthStack, Choice, Spacer, Padding,
+                           Frame, Background, Link, Label> {
   using variant::variant;
   const variant& base() const { return *this; }
 };
@@ -158,6 +165,7 @@ Element shape(Color fill, double cornerRadius = 0.0);
 Element hstack(Elements children, double spacing = 0.0, Alignment alignment = Alignment::center);
 Element vstack(Elements children, double spacing = 0.0, Alignment alignment = Alignment::center);
 Element zstack(Elements children);
+Element firstThatFits(Axis axis, Elements forms);
 Element spacer(double minimumLength = 0.0);
 /// Nothing, without extent.
 Element nothing();
