@@ -263,13 +263,7 @@ std::string RunGallery(const GalleryOptions& options) {
     scale = *given;
   }
   const std::filesystem::path folder = *options.folder;
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) {
-    throw std::runtime_error(
-        stringWithFormat(appText("error_file_write"),
-                         {adapters::printableText(folder.string(), 200), error.message()}));
-  }
+  makeFolder(folder);
 
   const std::vector<Section> sections = Exhibition(locale);
   view::Environment environment;

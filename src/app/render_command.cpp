@@ -81,23 +81,60 @@ view::Environment ParseEnvironment(const RenderOptions& options, const std::stri
   return environment;
 }
 
-std::string RunRender(const RenderOptions& given) {
-  RenderOptions options = given;
-  // Who names a scheme wants to see it: a widget without a theme is dark whatever the host's.
-  if (options.scheme && !options.widget.theme) options.widget.theme = "system";
-  const PictureFormat format = FormatOf(options.output);
+/// The picture of what a widget answers.
+std::string Rendered(const WidgetRequest& request, view::Environment environment,
+                     PictureFormat format, const RenderOptions& options) {
   PictureOptions picture;
   picture.scale = ParseScale(options.scale);
-  view::Environment environment = ParseEnvironment(options, checkedLocale(options.widget.locale));
-  const WidgetRequest request = prepareWidgetRequest(options.widget, "memory");
-  environment.family = request.family;
   picture.size = ParseSize(options.size, request.family);
   for (const auto& widget : widgets::LumenquestWidgets::configurations()) {
     if (widget.kind == request.kind) picture.title = widget.displayName;
   }
+  environment.family = request.family;
   const AnyEntry entry = askWidget(request).entry;
   const view::Element element = viewOf(entry, environment);
-  const std::string contents = pictureOf(element, environment, format, picture);
+  return pictureOf(element, environment, format, picture);
+}
+
+/// Every widget in the largest family that it has, each into a PNG of its kind's name.
+std::string RenderAll(WidgetRequest request, const view::Environment& environment,
+                      const RenderOptions& options) {
+  const std::filesystem::path folder = *options.output;
+  makeFolder(folder);
+  std::string files;
+  for (const auto& widget : widgets::LumenquestWidgets::configurations()) {
+    request.kind = widget.kind;
+    request.family = widget.supportedFamilies.back();
+    const std::string file = (folder / (widget.kind + ".png")).string();
+    writePicture(file, Rendered(request, environment, PictureFormat::png, options));
+    files += file + "\n";
+  }
+  return files;
+}
+
+std::string RunRender(const RenderOptions& given) {
+  RenderOptions options = given;
+  // Who names a scheme wants to see it: a widget without a theme is dark whatever the host's.
+  if (options.scheme && !options.widget.theme) options.widget.theme = "system";
+  const bool isAll = options.widget.kind == "all";
+  if (isAll) {
+    if (!options.output) {
+      throw UsageError(stringWithFormat(appText("error_missing_option"),
+                                        {"--output", appText("expect_folder")}));
+    }
+    if (options.widget.family || options.size) {
+      throw UsageError(appText("error_all_sizes"));
+    }
+    options.widget.kind = widgets::LumenquestWidgets::configurations().front().kind;
+  }
+  const PictureFormat format = isAll ? PictureFormat::png : FormatOf(options.output);
+  ParseScale(options.scale);
+  const view::Environment environment =
+      ParseEnvironment(options, checkedLocale(options.widget.locale));
+  const WidgetRequest request = prepareWidgetRequest(options.widget, "memory");
+  ParseSize(options.size, request.family);
+  if (isAll) return RenderAll(request, environment, options);
+  const std::string contents = Rendered(request, environment, format, options);
   if (options.output->starts_with("-")) return contents;
   writePicture(*options.output, contents);
   return "";

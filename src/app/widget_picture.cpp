@@ -83,4 +83,13 @@ void writePicture(const std::string& file, const std::string& contents) {
   }
 }
 
+void makeFolder(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (!error) return;
+  throw std::runtime_error(
+      platform::stringWithFormat(appText("error_file_write"),
+                                 {adapters::printableText(folder.string(), 200), error.message()}));
+}
+
 }  // namespace lumenquest::app

@@ -16,6 +16,8 @@ using platform::CGSize;
 namespace {
 
 constexpr double kUnbounded = std::numeric_limits<double>::infinity();
+/// Points by which measured and offered widths may differ, as they come from different sums.
+constexpr double kSlack = 0.5;
 
 /// Where a part stands in a longer whole.
 double Offset(Alignment alignment, double whole, double part) {
@@ -61,8 +63,6 @@ class Layouter {
   };
 
   SetText Set(const Text& text, CGSize room) {
-    // Half a point of slack: measured and offered widths come from different sums.
-    constexpr double kSlack = 0.5;
     constexpr double kStep = 0.05;
     const CGSize roomy{room.width + kSlack, room.height + kSlack};
     // Type scales as it is: one measurement tells of all sizes of an unbroken text.
@@ -121,7 +121,6 @@ class Layouter {
   }
   CGSize FitKind(const Choice& choice, CGSize room) { return Fit(Chosen(choice, room), room); }
   const Element& Chosen(const Choice& choice, CGSize room) {
-    constexpr double kSlack = 0.5;
     for (const Element& form : choice.children) {
       const bool fits = choice.axis == Axis::horizontal
                             ? Fit(form, {kUnbounded, kUnbounded}).width <= room.width + kSlack
@@ -293,7 +292,11 @@ class Painter {
 
   void PaintKind(const Text& text, const Box& box) {
     if (text.text.empty()) return;
-    canvas_.drawText(text.text, box.textStyle, Resolved(text.color, text.isAccented), box.rect);
+    // The slack that the measurement had, so that no hair's breadth costs a word.
+    const double before =
+        environment_.layoutDirection == LayoutDirection::rightToLeft ? kSlack : 0.0;
+    const CGRect rect{box.rect.x - before, box.rect.y, box.rect.width + kSlack, box.rect.height};
+    canvas_.drawText(text.text, box.textStyle, Resolved(text.color, text.isAccented), rect);
   }
   void PaintKind(const Image& image, const Box& box) {
     const auto found = assets_.imageNamed(image.name);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 
 #include "app/widget_request.h"
@@ -32,6 +33,9 @@ std::string pictureOf(const widgets::view::Element& view,
 
 /// Writes a file whole. Throws std::runtime_error, the old file left as it was.
 void writePicture(const std::string& file, const std::string& contents);
+
+/// Makes a folder where there is none. Throws std::runtime_error.
+void makeFolder(const std::filesystem::path& folder);
 
 /// `lumenquest render` and `lumenquest gallery`.
 void addPictureCommands(CommandSet& commands);
