@@ -27,10 +27,11 @@ class DeviceZone final : public platform::TimeZoneService {
 };
 
 /// Every key's text is the key in angle brackets, so that a test reads which words were chosen; the
-/// one format among them is a real one.
+/// formats among them are real ones.
 class KeyStrings final : public platform::StringTables {
  public:
   std::string localizedString(const std::string& key, const std::string&) override {
+    if (key == "gc_not_visible_until") return "%@, %@";
     return key == "moon_phase_percentage" ? "(%.1f%%, %@)" : "<" + key + ">";
   }
 };
