@@ -2,7 +2,9 @@
 
 #include <geoclue.h>
 
+#include <functional>
 #include <string>
+#include <utility>
 
 namespace lumenquest::adapters {
 
@@ -15,27 +17,133 @@ using platform::NSError;
 
 /// By this name the service asks the user, and its configuration may allow us in advance.
 constexpr const char* kDesktopId = "lumenquest";
-constexpr guint kTimeOutSeconds = 30;
 constexpr double kRefusalLifetime = 300.0;
 
 enum ErrorCode : int { kUnavailable = 1, kTimeOut = 2 };
 
-class GeoclueManager;
-
-/// A request that waits for the service; owned by the callbacks that it waits for.
-struct Waiting {
-  std::weak_ptr<GeoclueManager*> manager;
-  GCancellable* cancellable = nullptr;
-  guint timeOut = 0;
+struct SearchResult {
+  /// Absent: nothing was found.
+  std::optional<platform::CLLocationCoordinate2D> coordinate{};
+  bool isRefused = false;
   bool isTimedOut = false;
+  /// What the service said.
+  std::string cause{};
+};
+
+/// One question to the service: a client of it, started, until its first position. The library's
+/// own one-shot helper is no use here: it waits for ever where there is no position, and does not
+/// survive a second position that comes while it is let go.
+class Search : public std::enable_shared_from_this<Search> {
+ public:
+  using Completion = std::function<void(const SearchResult& result)>;
+
+  explicit Search(Completion completion) : completion_(std::move(completion)) {}
+  ~Search() { g_object_unref(cancellable_); }
+  Search(const Search&) = delete;
+  Search& operator=(const Search&) = delete;
+
+  void Start(std::chrono::milliseconds timeOut) {
+    timeOut_ = g_timeout_add(static_cast<guint>(timeOut.count()), OnTimeOut, this);
+    // Not to be cancelled: a client that nobody gets is one that nobody deletes.
+    gclue_client_proxy_create_full(kDesktopId, GCLUE_ACCURACY_LEVEL_EXACT,
+                                   GCLUE_CLIENT_PROXY_CREATE_AUTO_DELETE, nullptr, OnClient,
+                                   Reference());
+  }
+
+  /// Whatever comes now comes too late.
+  void Stop() {
+    completion_ = nullptr;
+    if (timeOut_ != 0) g_source_remove(std::exchange(timeOut_, 0));
+    g_cancellable_cancel(cancellable_);
+    if (client_ == nullptr) return;
+    g_signal_handlers_disconnect_by_data(client_, this);
+    g_clear_object(&client_);
+  }
+
+ private:
+  /// Keeps the search alive until the callback that it is handed to.
+  gpointer Reference() { return new std::shared_ptr<Search>(shared_from_this()); }
+  static std::shared_ptr<Search> Take(gpointer reference) {
+    const std::unique_ptr<std::shared_ptr<Search>> taken(
+        static_cast<std::shared_ptr<Search>*>(reference));
+    return *taken;
+  }
+
+  bool IsOver() const { return completion_ == nullptr; }
+  void Finish(const SearchResult& result) {
+    const Completion completion = std::exchange(completion_, nullptr);
+    Stop();
+    if (completion) completion(result);
+  }
+  /// Frees the error, which may be null.
+  void Fail(GError* error) {
+    SearchResult result;
+    if (error != nullptr) {
+      result.isRefused = g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_ACCESS_DENIED) != 0;
+      g_dbus_error_strip_remote_error(error);
+      result.cause = error->message;
+      g_error_free(error);
+    }
+    Finish(result);
+  }
+
+  static gboolean OnTimeOut(gpointer data) {
+    auto* const search = static_cast<Search*>(data);
+    search->timeOut_ = 0;
+    search->Finish({.isTimedOut = true});
+    return G_SOURCE_REMOVE;
+  }
+
+  static void OnClient(GObject*, GAsyncResult* answer, gpointer data) {
+    const auto search = Take(data);
+    GError* error = nullptr;
+    GClueClient* const client = gclue_client_proxy_create_full_finish(answer, &error);
+    if (client == nullptr) return search->Fail(error);
+    if (search->IsOver()) return g_object_unref(client);
+    search->client_ = client;
+    g_signal_connect(client, "location-updated", G_CALLBACK(OnLocationUpdated), search.get());
+    gclue_client_call_start(client, search->cancellable_, OnStarted, search->Reference());
+  }
+
+  static void OnStarted(GObject* client, GAsyncResult* answer, gpointer data) {
+    const auto search = Take(data);
+    GError* error = nullptr;
+    if (!gclue_client_call_start_finish(GCLUE_CLIENT(client), answer, &error)) search->Fail(error);
+  }
+
+  static void OnLocationUpdated(GClueClient*, const char*, const char* path, Search* search) {
+    gclue_location_proxy_new_for_bus(G_BUS_TYPE_SYSTEM, G_DBUS_PROXY_FLAGS_NONE,
+                                     "org.freedesktop.GeoClue2", path, search->cancellable_,
+                                     OnLocation, search->Reference());
+  }
+
+  static void OnLocation(GObject*, GAsyncResult* answer, gpointer data) {
+    const auto search = Take(data);
+    GError* error = nullptr;
+    GClueLocation* const found = gclue_location_proxy_new_for_bus_finish(answer, &error);
+    if (found == nullptr) return search->Fail(error);
+    // A location that is gone already has no properties, and would read as 0° 0°.
+    GVariant* const known = g_dbus_proxy_get_cached_property(G_DBUS_PROXY(found), "Latitude");
+    if (known != nullptr) {
+      g_variant_unref(known);
+      search->Finish(
+          {.coordinate = platform::CLLocationCoordinate2D{gclue_location_get_latitude(found),
+                                                          gclue_location_get_longitude(found)}});
+    }
+    g_object_unref(found);
+  }
+
+  Completion completion_;
+  GCancellable* cancellable_ = g_cancellable_new();
+  GClueClient* client_ = nullptr;
+  guint timeOut_ = 0;
 };
 
 class GeoclueManager final : public platform::CLLocationManager {
  public:
+  explicit GeoclueManager(std::chrono::milliseconds timeOut) : timeOut_(timeOut) {}
   ~GeoclueManager() override {
-    if (cancellable_ == nullptr) return;
-    g_cancellable_cancel(cancellable_);
-    g_object_unref(cancellable_);
+    if (search_) search_->Stop();
   }
 
   CLAuthorizationStatus authorizationStatus() const override {
@@ -51,68 +159,41 @@ class GeoclueManager final : public platform::CLLocationManager {
 
   void requestLocation() override {
     // One question at a time; its answer is everybody's.
-    if (cancellable_ != nullptr) return;
-    cancellable_ = g_cancellable_new();
-    auto* const waiting = new Waiting{self_, G_CANCELLABLE(g_object_ref(cancellable_)), 0, false};
-    waiting->timeOut = g_timeout_add_seconds(kTimeOutSeconds, OnTimeOut, waiting);
-    gclue_simple_new(kDesktopId, GCLUE_ACCURACY_LEVEL_EXACT, cancellable_, OnAnswer, waiting);
+    if (search_) return;
+    search_ = std::make_shared<Search>([this](const SearchResult& result) { Take(result); });
+    search_->Start(timeOut_);
   }
 
  private:
-  static gboolean OnTimeOut(gpointer data) {
-    auto* const waiting = static_cast<Waiting*>(data);
-    waiting->timeOut = 0;
-    waiting->isTimedOut = true;
-    g_cancellable_cancel(waiting->cancellable);
-    return G_SOURCE_REMOVE;
-  }
-
-  static void OnAnswer(GObject*, GAsyncResult* result, gpointer data) {
-    const std::unique_ptr<Waiting> waiting(static_cast<Waiting*>(data));
-    GError* error = nullptr;
-    GClueSimple* const simple = gclue_simple_new_finish(result, &error);
-    if (waiting->timeOut != 0) g_source_remove(waiting->timeOut);
-    g_object_unref(waiting->cancellable);
-    if (const auto manager = waiting->manager.lock()) {
-      (*manager)->Take(simple, error, waiting->isTimedOut);
-    }
-    if (simple != nullptr) g_object_unref(simple);
-    g_clear_error(&error);
-  }
-
-  void Take(GClueSimple* simple, const GError* error, bool isTimedOut) {
-    g_clear_object(&cancellable_);
+  void Take(const SearchResult& result) {
+    // Whoever is told may ask again, or let go of this object.
+    search_.reset();
     const auto told = delegate();
-    if (simple != nullptr) {
-      GClueLocation* const found = gclue_simple_get_location(simple);
-      location_ =
-          CLLocation{{gclue_location_get_latitude(found), gclue_location_get_longitude(found)},
-                     NSDate::date()};
+    if (result.coordinate) {
+      location_ = CLLocation{*result.coordinate, NSDate::date()};
       refusedAt_.reset();
       if (told) told->didUpdateLocations({*location_});
-    } else if (error != nullptr &&
-               g_error_matches(error, G_DBUS_ERROR, G_DBUS_ERROR_ACCESS_DENIED)) {
+    } else if (result.isRefused) {
       refusedAt_ = NSDate::date();
       if (told) told->locationManagerDidChangeAuthorization();
     } else if (told) {
-      const std::string cause = error != nullptr ? error->message : "";
       told->didFailWithError(
-          isTimedOut ? NSError{"GeoClue", kTimeOut, "error_location_timeout"}
-                     : NSError{"GeoClue", kUnavailable, "error_location_service", {}, cause});
+          result.isTimedOut
+              ? NSError{"GeoClue", kTimeOut, "error_location_timeout"}
+              : NSError{"GeoClue", kUnavailable, "error_location_service", {}, result.cause});
     }
   }
 
+  std::chrono::milliseconds timeOut_;
   std::optional<CLLocation> location_;
   std::optional<NSDate> refusedAt_;
-  GCancellable* cancellable_ = nullptr;
-  /// Tells answers that come late whether there is still somebody to answer.
-  std::shared_ptr<GeoclueManager*> self_ = std::make_shared<GeoclueManager*>(this);
+  std::shared_ptr<Search> search_;
 };
 
 }  // namespace
 
 std::unique_ptr<platform::CLLocationManager> GeoclueLocationService::locationManager() {
-  return std::make_unique<GeoclueManager>();
+  return std::make_unique<GeoclueManager>(timeOut_);
 }
 
 }  // namespace lumenquest::adapters

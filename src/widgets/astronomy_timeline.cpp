@@ -22,13 +22,21 @@ NSDate RefreshDate(NSDate now) {
       now, kRefreshMinutes);
 }
 
+/// Puts the values for a place into the provider's calculator, and nothing else: what an earlier
+/// request for another family computed must not stand beside them.
+void Calculate(const AstronomyTools& tools, const std::optional<platform::CLLocation>& location,
+               const std::optional<NSTimeZone>& zone, unsigned mask) {
+  *tools.astrolib = events::WidgetAstrolib();
+  tools.astrolib->setCurrentLocation(location);
+  tools.astrolib->setCurrentTimeZone(zone);
+  if (location) tools.astrolib->calculateData(mask);
+}
+
 }  // namespace
 
 AstronomyEntry sampleEntry(const AstronomyTools& tools, unsigned mask, ThemeStyleEnum theme,
                            const NSTimeZone& zone) {
-  tools.astrolib->setCurrentLocation(platform::CLLocation{kSampleCoordinate});
-  tools.astrolib->setCurrentTimeZone(zone);
-  tools.astrolib->calculateData(mask);
+  Calculate(tools, platform::CLLocation{kSampleCoordinate}, zone, mask);
   const NSDate now = NSDate::date();
   return {now,
           theme,
@@ -59,18 +67,15 @@ void makeTimelineEntry(const AstronomyTools& tools, const LocationSelectorIntent
         if (*status == CLAuthorizationStatus::denied) {
           sources.authorizationStatus = CLAuthorizationStatus::denied;
           sources.isCurrentLocation = true;
-        } else if (location) {
-          sources.address = address;
-          if (timeZone) sources.timeZone = NSTimeZone::timeZoneWithName(*timeZone);
-          tools.astrolib->setCurrentLocation(*location);
-          tools.astrolib->setCurrentTimeZone(sources.timeZone);
-          tools.astrolib->calculateData(mask);
-          sources.calculator = tools.astrolib.get();
         } else {
-          // A calculator of its own: the provider's still holds the values of an earlier place.
-          static const events::WidgetAstrolib nowhere;
-          sources.calculator = &nowhere;
-          sources.isCurrentLocation = true;
+          if (location) {
+            sources.address = address;
+            if (timeZone) sources.timeZone = NSTimeZone::timeZoneWithName(*timeZone);
+          } else {
+            sources.isCurrentLocation = true;
+          }
+          Calculate(tools, location, sources.timeZone, mask);
+          sources.calculator = tools.astrolib.get();
         }
         deliver(entry);
       });

@@ -63,8 +63,9 @@ using Role = adapters::SqliteObjectStores::Role;
 
 /// Services with real stores in a group container of the test's choice.
 struct PlansServices {
-  explicit PlansServices(const std::optional<std::filesystem::path>& group, Role role = Role::owner)
-      : services("2024-08-12T12:00:00Z", "UTC", "en_US", Adapters(group, role)) {}
+  explicit PlansServices(const std::optional<std::filesystem::path>& group, Role role = Role::owner,
+                         const std::string& zone = "UTC")
+      : services("2024-08-12T12:00:00Z", zone, "en_US", Adapters(group, role)) {}
 
   std::shared_ptr<QueueInMemory> queue = std::make_shared<QueueInMemory>();
   TestServices services;

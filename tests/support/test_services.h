@@ -27,10 +27,11 @@ class DeviceZone final : public platform::TimeZoneService {
 };
 
 /// Every key's text is the key in angle brackets, so that a test reads which words were chosen; the
-/// one format among them is a real one.
+/// formats among them are real ones.
 class KeyStrings final : public platform::StringTables {
  public:
   std::string localizedString(const std::string& key, const std::string&) override {
+    if (key == "gc_not_visible_until") return "%@, %@";
     return key == "moon_phase_percentage" ? "(%.1f%%, %@)" : "<" + key + ">";
   }
 };
@@ -45,12 +46,13 @@ inline platform::NSDate Instant(const std::string& rfc3339) {
   return adapters::parseRfc3339(rfc3339).value();
 }
 
-/// Services for one test: real calendars and formatters, a clock that stands, words as keys.
+/// Services for one test: real calendars and formatters, words as keys, and a clock that stands
+/// unless the test gives one.
 struct TestServices {
   explicit TestServices(const std::string& now, const std::string& zone = "UTC",
                         const std::string& locale = "en_US",
                         platform::Services::Adapters services = {}) {
-    services.clock = std::make_shared<adapters::FixedClock>(Instant(now));
+    if (!services.clock) services.clock = std::make_shared<adapters::FixedClock>(Instant(now));
     services.timeZones = std::make_shared<DeviceZone>(zone);
     services.calendars = std::make_shared<adapters::IcuCalendarService>(locale, services.timeZones);
     services.formatters =

@@ -33,11 +33,13 @@ struct LocationWrapper::Request {
   Completion completion;
   bool isDone = false;
 
-  void CompleteWithSaved() const {
-    completion(savedLocation, savedPlace.address, savedPlace.timeZone);
-  }
-  void Complete(const CLLocation& location, const SavedPlace& place) const {
-    completion(location, place.address, place.timeZone);
+  bool isAnswered() const { return completion == nullptr; }
+  void CompleteWithSaved() { Complete(savedLocation, savedPlace); }
+  void Complete(const std::optional<CLLocation>& location, const SavedPlace& place) {
+    // The completion may own the wrapper, whose handler owns this request: it must not stay.
+    if (const Completion answer = std::exchange(completion, nullptr)) {
+      answer(location, place.address, place.timeZone);
+    }
   }
 
   static void ResolvePlace(const std::shared_ptr<Request>& request,
@@ -123,27 +125,47 @@ void LocationWrapper::getLocation(const LocationSelectorIntent* intent, ErrorRep
     request->CompleteWithSaved();
     return;
   }
+  std::erase_if(waiting_, [](const auto& earlier) { return earlier->isAnswered(); });
+  waiting_.push_back(request);
   // The handler lives in this object, so that it may point back to it.
   requestLocation([this, request](const LocationEvent& event) { handle(event, request); });
 }
 
-void LocationWrapper::handle(const LocationEvent& event, const std::shared_ptr<Request>& request) {
-  if (const auto* const fix = std::get_if<NewLocation>(&event)) {
-    Request::ResolvePlace(request, fix->location);
-    request->isDone = true;
-  } else if (const auto* const failure = std::get_if<LocationError>(&event)) {
-    request->errorReporter(failure->error.localizedDescription());
-    Request::ResolvePlace(request, std::nullopt);
-    request->isDone = true;
-  } else {
-    *request->status = locationManager->authorizationStatus();
-    if (request->isDone) return;
-    if (*request->status == CLAuthorizationStatus::authorizedWhenInUse) {
-      locationManager->requestLocation();
-    } else if (*request->status == CLAuthorizationStatus::denied) {
-      request->isDone = true;
-      request->CompleteWithSaved();
+void LocationWrapper::handle(const LocationEvent& event, const std::shared_ptr<Request>& latest) {
+  // Those whose handler was replaced while they waited get what they waited for as well. Taken
+  // beforehand, because whoever is answered may ask again.
+  std::vector<std::shared_ptr<Request>> requests = waiting_;
+  std::erase(requests, latest);
+  std::erase_if(requests, [](const auto& earlier) { return earlier->isAnswered(); });
+  requests.push_back(latest);
+
+  if (std::holds_alternative<LocationChangeAuthorization>(event)) {
+    const CLAuthorizationStatus status = locationManager->authorizationStatus();
+    bool isWaiting = false;
+    for (const auto& request : requests) {
+      *request->status = status;
+      if (request->isDone) continue;
+      isWaiting = true;
+      if (status == CLAuthorizationStatus::denied) {
+        request->isDone = true;
+        request->CompleteWithSaved();
+      }
     }
+    if (isWaiting && status == CLAuthorizationStatus::authorizedWhenInUse) {
+      locationManager->requestLocation();
+    }
+    return;
+  }
+  for (const auto& request : requests) {
+    // A later position is saved, once.
+    if (request->isDone && request != latest) continue;
+    if (const auto* const fix = std::get_if<NewLocation>(&event)) {
+      Request::ResolvePlace(request, fix->location);
+    } else {
+      request->errorReporter(std::get<LocationError>(event).error.localizedDescription);
+      Request::ResolvePlace(request, std::nullopt);
+    }
+    request->isDone = true;
   }
 }
 
@@ -156,15 +178,19 @@ void LocationWrapper::Request::ResolvePlace(const std::shared_ptr<Request>& requ
     if (!wasDone) request->CompleteWithSaved();
     return;
   }
+  const bool isSamePlace =
+      request->savedPlace.address && request->savedLocation &&
+      location->distanceFromLocation(*request->savedLocation) <= kSamePlaceDistance;
+  // A title that is not this place's must never stand beside its coordinate: another widget would
+  // take it for this place's. By now it may be that of some other widget's place, too.
+  const bool isTitled = isSamePlace && SavedLocation::readPlace() == request->savedPlace;
+  if (!isTitled) SavedLocation::savePlace({});
   SavedLocation::save(location->coordinate);
-  if (request->savedPlace.address && request->savedLocation &&
-      location->distanceFromLocation(*request->savedLocation) <= kSamePlaceDistance) {
+  if (isSamePlace) {
+    if (!isTitled) SavedLocation::savePlace(request->savedPlace);
     if (!wasDone) request->Complete(*location, request->savedPlace);
     return;
   }
-  // Until the new place has a title, the old one's must not stand beside it: another widget would
-  // take it for this place's.
-  SavedLocation::savePlace({});
   Services::current().geocoder().reverseGeocodeLocation(
       *location,
       [request, location = *location, wasDone](const std::vector<platform::CLPlacemark>& placemarks,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 
 #include "platform/cl_location_manager.h"
@@ -13,7 +14,12 @@ namespace lumenquest::adapters {
 /// it. Where there is no service, or no position within half a minute, requests fail.
 class GeoclueLocationService final : public platform::LocationService {
  public:
+  explicit GeoclueLocationService(std::chrono::milliseconds timeOut = std::chrono::seconds(30))
+      : timeOut_(timeOut) {}
   std::unique_ptr<platform::CLLocationManager> locationManager() override;
+
+ private:
+  std::chrono::milliseconds timeOut_;
 };
 
 }  // namespace lumenquest::adapters

@@ -63,7 +63,8 @@ class LocationWrapper final : public platform::CLLocationManagerDelegate,
   /// Finds the place for a configuration, which may be null. `completion` is called once; the
   /// status holds what the user allows by then (a configured place needs no permission). While he
   /// has not decided yet the call may stay unanswered. A place found is saved as the last known
-  /// one, and its title and zone are looked up unless it lies near the one before.
+  /// one, and its title and zone are looked up unless it lies near the one before. What answers a
+  /// call also answers the earlier ones that still wait.
   void getLocation(const LocationSelectorIntent* intent, ErrorReporter errorReporter,
                    std::shared_ptr<platform::CLAuthorizationStatus> status, Completion completion);
 
@@ -83,7 +84,11 @@ class LocationWrapper final : public platform::CLLocationManagerDelegate,
   LocationWrapper() = default;
   void makeManager();
   void report(const LocationEvent& event);
-  void handle(const LocationEvent& event, const std::shared_ptr<Request>& request);
+  void handle(const LocationEvent& event, const std::shared_ptr<Request>& latest);
+
+  /// The calls of getLocation that asked the device, in their order; the answered ones go at the
+  /// next call.
+  std::vector<std::shared_ptr<Request>> waiting_;
 };
 
 }  // namespace lumenquest::widgets

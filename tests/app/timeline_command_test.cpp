@@ -1,0 +1,230 @@
+// `lumenquest timeline` and `lumenquest widgets` as their users call them.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "command_fixture.h"
+
+namespace lumenquest::app {
+namespace {
+
+using Json = nlohmann::ordered_json;
+using testing::Call;
+using testing::DataFolder;
+using testing::Result;
+
+Result CallTimeline(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), "timeline");
+  arguments.insert(arguments.end(), {"--at", "2024-08-12T12:00:00Z", "--locale", "en"});
+  return Call(arguments);
+}
+
+Json Timeline(std::vector<std::string> arguments) {
+  arguments.insert(arguments.end(), {"--format", "json"});
+  const Result result = CallTimeline(arguments);
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(CallTimeline(arguments).out, result.out) << "not the same again";
+  return Json::parse(result.out);
+}
+
+/// An object's keys in their order, those of objects within in brackets.
+std::string Keys(const Json& json) {
+  std::string keys;
+  for (const auto& [key, value] : json.items()) {
+    keys += (keys.empty() ? "" : " ") + key;
+    if (value.is_object()) keys += "(" + Keys(value) + ")";
+  }
+  return keys;
+}
+
+TEST(Timeline, HasEveryFieldOfItsKind) {
+  const DataFolder data;
+  const std::string location =
+      "locationData(address authorizationStatus isCurrentLocation withError timeZone) ";
+  const std::string sun =
+      "(" + location +
+      "mjdTomorrowAt0 mjdRise mjdSet sunElevation lightType nextEventMjd goldenHourInterval "
+      "blueHourInterval astronomicalTwilightInterval nextEventName)";
+  const std::string moon =
+      "(" + location +
+      "mjdTomorrowAt0 mjdRise mjdSet moonPhaseString moonPhase zenithAngle isMoonWaning "
+      "isSupermoon moonElevation sunElevation)";
+  const std::string gc =
+      "(" + location +
+      "mjdTomorrowAt0 mjdVisibilityFrom visibilityFromAngle mjdVisibilityTo visibilityToAngle "
+      "moonlessHours dateNextVisibility visibilityFromAzimuth visibilityToAzimuth)";
+  struct Case {
+    const char* kind;
+    const char* family;
+    std::string entry;
+  };
+  const Case cases[] = {
+      {"SunWidget", "systemSmall", "data" + sun + " moonData gcData"},
+      {"SunWidget", "systemMedium", "data" + sun + " moonData gcData"},
+      {"LumenquestWidget", "systemLarge", "data" + sun + " moonData" + moon + " gcData" + gc},
+      {"MoonWidget", "systemSmall", "data" + moon + " gcData"},
+      {"MoonWidget", "systemMedium", "data" + moon + " gcData" + gc},
+      {"GalacticCenterSmallWidget", "systemSmall", "data" + gc},
+  };
+  for (const Case& c : cases) {
+    for (const std::string request : {"timeline", "snapshot", "placeholder"}) {
+      SCOPED_TRACE(std::string(c.kind) + " " + c.family + " " + request);
+      const Json json =
+          Timeline({c.kind, "--family", c.family, "--here", "46.3625,14.0936", "--settings",
+                    "memory", "--theme", "light", "--request", request});
+      const bool isTimeline = request == "timeline";
+      EXPECT_EQ(Keys(json), "kind family entry(date " + c.entry + " theme) reloadPolicy" +
+                                (isTimeline ? "(after)" : ""));
+      EXPECT_EQ(json.at("kind"), c.kind);
+      EXPECT_EQ(json.at("family"), c.family);
+      const Json& entry = json.at("entry");
+      EXPECT_EQ(entry.at("date"), "2024-08-12T12:00:00Z");
+      EXPECT_EQ(entry.at("theme"), request == "placeholder" ? "themeSystem" : "themeLight");
+      if (!isTimeline) continue;
+      EXPECT_EQ(json.at("reloadPolicy").at("after"), "2024-08-12T12:30:00Z");
+      EXPECT_EQ(entry.at("data").at("locationData"), Json({{"address", "Bled"},
+                                                           {"authorizationStatus", 4},
+                                                           {"isCurrentLocation", true},
+                                                           {"withError", false},
+                                                           {"timeZone", "Europe/Ljubljana"}}));
+    }
+  }
+  // Nothing of the user's was read, written or made.
+  EXPECT_TRUE(std::filesystem::is_empty(data.path()));
+}
+
+TEST(Timeline, TheSharedSettingsKeepTheLastPlace) {
+  const DataFolder data;
+  const auto sun = [](const std::vector<std::string>& more) {
+    std::vector<std::string> arguments{"sun"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return Timeline(arguments).at("entry").at("data").at("locationData");
+  };
+  const auto saved = [] { return Call({"settings", "get", "today_extension_address"}).out; };
+  EXPECT_EQ(sun({"--place", "Chamonix, France"}).at("isCurrentLocation"), false);
+  EXPECT_EQ(saved(), "Chamonix-Mont-Blanc\n");
+  sun({"--here", "38.57,-109.55", "--settings", "memory"});
+  EXPECT_EQ(saved(), "Chamonix-Mont-Blanc\n");
+  EXPECT_EQ(sun({"--here", "38.57,-109.55", "--my-location"}).at("isCurrentLocation"), true);
+  EXPECT_EQ(saved(), "Moab\n");
+  // Within a kilometre the title stays, whatever the user made of it.
+  Call({"settings", "set", "today_extension_address", "My camp"});
+  EXPECT_EQ(sun({"--latitude", "38.575", "--longitude", "-109.55"}).at("address"), "My camp");
+
+  // Where there is no location service the last place serves, and without one the entry says so.
+  setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+  EXPECT_EQ(sun({}).at("address"), "My camp");
+  const Json nowhere = sun({"--settings", "memory"});
+  EXPECT_EQ(nowhere.at("address"), nullptr);
+  EXPECT_EQ(nowhere.at("withError"), true);
+  EXPECT_EQ(nowhere.at("authorizationStatus"), 4);
+  unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+}
+
+TEST(Timeline, Plans) {
+  const DataFolder data;
+  EXPECT_EQ(Keys(Timeline({"plans"})), "kind family entry(date plans theme) reloadPolicy");
+  EXPECT_EQ(Timeline({"plans"}).at("entry").at("plans"), Json::array());
+  EXPECT_TRUE(std::filesystem::is_empty(data.path()));
+  Call({"plans", "add", "Perseids", "--date", "2024-08-12 23:30", "--place", "Bled"});
+  const Json json = Timeline({"PlansWidget", "--theme", "system"});
+  EXPECT_EQ(json.at("reloadPolicy"), "atEnd");
+  EXPECT_EQ(json.at("entry").at("theme"), "themeSystem");
+  const Json& plans = json.at("entry").at("plans");
+  ASSERT_EQ(plans.size(), 1u);
+  EXPECT_EQ(Keys(plans[0]), "name date timeZone objectId");
+  EXPECT_EQ(plans[0].at("name"), "Perseids");
+  EXPECT_EQ(plans[0].at("date"), "2024-08-12T21:30:00Z");
+  EXPECT_EQ(plans[0].at("timeZone"), "Europe/Ljubljana");
+  EXPECT_EQ(plans[0].at("objectId").get<std::string>().find("x-store:%2F%2F"), 0u);
+  EXPECT_EQ(Timeline({"plans", "--request", "snapshot"}).at("entry").at("plans").size(), 4u);
+  // Whatever is in the file's place, the widget shows what it can and leaves it alone.
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(data.path())) {
+    if (entry.path().filename() == "Lumenquest.sqlite") std::ofstream(entry.path()) << "damaged";
+  }
+  EXPECT_EQ(Timeline({"plans"}).at("entry").at("plans"), Json::array());
+}
+
+TEST(Timeline, TextReadsAtAGlance) {
+  const DataFolder data;
+  const std::string text =
+      CallTimeline({"lumenquest", "--place", "Chamonix, France", "--settings", "memory"}).out;
+  for (const char* line :
+       {"kind                             LumenquestWidget\n",
+        "reloadPolicy                     after 2024-08-12T12:30:00Z\n",
+        "  address                        Chamonix-Mont-Blanc\n", "\nmoonData\n", "\ngcData\n"}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << text;
+  }
+  EXPECT_NE(text.find(" 6:30\u202FAM (+1)\n"), std::string::npos) << text;  // sunrise, there
+}
+
+TEST(Timeline, WrongUseIsOneLineThatSaysWhatWouldBeRight) {
+  const DataFolder data;
+  struct Case {
+    std::vector<std::string> arguments;
+    std::vector<const char*> mentions;
+  };
+  const Case cases[] = {
+      {{}, {"KIND", "missing", "SunWidget", "PlansWidget"}},
+      {{"moo"}, {"KIND", "\"moo\"", "MoonWidget"}},
+      {{"sun\n\x1b[31m"}, {"KIND", "SunWidget"}},
+      {{"sun", "--family", "large"}, {"--family", "\"large\"", "systemSmall", "systemMedium"}},
+      {{"LumenquestWidget", "--family", "small"}, {"--family", "systemLarge"}},
+      {{"sun", "--here", "1"}, {"--here", "\"1\"", "46.3625,14.0936"}},
+      {{"sun", "--here", "90.5,0"}, {"--here", "\"90.5,0\""}},
+      {{"sun", "--here", "nan,0"}, {"--here"}},
+      {{"sun", "--here"}, {"--here", "no value"}},
+      {{"sun", "--here", "1,2", "--place", "Bled"}, {"place", "position"}},
+      {{"sun", "--my-location", "--latitude", "1", "--longitude", "2"}, {"place", "position"}},
+      {{"sun", "--latitude", "1"}, {"--longitude", "missing"}},
+      {{"sun", "--place", "Nowhere at all"}, {"\"Nowhere at all\""}},
+      {{"sun", "--settings", "mine"}, {"--settings", "shared, memory"}},
+      {{"sun", "--theme", "pink"}, {"--theme", "system, dark, light"}},
+      {{"sun", "--request", "picture"}, {"--request", "timeline, snapshot, placeholder"}},
+      {{"sun", "moon"}, {"\"moon\"", "timeline --help"}},
+      {{"sun", "--format", "xml"}, {"--format", "json"}},
+      {{"sun", "--at", "noon"}, {"--at", "RFC 3339"}},
+  };
+  for (const Case& c : cases) {
+    std::vector<std::string> arguments{"timeline"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    arguments.insert(arguments.end(), {"--locale", "en"});
+    const Result result = Call(arguments);
+    EXPECT_EQ(result.code, 2) << result.err;
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    EXPECT_EQ(result.err.find('\x1b'), std::string::npos);
+    for (const char* mention : c.mentions) {
+      EXPECT_NE(result.err.find(mention), std::string::npos) << mention << ": " << result.err;
+    }
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(data.path()));
+}
+
+TEST(Widgets, ListsThemAll) {
+  const Result json = Call({"widgets", "--format", "json", "--locale", "de"});
+  EXPECT_EQ(json.code, 0);
+  const Json all = Json::parse(json.out);
+  const char* const kinds[] = {"SunWidget", "MoonWidget", "GalacticCenterSmallWidget",
+                               "LumenquestWidget", "PlansWidget"};
+  ASSERT_EQ(all.size(), 5u);
+  const std::string text = Call({"widgets", "--locale", "de"}).out;
+  for (std::size_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(Keys(all[i]), "kind intent families displayName description contentMarginsDisabled");
+    EXPECT_EQ(all[i].at("kind"), kinds[i]);
+    EXPECT_EQ(all[i].at("intent"), i == 4 ? "ThemeSelectorIntent" : "LocationSelectorIntent");
+    EXPECT_EQ(all[i].at("contentMarginsDisabled"), true);
+    EXPECT_NE(text.find(all[i].at("description").get<std::string>()), std::string::npos);
+  }
+  EXPECT_EQ(all[0].at("families"), Json({"systemSmall", "systemMedium"}));
+  EXPECT_EQ(all[3].at("families"), Json::array({"systemLarge"}));
+  EXPECT_NE(text, Call({"widgets", "--locale", "en"}).out);
+  EXPECT_EQ(Call({"widgets", "more", "--locale", "en"}).code, 2);
+}
+
+}  // namespace
+}  // namespace lumenquest::app
