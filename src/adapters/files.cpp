@@ -44,6 +44,8 @@ std::optional<std::string> writeFileWhole(const fs::path& given, const std::stri
     ::close(file);
     return failure;
   }
+  // Renaming would ask the folder alone, and replace what its owner has protected.
+  if (fs::exists(path, error) && ::access(path.c_str(), W_OK) != 0) return LastError();
   std::string unfinished = path.string() + ".XXXXXX";
   const int file = ::mkostemp(unfinished.data(), O_CLOEXEC);
   if (file < 0) return LastError();
