@@ -176,6 +176,7 @@ TEST(Places, SearchAtAndPlace) {
   };
   const Case wrong[] = {
       {today("paris"), "Paris, Île-de-France, France; Paris, Texas, United States"},
+      {today("San José, Catamarca, Argentina"), "Argentina (-2"},
       {today("xyzzyq"), "xyzzyq"},
       {today(std::string(10000, 'q')), "…"},
       {today("moab", {"--latitude", "3"}), "one of them"},
