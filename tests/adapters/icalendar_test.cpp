@@ -100,7 +100,9 @@ TEST(ICalendar, WhatIsNoPlanIsNamed) {
   };
   EXPECT_FALSE(parseICalendar(saying("\xC3\xBC"), FloatingZone).error);
   for (const std::string& name : {std::string("\xFC"), std::string("a\0b", 3)}) {
-    EXPECT_EQ(parseICalendar(saying(name), FloatingZone).error->key, "error_icalendar_text");
+    const auto parsed = parseICalendar(saying(name), FloatingZone);
+    ASSERT_TRUE(parsed.error);
+    EXPECT_EQ(parsed.error->key, "error_icalendar_text");
   }
 }
 

@@ -194,7 +194,9 @@ TEST(SqliteObjectStore, FilesThatAreNoStoreStayAsTheyAre) {
     }
   }
   std::ofstream(folder / "torn", std::ios::binary) << torn;
-  EXPECT_EQ(Open(folder / "torn").error->key, "file_error_damaged");
+  const auto opened = Open(folder / "torn");
+  ASSERT_TRUE(opened.error);
+  EXPECT_EQ(opened.error->key, "file_error_damaged");
   EXPECT_EQ(Contents(folder / "torn"), torn);
   EXPECT_TRUE(Open(folder / "").error);
 }
