@@ -75,10 +75,16 @@ SqliteUserDefaults::SqliteUserDefaults(std::string path) : path_(std::move(path)
 SqliteUserDefaults::~SqliteUserDefaults() = default;
 
 SqliteConnection* SqliteUserDefaults::Reading() const {
-  std::error_code ignored;
   // One that takes its file for unchangeable would not see what others write to it.
   if (connection_ && connection_->isImmutable()) connection_.reset();
-  if (connection_ || !std::filesystem::exists(path_, ignored)) return connection_.get();
+  if (connection_) return connection_.get();
+  std::error_code unreachable;
+  if (!std::filesystem::exists(path_, unreachable)) {
+    if (unreachable) {
+      error_ = fileError(std::filesystem::filesystem_error("exists", path_, unreachable), path_);
+    }
+    return nullptr;
+  }
   try {
     auto connection = openForReading(path_);
     // A process may have died while it made the file: without a table it holds nothing yet.
