@@ -5,6 +5,8 @@ namespace lumenquest::adapters {
 namespace {
 
 const char* KeyOf(const SqliteFailure& failure) {
+  // What processes share beside the file has a fixed size, for which there was no room.
+  if (failure.code == SQLITE_IOERR_SHMSIZE) return "file_error_full";
   switch (failure.code & 0xFF) {
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:

@@ -28,22 +28,25 @@ bool WriteAll(int file, const std::string& contents) {
 }  // namespace
 
 std::optional<std::string> writeFileWhole(const fs::path& given, const std::string& contents) {
-  // What a link points to is replaced, not the link.
   std::error_code error;
-  fs::path path = given;
-  if (fs::is_symlink(given, error)) {
-    path = fs::canonical(given, error);
-    if (error) return error.message();
-  }
-  // A device or a pipe, /dev/stdout say, cannot be renamed over and is written to as it is.
-  if (fs::exists(path, error) && !fs::is_regular_file(path, error)) {
-    const int file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+  // A device or a pipe cannot be renamed over and is written to as it is. Asked of the name as it
+  // is given: /dev/stdout is a link to what may have no path.
+  if (fs::exists(given, error) && !fs::is_regular_file(given, error)) {
+    const int file = ::open(given.c_str(), O_WRONLY | O_CLOEXEC);
     if (file < 0) return LastError();
     std::optional<std::string> failure;
     if (!WriteAll(file, contents)) failure = LastError();
     ::close(file);
     return failure;
   }
+  // What a link points to is replaced, not the link.
+  fs::path path = given;
+  if (fs::is_symlink(given, error)) {
+    path = fs::canonical(given, error);
+    if (error) return error.message();
+  }
+  // Renaming would ask the folder alone, and replace what its owner has protected.
+  if (fs::exists(path, error) && ::access(path.c_str(), W_OK) != 0) return LastError();
   std::string unfinished = path.string() + ".XXXXXX";
   const int file = ::mkostemp(unfinished.data(), O_CLOEXEC);
   if (file < 0) return LastError();

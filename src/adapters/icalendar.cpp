@@ -11,6 +11,7 @@
 #include <memory>
 #include <string_view>
 
+#include "adapters/printable_text.h"
 #include "icu_strings.h"
 #include "platform/services.h"
 
@@ -29,6 +30,13 @@ constexpr const char* kPositionProperty = "X-LUMENQUEST-POSITION";
 constexpr const char* kCalendarZoneProperty = "X-WR-TIMEZONE";
 /// Degrees by which GEO may differ from the exact position: its last decimal.
 constexpr double kGeoPrecision = 1e-6;
+
+constexpr int kFirstYear = 1583;
+constexpr int kLastYear = 2999;
+constexpr double kDay = 86400.0;
+/// 1583-01-01 and 3000-01-01, a day before and after.
+constexpr NSDate kFirstDate = NSDate::dateWithTimeIntervalSince1970(-12212553600.0 - kDay);
+constexpr NSDate kEndDate = NSDate::dateWithTimeIntervalSince1970(32503680000.0 + kDay);
 
 struct FreeComponent {
   void operator()(icalcomponent* component) const { icalcomponent_free(component); }
@@ -81,11 +89,12 @@ NSDate LocalTime(const icaltimetype& time, const NSTimeZone& zone) {
       {time.year, time.month, time.day, time.hour, time.minute, time.second});
 }
 
-NSDate InUtc(const icaltimetype& time) {
-  icaltimetype utc = time;
-  utc.zone = icaltimezone_get_utc_timezone();
-  return NSDate::dateWithTimeIntervalSince1970(
-      static_cast<double>(icaltime_as_timet_with_zone(utc, utc.zone)));
+/// Whether the fields are those of a day and a time, which the library does not ask.
+bool IsDate(const icaltimetype& time) {
+  return time.year >= kFirstYear && time.year <= kLastYear && time.month >= 1 && time.month <= 12 &&
+         time.day >= 1 && time.day <= icaltime_days_in_month(time.month, time.year) &&
+         time.hour >= 0 && time.hour <= 23 && time.minute >= 0 && time.minute <= 59 &&
+         time.second >= 0 && time.second <= 60;
 }
 
 std::optional<CLLocationCoordinate2D> CoordinateOf(icalcomponent* event) {
@@ -114,13 +123,11 @@ bool ReadStart(icalcomponent* calendar, icalcomponent* source,
   icalproperty* const property = icalcomponent_get_first_property(source, ICAL_DTSTART_PROPERTY);
   if (property == nullptr) return false;
   const icaltimetype time = icalproperty_get_dtstart(property);
-  // The calendar of our instants is Julian before 1582, the format's is not.
-  if (icaltime_is_null_time(time) || !icaltime_is_valid_time(time) || time.year < 1583)
-    return false;
+  if (!IsDate(time)) return false;
 
   if (const auto own = ExtensionOf(source, kZoneProperty)) event.timeZone = ZoneCalled(*own);
   if (icaltime_is_utc(time)) {
-    event.start = InUtc(time);
+    event.start = LocalTime(time, NSTimeZone::gmt());
     return true;
   }
   icalparameter* const parameter = icalproperty_get_first_parameter(property, ICAL_TZID_PARAMETER);
@@ -214,6 +221,10 @@ icaltimetype UtcTime(NSDate date) {
       icaltimezone_get_utc_timezone());
 }
 
+bool CanBeWritten(const CalendarEvent& event) {
+  return event.start && isCalendarDate(*event.start);
+}
+
 icalproperty* StartProperty(NSDate start, const std::optional<NSTimeZone>& zone, bool hasRules) {
   if (!zone || !hasRules) return icalproperty_new_dtstart(UtcTime(start));
   const auto calendar = platform::Services::current().calendars().gregorianCalendar(*zone);
@@ -241,6 +252,7 @@ icalproperty* StartProperty(NSDate start, const std::optional<NSTimeZone>& zone,
 platform::Outcome<Calendar> parseICalendar(const std::string& text,
                                            const ZoneOfFloatingTimes& zoneOfFloatingTimes) {
   icalerror_set_errors_are_fatal(0);
+  if (!isText(text)) return BadFile("error_icalendar_text");
   if (!IsWhole(text)) return BadFile("error_icalendar_end");
   const Component root(icalparser_parse_string(text.c_str()));
   if (!root) return BadFile("error_icalendar");
@@ -263,6 +275,8 @@ platform::Outcome<Calendar> parseICalendar(const std::string& text,
   return result;
 }
 
+bool isCalendarDate(NSDate date) { return date >= kFirstDate && date < kEndDate; }
+
 std::string formatICalendar(const std::vector<CalendarEvent>& events, NSDate writtenAt) {
   icalerror_set_errors_are_fatal(0);
   const Component calendar(icalcomponent_new(ICAL_VCALENDAR_COMPONENT));
@@ -271,13 +285,14 @@ std::string formatICalendar(const std::vector<CalendarEvent>& events, NSDate wri
 
   std::map<std::string, bool> hasRules;
   for (const CalendarEvent& event : events) {
-    if (!event.start || !event.timeZone || hasRules.contains(event.timeZone->name)) continue;
+    if (!CanBeWritten(event) || !event.timeZone || hasRules.contains(event.timeZone->name))
+      continue;
     Component rules = ZoneRules(event.timeZone->name);
     hasRules[event.timeZone->name] = rules != nullptr;
     if (rules) icalcomponent_add_component(calendar.get(), rules.release());
   }
   for (const CalendarEvent& event : events) {
-    if (!event.start) continue;
+    if (!CanBeWritten(event)) continue;
     Component made(icalcomponent_new(ICAL_VEVENT_COMPONENT));
     icalcomponent* const target = made.get();
     if (event.identifier) icalcomponent_set_uid(target, event.identifier->c_str());

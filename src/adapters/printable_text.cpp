@@ -2,6 +2,7 @@
 
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
+#include <unicode/ustring.h>
 
 #include "icu_strings.h"
 
@@ -25,6 +26,14 @@ std::string printableText(const std::string& utf8, std::size_t most) {
     shown.append(isJoiner || u_isprint(character) ? character : kReplacement);
   }
   return ToUtf8(shown);
+}
+
+bool isText(const std::string& bytes) {
+  UErrorCode status = U_ZERO_ERROR;
+  u_strFromUTF8(nullptr, 0, nullptr, bytes.data(), static_cast<int32_t>(bytes.size()), &status);
+  // There is no room for the result, which nobody wants.
+  const bool isUtf8 = U_SUCCESS(status) || status == U_BUFFER_OVERFLOW_ERROR;
+  return isUtf8 && bytes.find('\0') == std::string::npos;
 }
 
 std::size_t columnsOf(const std::string& utf8) {

@@ -1,5 +1,7 @@
 #include "sqlite_connection.h"
 
+#include <system_error>
+
 namespace lumenquest::adapters {
 
 namespace {
@@ -66,8 +68,29 @@ std::int64_t SqliteConnection::QueryInteger(const std::string& sql) const {
   return statement.Step() ? statement.Integer(0) : 0;
 }
 
+void SqliteConnection::RequireWhole() const {
+  SqliteStatement check(*this, "PRAGMA quick_check(1)");
+  if (!check.Step() || check.Text(0) != "ok") throw SqliteFailure(SQLITE_CORRUPT, check.Text(0));
+}
+
 void SqliteConnection::Throw(int code) const {
   throw SqliteFailure(code, handle_ ? sqlite3_errmsg(handle_.get()) : sqlite3_errstr(code));
+}
+
+std::unique_ptr<SqliteConnection> openForReading(const std::filesystem::path& path) {
+  try {
+    auto connection = std::make_unique<SqliteConnection>(path, SqliteConnection::Mode::readOnly);
+    connection->QueryInteger("PRAGMA schema_version");
+    return connection;
+  } catch (const SqliteFailure& failure) {
+    const int code = failure.code & 0xFF;
+    const bool nothingBeside =
+        code == SQLITE_CANTOPEN || code == SQLITE_READONLY || failure.code == SQLITE_IOERR_SHMSIZE;
+    std::error_code noLog;
+    const auto logSize = std::filesystem::file_size(path.string() + "-wal", noLog);
+    if (!nothingBeside || (!noLog && logSize != 0)) throw;
+    return std::make_unique<SqliteConnection>(path, SqliteConnection::Mode::immutable);
+  }
 }
 
 SqliteStatement::SqliteStatement(const SqliteConnection& connection, const std::string& sql,

@@ -33,6 +33,9 @@ class SqliteConnection {
 
   sqlite3* handle() const { return handle_.get(); }
   bool isImmutable() const { return mode_ == Mode::immutable; }
+  /// Throws unless all pages are what they should be, which SQLite itself would not notice before
+  /// it comes by the bad one: until then it would write to a damaged file.
+  void RequireWhole() const;
   /// Runs statements that have no parameters; what they answer is left out.
   void Run(const std::string& sql);
   /// The integer that a statement answers; 0 when it answers nothing.
@@ -46,6 +49,11 @@ class SqliteConnection {
   Mode mode_;
   std::unique_ptr<sqlite3, Close> handle_;
 };
+
+/// Opens a file that is there for reading, also where SQLite can put nothing beside it, because the
+/// folder is read-only or the disk full: then the connection is immutable, and the file must have
+/// no log with changes.
+std::unique_ptr<SqliteConnection> openForReading(const std::filesystem::path& path);
 
 /// A prepared statement. Parameters and columns count from 1 and 0.
 class SqliteStatement {

@@ -245,20 +245,10 @@ void CreateStore(const fs::path& url, const NSManagedObjectModel& model,
 
 std::unique_ptr<SqliteConnection> Connect(const fs::path& url, bool readOnly) {
   CheckFile(url);
-  if (!readOnly) return std::make_unique<SqliteConnection>(url, Mode::readWrite);
-  try {
-    auto connection = std::make_unique<SqliteConnection>(url, Mode::readOnly);
-    SqliteStatement(*connection, "SELECT count(*) FROM sqlite_master").Execute();
-    return connection;
-  } catch (const SqliteFailure& failure) {
-    // Beside a file in a folder that is read-only there can be no log of changes; if there is none,
-    // the file is all.
-    const int code = failure.code & 0xFF;
-    std::error_code noLog;
-    const auto logSize = fs::file_size(url.string() + "-wal", noLog);
-    if ((code != SQLITE_CANTOPEN && code != SQLITE_READONLY) || (!noLog && logSize != 0)) throw;
-    return std::make_unique<SqliteConnection>(url, Mode::immutable);
-  }
+  auto reading = openForReading(url);
+  if (readOnly) return reading;
+  reading->RequireWhole();
+  return std::make_unique<SqliteConnection>(url, Mode::readWrite);
 }
 
 // ---- Migration ----
@@ -327,12 +317,6 @@ void Migrate(SqliteConnection& connection, const fs::path& url, const NSManagedO
   if (version == model.version) return;
   if (version > model.version || model.earlierVersion(version) == nullptr) {
     ThrowVersion("store_error_unknown_version", url, version, model);
-  }
-  {
-    SqliteStatement check(connection, "PRAGMA quick_check(1)");
-    if (!check.Step() || check.Text(0) != "ok") {
-      throw SqliteFailure(SQLITE_CORRUPT, check.Text(0));
-    }
   }
   MigrateTables(connection, model);
   SetMetadata(connection, "modelVersion", std::int64_t{model.version});

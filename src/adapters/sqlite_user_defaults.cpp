@@ -26,19 +26,6 @@ void RequireSettingsFile(SqliteConnection& connection) {
   }
 }
 
-std::unique_ptr<SqliteConnection> OpenForReading(const std::string& path) {
-  try {
-    auto connection = std::make_unique<SqliteConnection>(path, SqliteConnection::Mode::readOnly);
-    connection->QueryInteger("PRAGMA schema_version");
-    return connection;
-  } catch (const SqliteFailure& failure) {
-    // A log beside the file cannot be made in a folder that is read-only; then nobody writes
-    // either.
-    if ((failure.code & 0xFF) != SQLITE_CANTOPEN) throw;
-    return std::make_unique<SqliteConnection>(path, SqliteConnection::Mode::immutable);
-  }
-}
-
 bool IsNew(SqliteConnection& connection) {
   return connection.QueryInteger("PRAGMA schema_version") == 0;
 }
@@ -88,10 +75,18 @@ SqliteUserDefaults::SqliteUserDefaults(std::string path) : path_(std::move(path)
 SqliteUserDefaults::~SqliteUserDefaults() = default;
 
 SqliteConnection* SqliteUserDefaults::Reading() const {
-  std::error_code ignored;
-  if (connection_ || !std::filesystem::exists(path_, ignored)) return connection_.get();
+  // One that takes its file for unchangeable would not see what others write to it.
+  if (connection_ && connection_->isImmutable()) connection_.reset();
+  if (connection_) return connection_.get();
+  std::error_code unreachable;
+  if (!std::filesystem::exists(path_, unreachable)) {
+    if (unreachable) {
+      error_ = fileError(std::filesystem::filesystem_error("exists", path_, unreachable), path_);
+    }
+    return nullptr;
+  }
   try {
-    auto connection = OpenForReading(path_);
+    auto connection = openForReading(path_);
     // A process may have died while it made the file: without a table it holds nothing yet.
     if (IsNew(*connection)) return nullptr;
     RequireSettingsFile(*connection);
@@ -109,9 +104,12 @@ SqliteConnection& SqliteUserDefaults::Writing() {
   if (!std::filesystem::exists(path_)) writeWhole(path_, MakeTable);
   sweepUnfinished(path_);
   // Whether a file that is there may be written is decided before anything is written to it.
-  const auto existing = OpenForReading(path_);
+  const auto existing = openForReading(path_);
   const bool isNew = IsNew(*existing);
-  if (!isNew) RequireSettingsFile(*existing);
+  if (!isNew) {
+    RequireSettingsFile(*existing);
+    existing->RequireWhole();
+  }
   auto connection = std::make_unique<SqliteConnection>(path_, SqliteConnection::Mode::readWrite);
   if (isNew) {
     connection->Run("PRAGMA journal_mode = WAL");

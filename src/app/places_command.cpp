@@ -1,7 +1,8 @@
 #include "app/places_command.h"
 
-#include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
+#include <vector>
 
 #include "adapters/printable_text.h"
 #include "app/runtime.h"
@@ -146,17 +147,27 @@ platform::CLPlacemark resolvePlace(const std::string& text, const std::string& l
     throw UsageError(stringWithFormat(appText("error_unknown_place"), {shown}));
   }
   // Another place of the same name: which one is meant is the user's to say.
-  std::string candidates;
-  int namesakes = 0;
+  std::vector<const CLPlacemark*> namesakes;
+  std::map<std::string, int> bearers;
   for (const CLPlacemark& place : places) {
     if (!adapters::isSameName(*place.locality, *places.front().locality)) continue;
-    if (namesakes++ > 0) candidates += "; ";
-    candidates += FullName(place);
+    namesakes.push_back(&place);
+    ++bearers[FullName(place)];
   }
-  if (namesakes > 1) {
-    throw UsageError(stringWithFormat(appText("error_ambiguous_place"), {shown, candidates}));
+  if (namesakes.size() == 1) return places.front();
+  std::string candidates;
+  for (const CLPlacemark* place : namesakes) {
+    if (!candidates.empty()) candidates += "; ";
+    const std::string name = FullName(*place);
+    candidates += name;
+    // Only their coordinates tell two of one area apart.
+    if (bearers[name] > 1) {
+      candidates += " (" +
+                    LocationUtils::decimalLatLonStringWithCoordinate(place->location->coordinate) +
+                    ")";
+    }
   }
-  return places.front();
+  throw UsageError(stringWithFormat(appText("error_ambiguous_place"), {shown, candidates}));
 }
 
 ChosenPlace choosePlace(const PlaceOptions& options, const std::string& locale) {

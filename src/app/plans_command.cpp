@@ -23,6 +23,7 @@
 #include "platform/database.h"
 #include "platform/localized_strings.h"
 #include "platform/location_utils.h"
+#include "platform/ns_string.h"
 #include "platform/planning.h"
 
 namespace lumenquest::app {
@@ -78,11 +79,22 @@ NSManagedObjectContext& OpenPlans() {
   return *context;
 }
 
-void Save(NSManagedObjectContext& context) {
-  const auto error = context.save();
-  if (!error) return;
+/// The same as the application opens it, with what an older version left to be done.
+NSManagedObjectContext& OpenPlansForChanges(const std::string& locale) {
+  installServices({locale, nullptr, StoreRole::owner});
+  NSManagedObjectContext& context = OpenPlans();
+  // Each time, as the one after the migration may have been cut short.
+  platform::Database::sharedInstance().performUpdatesFrom3To4();
+  return context;
+}
+
+[[noreturn]] void ThrowNotWritten(const platform::NSError& error) {
   throw std::runtime_error(
-      stringWithFormat(appText("error_plans_write"), {error->localizedDescription()}));
+      stringWithFormat(appText("error_plans_write"), {error.localizedDescription()}));
+}
+
+void Save(NSManagedObjectContext& context) {
+  if (const auto error = context.save()) ThrowNotWritten(*error);
 }
 
 Plans Fetch(NSManagedObjectContext& context, std::optional<platform::NSPredicate> predicate) {
@@ -114,8 +126,6 @@ NSDate ParsePlanDate(const OptionText& given, const NSTimeZone& zone) {
     throw UsageError(
         stringWithFormat(appText("error_missing_option"), {"--date", appText("expect_plan_date")}));
   }
-  constexpr NSDate kFirst = NSDate::dateWithTimeIntervalSince1970(-12212553600.0);  // 1583-01-01
-  constexpr NSDate kEnd = NSDate::dateWithTimeIntervalSince1970(95617584000.0);     // 5000-01-01
   std::optional<NSDate> date = adapters::parseRfc3339(*given);
   if (!date) {
     std::string text = *given;
@@ -136,17 +146,16 @@ NSDate ParsePlanDate(const OptionText& given, const NSTimeZone& zone) {
           stringWithFormat(appText("error_plan_date_skipped"), {printableText(*given), zone.name}));
     }
   }
-  if (*date < kFirst || *date >= kEnd) throwBadOption("--date", *given, "expect_plan_date");
+  if (!adapters::isCalendarDate(*date)) throwBadOption("--date", *given, "expect_plan_date");
   return *date;
 }
 
-std::string DateText(const Planning& plan, const std::string& locale) {
+std::string DateText(const Planning& plan) {
   if (!plan.date()) return "--";
-  const auto formatter = platform::Services::current().formatters().dateFormatter(
-      locale, platform::NSDateFormatterStyle::shortStyle,
-      platform::NSDateFormatterStyle::shortStyle);
-  formatter->setTimeZone(ZoneOf(plan).value_or(NSTimeZone::localTimeZone()));
-  return formatter->stringFromDate(*plan.date());
+  platform::NSDateFormatter& formatter =
+      platform::Formatters::sharedInstance().shortDateTimeFormatter();
+  formatter.setTimeZone(ZoneOf(plan).value_or(NSTimeZone::localTimeZone()));
+  return formatter.stringFromDate(*plan.date());
 }
 
 Json ToJson(const Planning& plan) {
@@ -161,14 +170,15 @@ Json ToJson(const Planning& plan) {
           {"longitude", value(plan.longitude())}};
 }
 
-std::vector<std::string> ToRow(const Planning& plan, const std::string& locale) {
+std::vector<std::string> ToRow(const Planning& plan) {
   const auto coordinate = CoordinateOf(plan);
-  return {plan.uniqueIdentifier().value_or("").substr(0, kShownIdentifier), DateText(plan, locale),
-          plan.timezone().value_or("--"), printableText(plan.name().value_or(""), 60),
+  return {printableText(plan.uniqueIdentifier().value_or("").substr(0, kShownIdentifier)),
+          DateText(plan), printableText(plan.timezone().value_or("--")),
+          printableText(plan.name().value_or(""), 60),
           coordinate ? platform::LocationUtils::latLonStringWithCoordinate(*coordinate) : "--"};
 }
 
-std::string Show(const Plans& plans, const PlansOptions& options, const std::string& locale) {
+std::string Show(const Plans& plans, const PlansOptions& options) {
   if (parseFormat(options.format) == OutputFormat::json) {
     Json list = Json::array();
     for (const auto& plan : plans) list.push_back(ToJson(*plan));
@@ -179,31 +189,33 @@ std::string Show(const Plans& plans, const PlansOptions& options, const std::str
     return platform::localizedString("plan_no_scheduled", platform::kTableCommon) + "\n";
   }
   Table table;
-  for (const auto& plan : plans) table.Row(ToRow(*plan, locale));
+  for (const auto& plan : plans) table.Row(ToRow(*plan));
   return table.Text();
 }
 
 std::string AddPlan(const PlansOptions& options) {
   const std::string locale = checkedLocale(options.locale);
-  if (!options.name || options.name->empty()) {
+  // Blanks around it no calendar file would keep.
+  const std::string name = platform::stringByTrimmingWhitespace(options.name.value_or(""));
+  if (name.empty()) {
     throw UsageError(
         stringWithFormat(appText("error_missing_option"), {"NAME", appText("expect_plan_name")}));
   }
+  if (!adapters::isText(name)) throwBadOption("NAME", name, "expect_plan_name");
   parseFormat(options.format);
   const ChosenPlace place = choosePlace(options.place, locale);
   const NSDate date = ParsePlanDate(options.date, place.timeZone);
 
-  installServices({locale, nullptr, StoreRole::owner});
-  NSManagedObjectContext& context = OpenPlans();
+  NSManagedObjectContext& context = OpenPlansForChanges(locale);
   const auto plan = std::static_pointer_cast<Planning>(
       context.insertNewObjectForEntityForName(platform::kEntityPlanning));
-  plan->setValue(*options.name, platform::kAttributeName);
+  plan->setValue(name, platform::kAttributeName);
   plan->setValue(date, platform::kAttributeDate);
   plan->setValue(place.timeZone.name, platform::kAttributeTimezone);
   plan->setValue(place.location.coordinate.latitude, platform::kAttributeLatitude);
   plan->setValue(place.location.coordinate.longitude, platform::kAttributeLongitude);
   Save(context);
-  return Show({plan}, options, locale);
+  return Show({plan}, options);
 }
 
 std::string ListPlans(const PlansOptions& options) {
@@ -217,12 +229,11 @@ std::string ListPlans(const PlansOptions& options) {
     fromToday = platform::NSPredicate::greaterThanOrEqual(platform::kAttributeDate,
                                                           NSDate::dateWithStartDateTime(now));
   }
-  return Show(Fetch(context, std::move(fromToday)), options, locale);
+  return Show(Fetch(context, std::move(fromToday)), options);
 }
 
 /// The plan that a beginning of its identifier names.
-std::shared_ptr<Planning> PlanCalled(const std::string& given, const Plans& plans,
-                                     const std::string& locale) {
+std::shared_ptr<Planning> PlanCalled(const std::string& given, const Plans& plans) {
   const auto upper = [](std::string text) {
     for (char& c : text) c = c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
     return text;
@@ -244,7 +255,7 @@ std::shared_ptr<Planning> PlanCalled(const std::string& given, const Plans& plan
   for (const auto& plan : found) {
     if (!candidates.empty()) candidates += "; ";
     candidates += printableText(*plan->uniqueIdentifier()) + " " +
-                  printableText(plan->name().value_or("")) + ", " + DateText(*plan, locale);
+                  printableText(plan->name().value_or("")) + ", " + DateText(*plan);
   }
   throw UsageError(
       stringWithFormat(appText("error_ambiguous_plan"), {printableText(given), candidates}));
@@ -257,17 +268,16 @@ std::string RemovePlans(const PlansOptions& options) {
                                       {"ID", appText("expect_plan_identifier")}));
   }
   parseFormat(options.format);
-  installServices({locale, nullptr, StoreRole::owner});
-  NSManagedObjectContext& context = OpenPlans();
+  NSManagedObjectContext& context = OpenPlansForChanges(locale);
   const Plans plans = Fetch(context, std::nullopt);
   Plans removed;
   for (const std::string& identifier : options.identifiers) {
-    const auto plan = PlanCalled(identifier, plans, locale);
+    const auto plan = PlanCalled(identifier, plans);
     if (std::find(removed.begin(), removed.end(), plan) == removed.end()) removed.push_back(plan);
   }
   for (const auto& plan : removed) context.deleteObject(plan);
   Save(context);
-  return Show(removed, options, locale);
+  return Show(removed, options);
 }
 
 std::string ReadInput(const OptionText& file) {
@@ -340,8 +350,7 @@ std::string ImportPlans(const PlansOptions& options) {
         {printableText(options.file.value_or(""), 200), parsed.error->localizedDescription()}));
   }
 
-  installServices({locale, nullptr, StoreRole::owner});
-  NSManagedObjectContext& context = OpenPlans();
+  NSManagedObjectContext& context = OpenPlansForChanges(locale);
   std::map<std::string, std::shared_ptr<Planning>> known;
   for (const auto& plan : Fetch(context, std::nullopt)) {
     if (const auto identifier = plan->uniqueIdentifier()) known[*identifier] = plan;
@@ -367,23 +376,22 @@ std::string ImportPlans(const PlansOptions& options) {
     Update(*made, event, zone);
     ++added;
   }
-  Save(context);
 
-  // Calendars that give their events new identifiers at every export would fill the store.
+  // Calendars that give their events new identifiers at every export would fill the store. What is
+  // removed is saved together with what was taken over, or nothing is.
+  const std::size_t before = Fetch(context, std::nullopt).size();
   bool isDone = false;
   std::optional<platform::NSError> failure;
-  const std::size_t before = Fetch(context, std::nullopt).size();
   platform::Database::sharedInstance().removeDuplicatesWithCompletion(
       [&](const std::optional<platform::NSError>& error) {
         failure = error;
         isDone = true;
       });
   adapters::GlibMainQueue::runUntil([&] { return isDone; });
-  if (failure) {
-    throw std::runtime_error(
-        stringWithFormat(appText("error_plans_write"), {failure->localizedDescription()}));
-  }
-  const auto duplicates = static_cast<int>(before - Fetch(context, std::nullopt).size());
+  if (failure) ThrowNotWritten(*failure);
+  // Another process may have added some meanwhile.
+  const std::size_t duplicates = before - std::min(before, Fetch(context, std::nullopt).size());
+  Save(context);
 
   const auto names = [](const std::vector<std::string>& list) {
     std::string text;
@@ -436,7 +444,9 @@ std::string ExportPlans(const PlansOptions& options) {
       const auto places = gazetteer->reverseGeocodeLocation({*event.coordinate});
       if (!places.empty()) event.placeName = places.front().shortTitle();
     }
-    if (!event.start) withoutDate.push_back(event.name.value_or(""));
+    if (!event.start || !adapters::isCalendarDate(*event.start)) {
+      withoutDate.push_back(event.name.value_or(""));
+    }
     events.push_back(std::move(event));
   }
   // A backup that silently leaves plans out would be worse than none.

@@ -1,6 +1,5 @@
 #include "app/runtime.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -22,6 +21,7 @@
 #include "adapters/system_time_zones.h"
 #include "adapters/uuids.h"
 #include "adapters/xdg_file_manager.h"
+#include "platform/localized_strings.h"
 
 namespace lumenquest::app {
 
@@ -42,21 +42,24 @@ std::shared_ptr<adapters::SqliteUserDefaults>& Suite() {
   return suite;
 }
 
-}  // namespace
-
-std::string settingsPath() {
-  const auto folderOf = [](const char* variable) {
-    const char* value = std::getenv(variable);
-    return std::filesystem::path(value != nullptr ? value : "");
-  };
-  std::filesystem::path data = folderOf("XDG_DATA_HOME");
-  // A relative path there is invalid and to be ignored, says the base-directory standard.
-  if (!data.is_absolute()) data = folderOf("HOME") / ".local" / "share";
-  return (data / "lumenquest" / "group.lumenquest.lumenquest" / "settings.sqlite").string();
+/// One object as long as its file stays the same; null when the user has no folder for it.
+void OpenSuite(platform::FileManager& files) {
+  const auto folder = files.containerOfGroup(platform::kApplicationGroup);
+  if (!folder) {
+    Suite().reset();
+    return;
+  }
+  const std::string path = *folder / "settings.sqlite";
+  if (!Suite() || Suite()->path() != path) {
+    Suite() = std::make_shared<adapters::SqliteUserDefaults>(path);
+  }
 }
 
+}  // namespace
+
 std::optional<std::string> settingsError() {
-  const auto error = Suite() ? Suite()->error() : std::nullopt;
+  if (!Suite()) return platform::localizedString("store_error_no_place", platform::kTableCommon);
+  const auto error = Suite()->error();
   return error ? std::optional(error->localizedDescription()) : std::nullopt;
 }
 
@@ -74,16 +77,14 @@ void installServices(const RuntimeOptions& options) {
       std::make_shared<adapters::IcuFormatterService>(options.locale, services.timeZones);
   services.strings =
       std::make_shared<adapters::IcuStringTables>(resourceFolder() + "/strings", options.locale);
+  services.log = std::make_shared<adapters::SystemLog>();
+  services.fileManager = std::make_shared<adapters::XdgFileManager>(resourceFolder());
   if (options.hasOwnSettings) {
     services.settings = std::make_shared<platform::InMemoryUserDefaults>();
   } else {
-    if (!Suite() || Suite()->path() != settingsPath()) {
-      Suite() = std::make_shared<adapters::SqliteUserDefaults>(settingsPath());
-    }
+    OpenSuite(*services.fileManager);
     services.settings = Suite();
   }
-  services.log = std::make_shared<adapters::SystemLog>();
-  services.fileManager = std::make_shared<adapters::XdgFileManager>(resourceFolder());
   services.models = std::make_shared<adapters::JsonModels>();
   services.uuids = std::make_shared<adapters::RandomUUIDs>();
   using Stores = adapters::SqliteObjectStores;

@@ -61,7 +61,10 @@ constexpr std::array<KnownSetting, 6> kSettings{{
     {platform::kUserDefaultsTodayExtensionLastLongitude, "setting_last_longitude",
      "expect_longitude", [](const std::string& text) { return ParseDegrees(text, 180.0); }},
     {platform::kUserDefaultsTodayExtensionLastPostalAddress, "setting_last_address", "expect_text",
-     [](const std::string& text) -> std::optional<Value> { return text; }},
+     [](const std::string& text) -> std::optional<Value> {
+       if (!adapters::isText(text)) return std::nullopt;
+       return text;
+     }},
     {platform::kUserDefaultsTodayExtensionLastTimeZone, "setting_last_time_zone",
      "expect_time_zone",
      [](const std::string& text) -> std::optional<Value> {
@@ -92,14 +95,14 @@ const KnownSetting& SettingOf(const OptionText& key) {
   return *found;
 }
 
-/// The suite; throws when its file is there and cannot be read.
+/// The suite; throws when it has no place, or a file that cannot be read.
 NSUserDefaults& ReadableSuite() {
-  NSUserDefaults& suite = *NSUserDefaults::lumenquestUserDefaults();
-  suite.dictionaryRepresentation();
+  NSUserDefaults* const suite = NSUserDefaults::lumenquestUserDefaults();
+  if (suite != nullptr) suite->dictionaryRepresentation();
   if (const auto error = settingsError()) {
     throw std::runtime_error(stringWithFormat(appText("error_settings_read"), {*error}));
   }
-  return suite;
+  return *suite;
 }
 
 Json ToJson(const std::optional<Value>& value) {

@@ -11,7 +11,6 @@ namespace lumenquest::platform {
 
 namespace {
 
-constexpr const char* kApplicationGroup = "group.lumenquest.lumenquest";
 constexpr const char* kStoreName = "Lumenquest";
 constexpr const char* kStaticStoreName = "LumenquestStatic";
 constexpr const char* kStoreExtension = "sqlite";

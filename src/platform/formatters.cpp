@@ -33,6 +33,16 @@ std::string PatternForTemplate(const std::string& pattern) {
   return Services::current().formatters().dateFormatFromTemplate(pattern);
 }
 
+std::unique_ptr<NSNumberFormatter> NewCoordinateFormatter(const char* locale, int leastDecimals,
+                                                          int mostDecimals) {
+  NumberStyle style;
+  style.minimumFractionDigits = leastDecimals;
+  style.maximumFractionDigits = mostDecimals;
+  style.usesGroupingSeparator = false;
+  style.roundsHalfUp = true;
+  return Services::current().formatters().numberFormatter(locale, style);
+}
+
 /// Locales that write the year in full here get two digits, as the others have them.
 void ForceTwoDigitYear(NSDateFormatter& formatter) {
   const std::string pattern = formatter.dateFormat();
@@ -51,7 +61,10 @@ Formatters::Formatters()
       shortDateFormatter_(NewFormatter(kCurrentLocale, NSDateFormatterStyle::shortStyle,
                                        NSDateFormatterStyle::noStyle)),
       shortDateTimeFormatter_(NewFormatter(kCurrentLocale, NSDateFormatterStyle::shortStyle,
-                                           NSDateFormatterStyle::shortStyle)) {
+                                           NSDateFormatterStyle::shortStyle)),
+      degreesFormatter_(NewCoordinateFormatter(kCurrentLocale, 6, 6)),
+      sexagesimalFormatter_(NewCoordinateFormatter(kCurrentLocale, 0, 2)),
+      plainDegreesFormatter_(NewCoordinateFormatter(kPosixLocale, 6, 6)) {
   ForceTwoDigitYear(*shortDateFormatter_);
 }
 

@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 
+#include "platform/formatters.h"
 #include "platform/localized_strings.h"
 #include "platform/ns_user_defaults.h"
-#include "platform/services.h"
 
 namespace lumenquest::platform {
 
@@ -52,16 +53,6 @@ const char* CardinalKey(double bearing) {
     if (bearing < sector.end || (sector.includesEnd && bearing == sector.end)) return sector.key;
   }
   return kSectors.back().key;  // no number
-}
-
-std::unique_ptr<NSNumberFormatter> CoordinateFormatter(const char* locale, int leastDecimals,
-                                                       int mostDecimals) {
-  NumberStyle style;
-  style.minimumFractionDigits = leastDecimals;
-  style.maximumFractionDigits = mostDecimals;
-  style.usesGroupingSeparator = false;
-  style.roundsHalfUp = true;
-  return Services::current().formatters().numberFormatter(locale, style);
 }
 
 /// Whole degrees, whole minutes and seconds of an angle.
@@ -171,9 +162,11 @@ std::string LocationUtils::cardinalNameForBearing(double bearing) {
 
 std::string LocationUtils::latLonStringWithCoordinate(CLLocationCoordinate2D coordinate) {
   const NSUserDefaults* settings = NSUserDefaults::lumenquestUserDefaults();
-  const auto notation =
+  const std::int64_t notation =
       settings == nullptr ? 0 : settings->integerForKey(kUserDefaultsCoordinateSystem);
-  return latLonStringWithCoordinate(coordinate, static_cast<int>(notation));
+  // What is none of the notations stays none of them in a narrower type.
+  return latLonStringWithCoordinate(coordinate,
+                                    static_cast<int>(std::clamp<std::int64_t>(notation, -1, 2)));
 }
 
 std::string LocationUtils::latLonStringWithCoordinate(CLLocationCoordinate2D coordinate,
@@ -188,13 +181,14 @@ std::string LocationUtils::latLonStringWithCoordinate(CLLocationCoordinate2D coo
   const double longitude = std::fabs(coordinate.longitude);
 
   if (usingCoordSystem == kCoordinateSystemDecimalDegrees) {
-    const auto formatter = CoordinateFormatter("", 6, 6);
-    return stringWithFormat("%@°%@ %@°%@", {formatter->stringFromNumber(latitude), northSouth,
-                                            formatter->stringFromNumber(longitude), eastWest});
+    NSNumberFormatter& formatter = Formatters::sharedInstance().degreesFormatter();
+    return stringWithFormat("%@°%@ %@°%@", {formatter.stringFromNumber(latitude), northSouth,
+                                            formatter.stringFromNumber(longitude), eastWest});
   }
 
-  const auto formatter = CoordinateFormatter("", 0, 2);
-  const auto text = [&](double number) { return formatter->stringFromNumber(number); };
+  const auto text = [](double number) {
+    return Formatters::sharedInstance().sexagesimalFormatter().stringFromNumber(number);
+  };
   const Sexagesimal lat(latitude);
   const Sexagesimal lon(longitude);
   if (usingCoordSystem == kCoordinateSystemDecimalMinutes) {
@@ -208,9 +202,9 @@ std::string LocationUtils::latLonStringWithCoordinate(CLLocationCoordinate2D coo
 }
 
 std::string LocationUtils::decimalLatLonStringWithCoordinate(CLLocationCoordinate2D coordinate) {
-  const auto formatter = CoordinateFormatter("en_US_POSIX", 6, 6);
-  const auto text = [&](double degrees) {
-    return formatter->stringFromNumber(static_cast<double>(static_cast<float>(degrees)));
+  const auto text = [](double degrees) {
+    return Formatters::sharedInstance().plainDegreesFormatter().stringFromNumber(
+        static_cast<double>(static_cast<float>(degrees)));
   };
   return stringWithFormat("%@, %@", {text(coordinate.latitude), text(coordinate.longitude)});
 }

@@ -1,6 +1,7 @@
 // Timestamps, zones, locales and string tables.
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -11,6 +12,7 @@
 #include <set>
 #include <sstream>
 
+#include "adapters/files.h"
 #include "adapters/icu_string_tables.h"
 #include "platform/localized_strings.h"
 #include "test_services.h"
@@ -222,6 +224,40 @@ TEST(StringTables, FallBackToEnglishAndToNothing) {
   IcuStringTables tables(folder, "de");
   EXPECT_EQ(tables.localizedString("no_such_key", "Ephemeris"), "");
   EXPECT_EQ(tables.localizedString("light_nighttime", "NoSuchTable"), "");
+}
+
+TEST(Files, AreReplacedWholeAndPipesWrittenTo) {
+  namespace fs = std::filesystem;
+  const fs::path folder = fs::path(::testing::TempDir()) / ("files" + std::to_string(::getpid()));
+  fs::create_directories(folder);
+  const auto contents = [](const fs::path& file) {
+    std::stringstream text;
+    text << std::ifstream(file).rdbuf();
+    return text.str();
+  };
+  EXPECT_FALSE(writeFileWhole(folder / "file", "old"));
+  fs::permissions(folder / "file", fs::perms(0640));
+  fs::create_symlink("file", folder / "link");
+  EXPECT_FALSE(writeFileWhole(folder / "link", "new"));
+  EXPECT_EQ(contents(folder / "file"), "new");
+  EXPECT_TRUE(fs::is_symlink(folder / "link"));
+  EXPECT_EQ(fs::status(folder / "file").permissions(), fs::perms(0640));
+
+  for (const fs::path& impossible : {folder, folder / "none/file", fs::path()}) {
+    EXPECT_TRUE(writeFileWhole(impossible, "x")) << impossible;
+  }
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2);
+
+  // As /dev/stdout names the pipe that somebody reads from.
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  EXPECT_FALSE(writeFileWhole("/proc/self/fd/" + std::to_string(ends[1]), "piped"));
+  char read[6] = {};
+  EXPECT_EQ(::read(ends[0], read, 5), 5);
+  EXPECT_STREQ(read, "piped");
+  ::close(ends[0]);
+  ::close(ends[1]);
+  fs::remove_all(folder);
 }
 
 }  // namespace

@@ -79,15 +79,30 @@ TEST(ICalendar, WhatIsNoPlanIsNamed) {
       "VEVENT\r\n"
       "BEGIN:VEVENT\r\nSUMMARY:when\r\nEND:VEVENT\r\n"
       "BEGIN:VEVENT\r\nSUMMARY:where\r\nDTSTART;TZID=Nowhere:20270701T213000\r\nEND:VEVENT\r\n"
+      "BEGIN:VEVENT\r\nSUMMARY:month\r\nDTSTART:20271301T100000Z\r\nEND:VEVENT\r\n"
+      "BEGIN:VEVENT\r\nSUMMARY:day\r\nDTSTART:20270229T100000Z\r\nEND:VEVENT\r\n"
+      "BEGIN:VEVENT\r\nSUMMARY:year\r\nDTSTART:30000101T100000Z\r\nEND:VEVENT\r\n"
+      "BEGIN:VEVENT\r\nSUMMARY:hour\r\nDTSTART:20270228T250000Z\r\nEND:VEVENT\r\n"
       "BEGIN:VTODO\r\nSUMMARY:to do\r\nEND:VTODO\r\n");
   EXPECT_TRUE(calendar.events.empty());
   EXPECT_EQ(calendar.cancelled, std::vector<std::string>{"off"});
-  EXPECT_EQ(calendar.withoutStart, (std::vector<std::string>{"when", "where"}));
+  EXPECT_EQ(calendar.withoutStart,
+            (std::vector<std::string>{"when", "where", "month", "day", "year", "hour"}));
 
   for (const char* text :
        {"", "garbage", "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n", "BEGIN:VCARD\r\nFN:x\r\nEND:VCARD\r\n",
         "END:VCALENDAR", "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nUID:1"}) {
     EXPECT_TRUE(parseICalendar(text, FloatingZone).error) << text;
+  }
+  const auto saying = [](const std::string& name) {
+    return "BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nSUMMARY:" + name +
+           "\r\nDTSTART:20270701T213000Z\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n";
+  };
+  EXPECT_FALSE(parseICalendar(saying("\xC3\xBC"), FloatingZone).error);
+  for (const std::string& name : {std::string("\xFC"), std::string("a\0b", 3)}) {
+    const auto parsed = parseICalendar(saying(name), FloatingZone);
+    ASSERT_TRUE(parsed.error);
+    EXPECT_EQ(parsed.error->key, "error_icalendar_text");
   }
 }
 
@@ -127,7 +142,7 @@ TEST(ICalendar, WhatGoesOutComesInTheSame) {
     // Blanks around a text do not survive the format.
     *event.name = "(" + *event.name + ")";
     // Once an hour of the autumn's double one.
-    const double second = std::floor(uniform(-3e9, 6e9));
+    const double second = std::floor(uniform(-3e9, i % 5 == 0 ? 3.2e10 : 6e9));
     event.start =
         i == 7 ? Instant("2027-10-31T01:30:00Z") : NSDate::dateWithTimeIntervalSince1970(second);
     event.timeZone = NSTimeZone{i == 7 ? "Europe/Ljubljana" : zones[random() % std::size(zones)]};

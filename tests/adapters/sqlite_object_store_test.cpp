@@ -166,6 +166,10 @@ TEST(SqliteObjectStore, FilesThatAreNoStoreStayAsTheyAre) {
   ASSERT_GT(good.size(), 40000U);
   std::string garbled = good;
   std::fill(garbled.begin() + 4096, garbled.end(), 'z');
+  // A single page, which a new plan would not come by.
+  std::string torn = good;
+  std::fill(torn.begin() + static_cast<std::ptrdiff_t>(good.size() / 8192 * 4096),
+            torn.begin() + static_cast<std::ptrdiff_t>(good.size() / 8192 * 4096 + 4096), 'z');
   std::string foreign = good;
   foreign[68] = 'X';
   struct Case {
@@ -189,6 +193,11 @@ TEST(SqliteObjectStore, FilesThatAreNoStoreStayAsTheyAre) {
       EXPECT_EQ(Contents(url), c.bytes);
     }
   }
+  std::ofstream(folder / "torn", std::ios::binary) << torn;
+  const auto opened = Open(folder / "torn");
+  ASSERT_TRUE(opened.error);
+  EXPECT_EQ(opened.error->key, "file_error_damaged");
+  EXPECT_EQ(Contents(folder / "torn"), torn);
   EXPECT_TRUE(Open(folder / "").error);
 }
 

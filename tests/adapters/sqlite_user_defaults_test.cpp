@@ -127,6 +127,12 @@ TEST(SqliteUserDefaults, LeavesForeignFilesAlone) {
   empty.setBool(true, "key");
   EXPECT_TRUE(empty.boolForKey("key"));
   SqliteUserDefaults impossible(text + "/settings.sqlite");
+  EXPECT_FALSE(impossible.objectForKey("key"));
+  EXPECT_FALSE(impossible.error());  // there is no such file, and that is all
+  fs::create_symlink("loop", folder / "loop");
+  SqliteUserDefaults unreachable(folder / "loop/settings.sqlite");
+  EXPECT_FALSE(unreachable.objectForKey("key"));
+  EXPECT_TRUE(unreachable.error());
   impossible.setBool(true, "key");
   EXPECT_FALSE(impossible.synchronize());
   EXPECT_FALSE(impossible.boolForKey("key"));

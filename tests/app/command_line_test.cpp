@@ -137,6 +137,21 @@ TEST(Settings, ListGetAndSet) {
   }
   EXPECT_EQ(std::filesystem::file_size(foreign), 53u);
   EXPECT_EQ(Call(Today("0", "0", {"--time-zone", "UTC"})).code, kExitSuccess);
+
+  // A user without folders has no settings; none are made in the folder that he happens to be in.
+  const char* const home = std::getenv("HOME");
+  const std::string homeBefore = home != nullptr ? home : "";
+  unsetenv("HOME");
+  setenv("XDG_DATA_HOME", "relative", 1);
+  for (const auto& arguments :
+       {std::vector<std::string>{"list"}, {"set", "global_coordinate_system", "1"}}) {
+    const Result result = call(arguments);
+    EXPECT_EQ(result.code, kExitFailure);
+    EXPECT_NE(result.err.find("XDG_DATA_HOME"), std::string::npos) << result.err;
+  }
+  EXPECT_EQ(Call(Today("0", "0", {"--time-zone", "UTC"})).code, kExitSuccess);
+  EXPECT_FALSE(std::filesystem::exists(".local") || std::filesystem::exists("relative"));
+  if (home != nullptr) setenv("HOME", homeBefore.c_str(), 1);
   setenv("XDG_DATA_HOME", "/nonexistent", 1);
 }
 
@@ -176,6 +191,7 @@ TEST(Places, SearchAtAndPlace) {
   };
   const Case wrong[] = {
       {today("paris"), "Paris, Île-de-France, France; Paris, Texas, United States"},
+      {today("San José, Catamarca, Argentina"), "Argentina (-2"},
       {today("xyzzyq"), "xyzzyq"},
       {today(std::string(10000, 'q')), "…"},
       {today("moab", {"--latitude", "3"}), "one of them"},

@@ -6,7 +6,10 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
+#include "adapters/rfc3339.h"
 #include "command_fixture.h"
+#include "platform/database.h"
+#include "platform/planning.h"
 
 namespace lumenquest::app {
 namespace {
@@ -16,6 +19,8 @@ using testing::Call;
 using testing::DataFolder;
 using testing::Folder;
 using testing::Result;
+
+platform::NSDate Instant(const std::string& text) { return adapters::parseRfc3339(text).value(); }
 
 Json List(const std::vector<std::string>& more = {"--all"}) {
   std::vector<std::string> arguments{"plans", "list", "--format", "json"};
@@ -71,6 +76,40 @@ TEST(Plans, AddListRemove) {
   EXPECT_EQ(List()[0].at("name"), name);
 }
 
+TEST(Plans, OneThatAnOlderVersionLeftWithoutAnIdentifierGetsOne) {
+  const DataFolder data;
+  ASSERT_EQ(Add("old", "2027-05-08 23:30").code, 0);
+  const auto context = platform::Database::sharedInstance().managedObjectContext();
+  const auto found = context->executeFetchRequest({platform::kEntityPlanning});
+  ASSERT_EQ(found.value.size(), 1u);
+  found.value[0]->setValue({}, platform::kAttributeUniqueIdentifier);
+  ASSERT_FALSE(context->save());
+  EXPECT_TRUE(List()[0].at("uniqueIdentifier").is_null());
+  ASSERT_EQ(Add("new", "2999-12-31 23:30").code, 0);
+  EXPECT_EQ(Call({"plans", "remove", List()[0].at("uniqueIdentifier")}).code, 0);
+  ASSERT_EQ(List().size(), 1u);
+  EXPECT_NE(Call({"plans", "export"}).out.find(":29991231T233000\r\n"), std::string::npos);
+}
+
+TEST(Plans, WhatNoCalendarHoldsIsNotLeftOutOfOneInSilence) {
+  const DataFolder data;
+  ASSERT_EQ(Add("far", "2027-05-08 23:30").code, 0);
+  for (const platform::AttributeValue& date :
+       {platform::AttributeValue(), platform::AttributeValue(Instant("3001-01-01T00:00:00Z")),
+        platform::AttributeValue(Instant("1500-01-01T00:00:00Z"))}) {
+    const auto context = platform::Database::sharedInstance().managedObjectContext();
+    const auto found = context->executeFetchRequest({platform::kEntityPlanning});
+    ASSERT_EQ(found.value.size(), 1u);
+    found.value[0]->setValue(date, platform::kAttributeDate);
+    ASSERT_FALSE(context->save());
+    const Result exported = Call({"plans", "export", "--locale", "en"});
+    EXPECT_EQ(exported.code, 1);
+    EXPECT_NE(exported.err.find("\"far\""), std::string::npos) << exported.err;
+    // Opens the store for writing again.
+    EXPECT_EQ(Call({"plans", "remove", "none"}).code, 2);
+  }
+}
+
 TEST(Plans, WrongUseSaysWhatWouldBeRightAndMakesNoStore) {
   const DataFolder data;
   struct Case {
@@ -80,10 +119,13 @@ TEST(Plans, WrongUseSaysWhatWouldBeRightAndMakesNoStore) {
   const Case cases[] = {
       {{"plans"}, "add, list, remove, import, export"},
       {{"plans", "add", "--date", "2027-05-08 23:30", "--place", "Bled"}, "NAME is missing"},
+      {{"plans", "add", " \t", "--date", "2027-05-08 23:30", "--place", "Bled"}, "NAME is missing"},
+      {{"plans", "add", "\xFC", "--date", "2027-05-08 23:30", "--place", "Bled"}, "UTF-8"},
       {{"plans", "add", "A", "--place", "Bled"}, "--date is missing"},
       {{"plans", "add", "A", "--date", "tomorrow", "--place", "Bled"}, "\"tomorrow\""},
       {{"plans", "add", "A", "--date", "2027-02-29 12:00", "--place", "Bled"}, "2027-02-29"},
       {{"plans", "add", "A", "--date", "1200-01-01 12:00", "--place", "Bled"}, "1583"},
+      {{"plans", "add", "A", "--date", "3000-06-01 12:00", "--place", "Bled"}, "2999"},
       {{"plans", "add", "A", "--date", "2027-03-28 02:30", "--place", "Bled"}, "Europe/Ljubljana"},
       {{"plans", "add", "A", "--date", "2027-05-08 23:30"}, "--latitude is missing"},
       {{"plans", "remove"}, "ID is missing"},

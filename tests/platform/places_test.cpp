@@ -92,6 +92,9 @@ TEST(CoordinateText, InThreeNotations) {
   // No carry: seconds that round up to 60 are shown as 60.
   EXPECT_EQ(LocationUtils::latLonStringWithCoordinate({0.0166665, 0.0}, 7),
             "0°0'60\"" + N + " 0°0'0\"" + E);
+  // Halves go up, not to the even neighbour, and a half is what it looks like in decimal.
+  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate({1.0000005, 2.0000025}, 0),
+            "1,000001°" + N + " 2,000003°" + E);
   EXPECT_EQ(LocationUtils::decimalLatLonStringWithCoordinate({40.0, -3.836187}),
             "40.000000, -3.836187");
   EXPECT_EQ(LocationUtils::decimalLatLonStringWithCoordinate({51.123456789, 0.0}),
@@ -103,6 +106,12 @@ TEST(CoordinateText, InThreeNotations) {
   services.settings->setInteger(1, kUserDefaultsCoordinateSystem);
   EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place),
             LocationUtils::latLonStringWithCoordinate(place, 1));
+  for (const std::int64_t unknown : {std::int64_t{-1}, std::int64_t{3}, std::int64_t{1} << 32}) {
+    services.settings->setInteger(unknown, kUserDefaultsCoordinateSystem);
+    EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place),
+              LocationUtils::latLonStringWithCoordinate(place, 2))
+        << unknown;
+  }
 }
 
 TEST(Placemark, Titles) {
@@ -199,6 +208,44 @@ TEST(Placemark, Titles) {
          p.country = "USA";
        },
        "Grand, Utah", "USA", "Utah, USA", "Utah"},
+      // Where no country is known, no comma waits for one.
+      {"named, without a country",
+       [](CLPlacemark& p) {
+         p.name = "Trail";
+         p.locality = "Moab";
+       },
+       "Trail",
+       "Moab",
+       {},
+       "Moab"},
+      {"point of interest without a country",
+       [](CLPlacemark& p) {
+         p.areasOfInterest = {"Delicate Arch"};
+         p.region = CLCircularRegion{{}, 299.0};
+         p.locality = "Moab";
+       },
+       "Delicate Arch",
+       "Moab",
+       {},
+       "Moab"},
+      {"town named as itself, without a country",
+       [](CLPlacemark& p) {
+         p.name = "Moab";
+         p.locality = "Moab";
+         p.administrativeArea = "Utah";
+       },
+       "Moab",
+       "Utah",
+       {},
+       "Moab"},
+      {"city state named as itself",
+       [](CLPlacemark& p) {
+         p.name = "Wien";
+         p.locality = "Wien";
+         p.administrativeArea = "Wien";
+         p.country = "Österreich";
+       },
+       "Wien", "Österreich", "Wien, Österreich", "Wien"},
       {"area",
        [](CLPlacemark& p) {
          p.administrativeArea = "Utah";
@@ -250,6 +297,23 @@ TEST(SavedLocation, FollowsTheGeocoder) {
     EXPECT_EQ(shown.address, LocationUtils::latLonStringWithCoordinate(there.coordinate));
     EXPECT_EQ(SavedLocation::readPlace(), SavedPlace());
   }
+}
+
+TEST(UserDefaults, WithoutASuiteNothingIsThereAndNothingFails) {
+  Services::Adapters services;
+  services.timeZones = std::make_shared<testing::DeviceZone>("UTC");
+  services.formatters =
+      std::make_shared<adapters::IcuFormatterService>("en_US", services.timeZones);
+  services.strings = std::make_shared<testing::KeyStrings>();
+  Services::install(std::move(services));
+  SavedLocation::save({46.36, 14.09});
+  SavedLocation::savePlace({"Bled", "Europe/Ljubljana"});
+  NSUserDefaults::migrateUserDefaultsIfNeccessary();
+  EXPECT_FALSE(SavedLocation::load());
+  EXPECT_EQ(SavedLocation::readPlace(), SavedPlace());
+  EXPECT_FALSE(NSUserDefaults::hasMigratedDefault());
+  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate({46.36, 14.09}),
+            LocationUtils::latLonStringWithCoordinate({46.36, 14.09}, 0));
 }
 
 TEST(UserDefaults, MigrateOnce) {

@@ -34,8 +34,8 @@ struct CalendarEvent {
 
 struct Calendar {
   std::vector<CalendarEvent> events;
-  /// Names of events that were called off, and of those whose start is missing or in a time zone
-  /// that neither the machine nor the file knows.
+  /// Names of events that were called off, and of those whose start is missing, no date, or in a
+  /// time zone that neither the machine nor the file knows.
   std::vector<std::string> cancelled;
   std::vector<std::string> withoutStart;
 };
@@ -43,13 +43,18 @@ struct Calendar {
 /// Which zone the time of an event is meant in that names none; the event's place is known already.
 using ZoneOfFloatingTimes = std::function<platform::NSTimeZone(const CalendarEvent& event)>;
 
-/// Reads a calendar. A text that is none, or ends before its end, is an error.
+/// Reads a calendar. A text that is none, is not in UTF-8, or ends before its end, is an error.
 platform::Outcome<Calendar> parseICalendar(const std::string& text,
                                            const ZoneOfFloatingTimes& zoneOfFloatingTimes);
 
-/// Writes a calendar with the time zones that it uses; events without a start are left out, as the
-/// format demands one. What goes through here and back is the same,
-/// to the second and but for blanks around texts.
+/// Whether a calendar can hold an instant: those of the years 1583 to 2999 everywhere on Earth,
+/// with a day before and after for who is ahead or behind. The format's calendar is not the one of
+/// our instants before, which is Julian until 1582, and its library has nothing after.
+bool isCalendarDate(platform::NSDate date);
+
+/// Writes a calendar with the time zones that it uses; events without a start, or with one that
+/// a calendar cannot hold, are left out, as the format demands one. What goes through here and back
+/// is the same, to the second and but for blanks around texts.
 std::string formatICalendar(const std::vector<CalendarEvent>& events, platform::NSDate writtenAt);
 
 }  // namespace lumenquest::adapters

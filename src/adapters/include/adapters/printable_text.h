@@ -10,6 +10,9 @@ namespace lumenquest::adapters {
 /// with an ellipsis. The joiners that emoji and Persian words are made with stay.
 std::string printableText(const std::string& utf8, std::size_t most = 60);
 
+/// Whether bytes from outside are a text: well-formed UTF-8 without a NUL.
+bool isText(const std::string& bytes);
+
 /// How many columns of a terminal a text takes: two for wide characters, none for marks.
 std::size_t columnsOf(const std::string& utf8);
 

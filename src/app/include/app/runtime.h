@@ -13,11 +13,8 @@ namespace lumenquest::app {
 /// and in an installed tree that was moved, else where the installation put it.
 std::string resourceFolder();
 
-/// The file of the settings shared with the main application, in the group's container under
-/// $XDG_DATA_HOME, else in ~/.local/share.
-std::string settingsPath();
-
-/// What went wrong last with that file; nothing when all went well.
+/// What went wrong last with the file of the settings shared with the main application, or that
+/// there is no folder for it; nothing when all went well.
 std::optional<std::string> settingsError();
 
 /// The places of the world, countries in the language of a locale. Throws adapters::GazetteerError

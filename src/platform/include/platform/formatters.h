@@ -19,7 +19,14 @@ class Formatters {
   NSDateFormatter& shortDateFormatter() { return *shortDateFormatter_; }
   NSDateFormatter& shortDateTimeFormatter() { return *shortDateTimeFormatter_; }
 
-  /// Sets the zone of all three members.
+  /// Degrees with six decimals, and parts of degrees with up to two. Without grouping; halves go
+  /// up.
+  NSNumberFormatter& degreesFormatter() { return *degreesFormatter_; }
+  NSNumberFormatter& sexagesimalFormatter() { return *sexagesimalFormatter_; }
+  /// Degrees with six decimals after a point, in every locale.
+  NSNumberFormatter& plainDegreesFormatter() { return *plainDegreesFormatter_; }
+
+  /// Sets the zone of the three for dates.
   void setTimeZone(const NSTimeZone& zone);
 
   // New formatters on every call.
@@ -39,6 +46,9 @@ class Formatters {
   std::unique_ptr<NSDateFormatter> shortTimeFormatter_;
   std::unique_ptr<NSDateFormatter> shortDateFormatter_;
   std::unique_ptr<NSDateFormatter> shortDateTimeFormatter_;
+  std::unique_ptr<NSNumberFormatter> degreesFormatter_;
+  std::unique_ptr<NSNumberFormatter> sexagesimalFormatter_;
+  std::unique_ptr<NSNumberFormatter> plainDegreesFormatter_;
 };
 
 }  // namespace lumenquest::platform

@@ -80,6 +80,9 @@ class Log {
   virtual void write(const std::string& message) = 0;
 };
 
+/// The group of the main application and its widgets, whose folder holds all that they share.
+inline constexpr const char* kApplicationGroup = "group.lumenquest.lumenquest";
+
 /// The folders of the application.
 class FileManager {
  public:
