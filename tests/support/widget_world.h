@@ -142,7 +142,7 @@ class ScriptedGeocoder final : public platform::Geocoder {
       std::vector<platform::CLPlacemark> found;
       std::optional<platform::NSError> error;
       if (fails) {
-        error = platform::NSError{"Test", 2, "no network", {}};
+        error = platform::NSError{"Test", 2, "no_network"};
       } else {
         found.emplace_back().locality = Town(request.location.coordinate);
         found.back().timeZone = platform::NSTimeZone{Zone(request.location.coordinate)};

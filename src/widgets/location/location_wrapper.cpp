@@ -162,7 +162,7 @@ void LocationWrapper::handle(const LocationEvent& event, const std::shared_ptr<R
     if (const auto* const fix = std::get_if<NewLocation>(&event)) {
       Request::ResolvePlace(request, fix->location);
     } else {
-      request->errorReporter(std::get<LocationError>(event).error.localizedDescription);
+      request->errorReporter(std::get<LocationError>(event).error.localizedDescription());
       Request::ResolvePlace(request, std::nullopt);
     }
     request->isDone = true;
