@@ -144,12 +144,14 @@ float LocationUtils::initialBearingFrom(CLLocationCoordinate2D from,
   const double phi1 = from.latitude * kDegreesToRadians;
   const double phi2 = toDestination.latitude * kDegreesToRadians;
   const double dLambda = (toDestination.longitude - from.longitude) * kDegreesToRadians;
-  // Single precision from here on: a bearing a hair below north must not round up to 360.
+  // The angle is a single-precision number; so is the bearing, which must not round up to 360 a
+  // hair below north.
   const auto theta = static_cast<float>(std::atan2(
       std::sin(dLambda) * std::cos(phi2),
       std::cos(phi1) * std::sin(phi2) - std::sin(phi1) * std::cos(phi2) * std::cos(dLambda)));
-  const float degrees = theta * static_cast<float>(kRadiansToDegrees);
-  return std::fmod(degrees + 360.0f, 360.0f);
+  const auto degrees =
+      static_cast<float>(std::fmod(static_cast<double>(theta) * kRadiansToDegrees + 360.0, 360.0));
+  return degrees < 360.0f ? degrees : 0.0f;
 }
 
 float LocationUtils::distanceToHorizon(float observerHeight) {

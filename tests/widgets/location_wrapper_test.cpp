@@ -240,7 +240,7 @@ TEST(LocationWrapper, FailuresFallBackAndAreReported) {
   stage.world.geocoder->fails = true;
   stage.Ask();
   stage.Fix(kBled);
-  EXPECT_EQ(stage.errors, (std::vector<std::string>{"no sky", "no sky"}));
+  EXPECT_EQ(stage.errors, (std::vector<std::string>{"<no sky>", "<no sky>"}));
   const Status allowed = Status::authorizedWhenInUse;
   ASSERT_EQ(stage.answers.size(), 3u);
   EXPECT_EQ(stage.answers[0], (Answer{{}, {}, allowed}));
