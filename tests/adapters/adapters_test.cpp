@@ -131,7 +131,8 @@ Languages ReadSources(const std::string& table) {
     std::ifstream stream(file.path());
     for (std::string line; std::getline(stream, line);) {
       std::smatch match;
-      if (std::regex_match(line, match, entry)) texts[match[1]] = match[2];
+      if (!std::regex_match(line, match, entry)) continue;
+      texts[match[1]] = std::regex_replace(match[2].str(), std::regex(R"(\\")"), "\"");
     }
   }
   return languages;
