@@ -3,6 +3,7 @@
 #include <absl/time/civil_time.h>
 #include <absl/time/time.h>
 
+#include <algorithm>
 #include <cmath>
 #include <string_view>
 
@@ -46,8 +47,12 @@ bool HasTimestampShape(std::string_view text) {
          TakeDigits(text, 2, 2) && text.empty();
 }
 
+/// The first and the last second that the parser takes: years of six digits.
+constexpr double kFirst = -31619087596800.0;
+constexpr double kLast = 31494784780799.0;
+
 absl::Time ToTime(NSDate date) {
-  const double seconds = date.timeIntervalSince1970();
+  const double seconds = std::clamp(date.timeIntervalSince1970(), kFirst, kLast);
   const double whole = std::floor(seconds);
   return absl::FromUnixSeconds(static_cast<int64_t>(whole)) +
          absl::Microseconds(std::llround((seconds - whole) * 1e6));

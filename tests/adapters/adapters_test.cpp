@@ -36,6 +36,12 @@ TEST(Rfc3339, RoundTripsAndRefuses) {
     ASSERT_TRUE(date) << text;
     EXPECT_EQ(formatRfc3339(*date), expected);
   }
+  // What a damaged file may hold; its text can be read again.
+  for (const auto& [seconds, text] : std::map<double, std::string>{
+           {1e300, "+999999-12-31T23:59:59Z"}, {-1e15, "-999999-01-01T00:00:00Z"}}) {
+    EXPECT_EQ(formatRfc3339(platform::NSDate(seconds)), text);
+    EXPECT_EQ(formatRfc3339(parseRfc3339(text).value()), text);
+  }
   for (const char* text :
        {"", "now", "2024-08-12", "2024-08-12 21:30:00Z", "2024-08-12T21:30:00",
         "2024-8-12T21:30:00Z", "2024-02-30T00:00:00Z", "2023-02-29T00:00:00Z",

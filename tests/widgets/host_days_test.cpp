@@ -243,9 +243,13 @@ TEST(HostDays, Scripts) {
       world.queue->RunAll();
     }
     EXPECT_EQ(moon.Shown(), c.shown);
-    const bool isUndecided = world.device->status == Status::notDetermined;
-    EXPECT_EQ(moon.asked, moon.answered + (isUndecided ? 1 : 0));
-    EXPECT_EQ(sun.asked, sun.answered + (isUndecided ? 1 : 0));
+    const int undecided = world.device->status == Status::notDetermined ? 1 : 0;
+    EXPECT_EQ(moon.asked, moon.answered + undecided);
+    EXPECT_EQ(sun.asked, sun.answered + undecided);
+    if (undecided != 0) {
+      world.device->Decide(Status::denied);
+      EXPECT_EQ(moon.asked, moon.answered);
+    }
     // A change of light within the hour takes the place of a refresh, or comes before it.
     EXPECT_NEAR(sun.asked, moon.asked, 4);
     EXPECT_EQ(sydney.asked, sydney.answered);

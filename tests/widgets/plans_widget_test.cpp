@@ -116,6 +116,10 @@ TEST(PlansWidget, ColumnsByFamily) {
       EXPECT_EQ(rows, expected);
     }
   }
+  // A date that no calendar has stops nothing.
+  for (const double seconds : {1e300, -1e300, 1e12}) {
+    EXPECT_NE(planDateText({{}, NSDate(seconds), {}, ""}), "");
+  }
   EXPECT_EQ(percentEncodedForUrlHost("aZ0!$&'()*+,-.:;=[]_~"), "aZ0!$&'()*+,-.:;=[]_~");
   EXPECT_EQ(percentEncodedForUrlHost("/?#%@ \"<>\\^`{|}\x01é"),
             "%2F%3F%23%25%40%20%22%3C%3E%5C%5E%60%7B%7C%7D%01%C3%A9");

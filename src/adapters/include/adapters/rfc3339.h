@@ -14,7 +14,8 @@ namespace lumenquest::adapters {
 /// Nothing when the text is no such timestamp or names a date or time that does not exist.
 std::optional<platform::NSDate> parseRfc3339(const std::string& text);
 
-/// In UTC, with as many decimals of the second as the instant has, down to microseconds.
+/// In UTC, with as many decimals of the second as the instant has, down to microseconds. Instants
+/// beyond the years of six digits give the first or the last second of these.
 std::string formatRfc3339(platform::NSDate date);
 
 /// The year, in the same calendar.
