@@ -77,10 +77,10 @@ const std::vector<Scene>& Scenes() {
        14.0936,
        "2026-12-24T01:28:00Z",
        {kMoonSmall, kMoonMedium, kLarge}},
-      {"new-moon", "gallery_new_moon", 46.3625, 14.0936, "2027-02-06T16:00:00Z", moon},
-      {"first-quarter", "gallery_first_quarter", 46.3625, 14.0936, "2027-02-14T18:00:00Z", moon},
-      {"full-moon", "gallery_full_moon", 46.3625, 14.0936, "2027-02-20T23:20:00Z", moon},
-      {"last-quarter", "gallery_last_quarter", 46.3625, 14.0936, "2027-02-28T05:17:00Z", moon},
+      {"new-moon", "gallery_phases", 46.3625, 14.0936, "2027-02-06T16:00:00Z", moon},
+      {"first-quarter", "gallery_phases", 46.3625, 14.0936, "2027-02-14T18:00:00Z", moon},
+      {"full-moon", "gallery_phases", 46.3625, 14.0936, "2027-02-20T23:20:00Z", moon},
+      {"last-quarter", "gallery_phases", 46.3625, 14.0936, "2027-02-28T05:17:00Z", moon},
   };
   return scenes;
 }
@@ -170,7 +170,16 @@ std::vector<widgets::PlanItem> SamplePlans() {
 
 std::vector<Section> Exhibition(const std::string& locale) {
   std::vector<Section> sections;
-  for (const Scene& scene : Scenes()) sections.push_back(LocatedSection(scene, locale));
+  for (const Scene& scene : Scenes()) {
+    Section section = LocatedSection(scene, locale);
+    if (sections.empty() || sections.back().title != section.title) {
+      sections.push_back(std::move(section));
+    } else {
+      // Scenes of one heading stand side by side.
+      std::vector<Exhibit>& exhibits = sections.back().exhibits;
+      exhibits.insert(exhibits.end(), section.exhibits.begin(), section.exhibits.end());
+    }
+  }
   Section tinted = LocatedSection(Scenes().front(), locale);
   tinted.title = appText("gallery_tinted");
   tinted.renderingMode = view::WidgetRenderingMode::accented;
@@ -190,7 +199,7 @@ std::vector<Section> Exhibition(const std::string& locale) {
 /// Draws exhibits in rows under the headings of their sections, or only tells how high that gets.
 class Sheet {
  public:
-  static constexpr double kWidth = 1600.0;
+  static constexpr double kWidth = 1760.0;
 
   explicit Sheet(platform::Canvas* canvas) : canvas_(canvas) {}
 
