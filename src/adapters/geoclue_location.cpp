@@ -24,6 +24,8 @@ enum ErrorCode : int { kUnavailable = 1, kTimeOut = 2 };
 struct SearchResult {
   /// Absent: nothing was found.
   std::optional<platform::CLLocationCoordinate2D> coordinate{};
+  /// When it was, as the service says, which may know an older position than a fresh one.
+  std::optional<NSDate> measuredAt{};
   bool isRefused = false;
   bool isTimedOut = false;
   /// What the service said.
@@ -128,9 +130,22 @@ class Search : public std::enable_shared_from_this<Search> {
       g_variant_unref(known);
       search->Finish(
           {.coordinate = platform::CLLocationCoordinate2D{gclue_location_get_latitude(found),
-                                                          gclue_location_get_longitude(found)}});
+                                                          gclue_location_get_longitude(found)},
+           .measuredAt = TimeOf(found)});
     }
     g_object_unref(found);
+  }
+
+  /// Seconds and microseconds since 1970; 0 where the service does not know.
+  static std::optional<NSDate> TimeOf(GClueLocation* location) {
+    GVariant* const timestamp = gclue_location_get_timestamp(location);
+    if (timestamp == nullptr) return std::nullopt;
+    guint64 seconds = 0;
+    guint64 microseconds = 0;
+    g_variant_get(timestamp, "(tt)", &seconds, &microseconds);
+    if (seconds == 0) return std::nullopt;
+    return NSDate::dateWithTimeIntervalSince1970(static_cast<double>(seconds) +
+                                                 static_cast<double>(microseconds) / 1e6);
   }
 
   Completion completion_;
@@ -170,7 +185,7 @@ class GeoclueManager final : public platform::CLLocationManager {
     search_.reset();
     const auto told = delegate();
     if (result.coordinate) {
-      location_ = CLLocation{*result.coordinate, NSDate::date()};
+      location_ = CLLocation{*result.coordinate, result.measuredAt.value_or(NSDate::date())};
       refusedAt_.reset();
       if (told) told->didUpdateLocations({*location_});
     } else if (result.isRefused) {

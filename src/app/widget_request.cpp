@@ -151,6 +151,11 @@ WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* set
   WidgetRequest request;
   request.kind = widget.kind;
   request.family = ParseFamily(options.family, widget);
+  const bool isAboutPlace = options.place.place || options.place.latitude ||
+                            options.place.longitude || options.myLocation || options.here;
+  if (isAboutPlace && widget.intent == widgets::ConfigurationIntent::themeSelector) {
+    throw UsageError(stringWithFormat(appText("error_widget_without_place"), {widget.kind}));
+  }
   request.configuration = ParseConfiguration(options, runtime.locale);
   request.request = ParseChoice<HostRequest>("--request", options.request,
                                              {{"timeline", HostRequest::timeline},

@@ -70,6 +70,8 @@ class FakeGeoclue {
   FakeGeoclue& operator=(const FakeGeoclue&) = delete;
 
   Answer answer;
+  /// Seconds since 1970 at which the position was found; 0: unknown.
+  guint64 measuredAt = 0;
   int starts = 0;
   /// Clients that were made and neither stopped nor deleted: for these the receiver stays on.
   int clients = 0;
@@ -137,12 +139,14 @@ class FakeGeoclue {
     }
   }
   static GVariant* Get(GDBusConnection*, const char*, const char*, const char*,
-                       const char* property, GError**, gpointer) {
+                       const char* property, GError**, gpointer data) {
+    const auto& self = *static_cast<FakeGeoclue*>(data);
     const std::string name = property;
     if (name == "Latitude") return g_variant_new_double(46.25);
     if (name == "Longitude") return g_variant_new_double(-14.5);
     if (name == "Location") return g_variant_new_object_path("/");
-    if (name == "Timestamp") return g_variant_new("(tt)", guint64{1}, guint64{0});
+    if (name == "Timestamp")
+      return g_variant_new("(tt)", self.measuredAt, guint64{self.measuredAt == 0 ? 0u : 500000u});
     if (name == "Description" || name == "DesktopId") return g_variant_new_string("");
     if (name == "InUse" || name == "Active") return g_variant_new_boolean(TRUE);
     if (name.ends_with("Threshold") || name.ends_with("Level")) return g_variant_new_uint32(8);
@@ -219,10 +223,15 @@ TEST_F(GeoclueLocation, Found) {
   EXPECT_THAT(Ask(), ElementsAre(kFound));
   EXPECT_EQ(manager_->location(), (CLLocation{{46.25, -14.5}, world_.clock->instant}));
   EXPECT_EQ(service.desktopId, "lumenquest");
+  // A position that the service has known for a while is as old as it is.
+  service.measuredAt = 1'700'000'000;
+  EXPECT_THAT(Ask(), ElementsAre(kFound));
+  EXPECT_EQ(manager_->location()->timestamp,
+            platform::NSDate::dateWithTimeIntervalSince1970(1'700'000'000.5));
   // Asking twice before the answer is asking once.
   manager_->requestLocation();
   EXPECT_THAT(Ask(), ElementsAre(kFound));
-  EXPECT_EQ(service.starts, 2);
+  EXPECT_EQ(service.starts, 3);
   EXPECT_EQ(service.clients, 0);
 }
 
