@@ -1,18 +1,17 @@
 #include "adapters/cairo_canvas.h"
 
 #include <cairo.h>
-#include <zlib.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <initializer_list>
-#include <new>
 #include <stdexcept>
 #include <vector>
 
 #include "gradients.h"
 #include "platform/assertion.h"
+#include "png_file.h"
 #include "text_setting.h"
 
 namespace lumenquest::adapters {
@@ -40,6 +39,7 @@ struct CairoCloser {
   void operator()(cairo_pattern_t* pattern) const { cairo_pattern_destroy(pattern); }
 };
 using Pattern = std::unique_ptr<cairo_pattern_t, CairoCloser>;
+using ImageSurface = std::unique_ptr<cairo_surface_t, CairoCloser>;
 
 void Check(cairo_status_t status) {
   if (status == CAIRO_STATUS_SUCCESS) return;
@@ -130,44 +130,27 @@ void SetPaint(cairo_t* context, const Paint& paint) {
   }
 }
 
-void AppendNumber(std::string& bytes, std::uint32_t number) {
-  for (const int shift : {24, 16, 8, 0}) bytes += static_cast<char>((number >> shift) & 0xFFu);
-}
-
-/// A PNG file's chunk: length, type, data, and the check of the two (ISO/IEC 15948, 5.3).
-std::string Chunk(const std::string& type, const std::string& data) {
-  std::string chunk;
-  AppendNumber(chunk, static_cast<std::uint32_t>(data.size()));
-  const std::string checked = type + data;
-  chunk += checked;
-  AppendNumber(chunk,
-               static_cast<std::uint32_t>(crc32(0, reinterpret_cast<const Bytef*>(checked.data()),
-                                                static_cast<uInt>(checked.size()))));
-  return chunk;
-}
-
-/// What Cairo does not write: that colours are sRGB, and how large a pixel is at 96 points an inch.
-std::string WithColorSpaceAndSize(const std::string& png, double scale) {
-  constexpr std::size_t kSignatureAndHeader = 8 + 25;
-  constexpr double kPointsPerMeter = 96.0 / 0.0254;
-  const auto perMeter = static_cast<std::uint32_t>(std::lround(kPointsPerMeter * scale));
-  std::string physical;
-  AppendNumber(physical, perMeter);
-  AppendNumber(physical, perMeter);
-  physical += '\1';  // the unit is the metre
-  const std::string perceptual(1, '\0');
-  return png.substr(0, kSignatureAndHeader) + Chunk("sRGB", perceptual) + Chunk("pHYs", physical) +
-         png.substr(kSignatureAndHeader);
-}
+/// Bytes of the pixels that are there at a time: a picture is drawn in bands.
+constexpr int kBandBytes = 256 * 1024;
 
 }  // namespace
 
+/// What is drawn is recorded, in pixels; the pixels themselves come band by band when the file is
+/// written, so that no memory holds them all.
 struct CairoCanvas::Surface {
+  /// Of a save().
+  struct State {
+    /// The transform leaves nothing to see. Cairo takes no such transform.
+    bool isCollapsed = false;
+    int clips = 0;
+  };
+
   double scale = 1.0;
-  std::unique_ptr<cairo_surface_t, CairoCloser> surface;
+  int width = 0;
+  int height = 0;
+  std::unique_ptr<cairo_surface_t, CairoCloser> recording;
   std::unique_ptr<cairo_t, CairoCloser> context;
-  /// For each save(): whether the transform leaves nothing to see. Cairo takes no such transform.
-  std::vector<bool> isCollapsed{false};
+  std::vector<State> states{State{}};
 };
 
 CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<Surface>()) {
@@ -175,10 +158,13 @@ CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<
     throw std::runtime_error("a picture's scale is a number from 1 to 4");
   }
   surface_->scale = scale;
-  surface_->surface.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, Pixels(size.width, scale),
-                                                     Pixels(size.height, scale)));
-  Check(cairo_surface_status(surface_->surface.get()));
-  surface_->context.reset(cairo_create(surface_->surface.get()));
+  surface_->width = Pixels(size.width, scale);
+  surface_->height = Pixels(size.height, scale);
+  const cairo_rectangle_t extents{0.0, 0.0, static_cast<double>(surface_->width),
+                                  static_cast<double>(surface_->height)};
+  surface_->recording.reset(cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, &extents));
+  Check(cairo_surface_status(surface_->recording.get()));
+  surface_->context.reset(cairo_create(surface_->recording.get()));
   cairo_t* const context = surface_->context.get();
   Check(cairo_status(context));
   cairo_set_antialias(context, CAIRO_ANTIALIAS_BEST);
@@ -190,17 +176,27 @@ CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<
 
 CairoCanvas::~CairoCanvas() = default;
 
-bool CairoCanvas::DrawsNothing() const { return surface_->isCollapsed.back(); }
+bool CairoCanvas::DrawsNothing() const { return surface_->states.back().isCollapsed; }
 
 void CairoCanvas::save() {
   cairo_save(surface_->context.get());
-  surface_->isCollapsed.push_back(surface_->isCollapsed.back());
+  surface_->states.push_back({surface_->states.back().isCollapsed, 0});
 }
 
 void CairoCanvas::restore() {
-  LUMENQUEST_ASSERT(surface_->isCollapsed.size() > 1);
+  LUMENQUEST_ASSERT(surface_->states.size() > 1);
+  EndClips();
   cairo_restore(surface_->context.get());
-  surface_->isCollapsed.pop_back();
+  surface_->states.pop_back();
+}
+
+void CairoCanvas::EndClips() {
+  cairo_t* const context = surface_->context.get();
+  for (int& clips = surface_->states.back().clips; clips > 0; --clips) {
+    cairo_pop_group_to_source(context);
+    cairo_paint(context);
+    cairo_restore(context);
+  }
 }
 
 void CairoCanvas::concatenate(const CGAffineTransform& t) {
@@ -208,7 +204,7 @@ void CairoCanvas::concatenate(const CGAffineTransform& t) {
     LUMENQUEST_ASSERT(std::isfinite(value));
   }
   if (isCollapsing(t)) {
-    surface_->isCollapsed.back() = true;
+    surface_->states.back().isCollapsed = true;
   } else {
     const cairo_matrix_t matrix = MatrixOf(t);
     cairo_transform(surface_->context.get(), &matrix);
@@ -217,8 +213,15 @@ void CairoCanvas::concatenate(const CGAffineTransform& t) {
 
 void CairoCanvas::clip(const UIBezierPath& path) {
   if (DrawsNothing()) return;
-  AddPath(surface_->context.get(), path);
-  cairo_clip(surface_->context.get());
+  // What is clipped is drawn whole and cut once. To cut each shape takes several times as long, and
+  // what stood below would shine through along the edge where shapes cover each other.
+  cairo_t* const context = surface_->context.get();
+  cairo_save(context);
+  AddPath(context, path);
+  cairo_clip(context);
+  cairo_push_group(context);
+  cairo_reset_clip(context);
+  ++surface_->states.back().clips;
 }
 
 void CairoCanvas::fill(const UIBezierPath& path, const Paint& paint) {
@@ -256,20 +259,29 @@ void CairoCanvas::drawText(const std::string& text, const TextStyle& style, cons
 }
 
 std::string CairoCanvas::pngBytes() {
+  while (surface_->states.size() > 1) restore();
+  EndClips();
   Check(cairo_status(surface_->context.get()));
-  cairo_surface_flush(surface_->surface.get());
-  std::string bytes;
-  const auto append = [](void* closure, const unsigned char* data,
-                         unsigned int length) -> cairo_status_t {
-    try {
-      static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
-      return CAIRO_STATUS_SUCCESS;
-    } catch (const std::bad_alloc&) {
-      return CAIRO_STATUS_NO_MEMORY;
+  const int width = surface_->width;
+  const int height = surface_->height;
+  const int rows = std::clamp(kBandBytes / (4 * width), 1, height);
+  const ImageSurface band(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, rows));
+  Check(cairo_surface_status(band.get()));
+  PngFile file(width, height, surface_->scale);
+  for (int top = 0; top < height; top += rows) {
+    const std::unique_ptr<cairo_t, CairoCloser> context(cairo_create(band.get()));
+    cairo_set_operator(context.get(), CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_surface(context.get(), surface_->recording.get(), 0.0, -top);
+    cairo_paint(context.get());
+    Check(cairo_status(context.get()));
+    cairo_surface_flush(band.get());
+    const unsigned char* row = cairo_image_surface_get_data(band.get());
+    for (int y = top; y < std::min(top + rows, height); ++y) {
+      file.addRow(row);
+      row += cairo_image_surface_get_stride(band.get());
     }
-  };
-  Check(cairo_surface_write_to_png_stream(surface_->surface.get(), append, &bytes));
-  return WithColorSpaceAndSize(bytes, surface_->scale);
+  }
+  return file.finish();
 }
 
 }  // namespace lumenquest::adapters

@@ -34,6 +34,7 @@ class CairoCanvas final : public platform::Canvas {
   struct Surface;
 
   bool DrawsNothing() const;
+  void EndClips();
 
   std::unique_ptr<Surface> surface_;
 };
