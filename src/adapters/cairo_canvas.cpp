@@ -131,7 +131,7 @@ void SetPaint(cairo_t* context, const Paint& paint) {
 }
 
 /// Bytes of the pixels that are there at a time: a picture is drawn in bands.
-constexpr int kBandBytes = 256 * 1024;
+constexpr int kBandBytes = 128 * 1024;
 
 }  // namespace
 
