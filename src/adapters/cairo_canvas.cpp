@@ -39,7 +39,8 @@ struct CairoCloser {
   void operator()(cairo_pattern_t* pattern) const { cairo_pattern_destroy(pattern); }
 };
 using Pattern = std::unique_ptr<cairo_pattern_t, CairoCloser>;
-using ImageSurface = std::unique_ptr<cairo_surface_t, CairoCloser>;
+using SurfaceHandle = std::unique_ptr<cairo_surface_t, CairoCloser>;
+using Context = std::unique_ptr<cairo_t, CairoCloser>;
 
 void Check(cairo_status_t status) {
   if (status == CAIRO_STATUS_SUCCESS) return;
@@ -132,6 +133,17 @@ void SetPaint(cairo_t* context, const Paint& paint) {
 
 /// Bytes of the pixels that are there at a time: a picture is drawn in bands.
 constexpr int kBandBytes = 128 * 1024;
+/// Pixels up to which what is clipped gets pixels of its own at once. They take less than the
+/// record of an icon's shapes, and the shapes are drawn once instead of in every band.
+constexpr double kLargestLayer = 128.0 * 1024.0;
+
+void Prepare(cairo_t* context) {
+  Check(cairo_status(context));
+  cairo_set_antialias(context, CAIRO_ANTIALIAS_BEST);
+  // Pixels by which curves may be cut short; Cairo's own tenth shows in a small disc's edge.
+  cairo_set_tolerance(context, 0.03);
+  cairo_set_miter_limit(context, kMiterLimit);
+}
 
 }  // namespace
 
@@ -145,12 +157,29 @@ struct CairoCanvas::Surface {
     int clips = 0;
   };
 
+  /// What is drawn until its clip ends.
+  struct Layer {
+    /// Null: a group of the context below.
+    Context context{};
+    double left = 0.0;
+    double top = 0.0;
+  };
+
+  /// The context to draw on.
+  cairo_t* Top() const {
+    for (auto layer = layers.rbegin(); layer != layers.rend(); ++layer) {
+      if (layer->context) return layer->context.get();
+    }
+    return context.get();
+  }
+
   double scale = 1.0;
   int width = 0;
   int height = 0;
-  std::unique_ptr<cairo_surface_t, CairoCloser> recording;
-  std::unique_ptr<cairo_t, CairoCloser> context;
+  SurfaceHandle recording;
+  Context context;
   std::vector<State> states{State{}};
+  std::vector<Layer> layers;
 };
 
 CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<Surface>()) {
@@ -165,13 +194,8 @@ CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<
   surface_->recording.reset(cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, &extents));
   Check(cairo_surface_status(surface_->recording.get()));
   surface_->context.reset(cairo_create(surface_->recording.get()));
-  cairo_t* const context = surface_->context.get();
-  Check(cairo_status(context));
-  cairo_set_antialias(context, CAIRO_ANTIALIAS_BEST);
-  // Pixels by which curves may be cut short; Cairo's own tenth shows in a small disc's edge.
-  cairo_set_tolerance(context, 0.03);
-  cairo_set_miter_limit(context, kMiterLimit);
-  cairo_scale(context, scale, scale);
+  Prepare(surface_->context.get());
+  cairo_scale(surface_->context.get(), scale, scale);
 }
 
 CairoCanvas::~CairoCanvas() = default;
@@ -179,21 +203,30 @@ CairoCanvas::~CairoCanvas() = default;
 bool CairoCanvas::DrawsNothing() const { return surface_->states.back().isCollapsed; }
 
 void CairoCanvas::save() {
-  cairo_save(surface_->context.get());
+  cairo_save(surface_->Top());
   surface_->states.push_back({surface_->states.back().isCollapsed, 0});
 }
 
 void CairoCanvas::restore() {
   LUMENQUEST_ASSERT(surface_->states.size() > 1);
   EndClips();
-  cairo_restore(surface_->context.get());
+  cairo_restore(surface_->Top());
   surface_->states.pop_back();
 }
 
 void CairoCanvas::EndClips() {
-  cairo_t* const context = surface_->context.get();
   for (int& clips = surface_->states.back().clips; clips > 0; --clips) {
-    cairo_pop_group_to_source(context);
+    const Surface::Layer layer = std::move(surface_->layers.back());
+    surface_->layers.pop_back();
+    cairo_t* const context = surface_->Top();
+    if (layer.context) {
+      Check(cairo_status(layer.context.get()));
+      cairo_set_source_surface(context, cairo_get_target(layer.context.get()), layer.left,
+                               layer.top);
+      cairo_pattern_set_filter(cairo_get_source(context), CAIRO_FILTER_NEAREST);
+    } else {
+      cairo_pop_group_to_source(context);
+    }
     cairo_paint(context);
     cairo_restore(context);
   }
@@ -207,7 +240,7 @@ void CairoCanvas::concatenate(const CGAffineTransform& t) {
     surface_->states.back().isCollapsed = true;
   } else {
     const cairo_matrix_t matrix = MatrixOf(t);
-    cairo_transform(surface_->context.get(), &matrix);
+    cairo_transform(surface_->Top(), &matrix);
   }
 }
 
@@ -215,18 +248,40 @@ void CairoCanvas::clip(const UIBezierPath& path) {
   if (DrawsNothing()) return;
   // What is clipped is drawn whole and cut once. To cut each shape takes several times as long, and
   // what stood below would shine through along the edge where shapes cover each other.
-  cairo_t* const context = surface_->context.get();
+  cairo_t* const context = surface_->Top();
+  Surface::Layer layer;
   cairo_save(context);
   AddPath(context, path);
   cairo_clip(context);
-  cairo_push_group(context);
-  cairo_reset_clip(context);
+  cairo_matrix_t matrix;
+  cairo_get_matrix(context, &matrix);
+  // From here on in the pixels of the surface.
+  cairo_identity_matrix(context);
+  double right = 0.0, bottom = 0.0;
+  cairo_clip_extents(context, &layer.left, &layer.top, &right, &bottom);
+  const double width = std::max(1.0, right - layer.left);
+  const double height = std::max(1.0, bottom - layer.top);
+  if (width * height <= kLargestLayer) {
+    const SurfaceHandle pixels(cairo_image_surface_create(
+        CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height)));
+    Check(cairo_surface_status(pixels.get()));
+    layer.context.reset(cairo_create(pixels.get()));
+    Prepare(layer.context.get());
+    matrix.x0 -= layer.left;
+    matrix.y0 -= layer.top;
+    cairo_set_matrix(layer.context.get(), &matrix);
+  } else {
+    cairo_push_group(context);
+    cairo_reset_clip(context);
+    cairo_set_matrix(context, &matrix);
+  }
+  surface_->layers.push_back(std::move(layer));
   ++surface_->states.back().clips;
 }
 
 void CairoCanvas::fill(const UIBezierPath& path, const Paint& paint) {
   if (DrawsNothing()) return;
-  cairo_t* const context = surface_->context.get();
+  cairo_t* const context = surface_->Top();
   SetPaint(context, paint);
   AddPath(context, path);
   cairo_fill(context);
@@ -234,7 +289,7 @@ void CairoCanvas::fill(const UIBezierPath& path, const Paint& paint) {
 
 void CairoCanvas::stroke(const UIBezierPath& path, const Paint& paint, const Stroke& stroke) {
   if (DrawsNothing() || !(stroke.width > 0.0)) return;
-  cairo_t* const context = surface_->context.get();
+  cairo_t* const context = surface_->Top();
   SetPaint(context, paint);
   AddPath(context, path);
   cairo_set_line_width(context, stroke.width);
@@ -248,7 +303,7 @@ void CairoCanvas::stroke(const UIBezierPath& path, const Paint& paint, const Str
 void CairoCanvas::drawText(const std::string& text, const TextStyle& style, const UIColor& color,
                            const CGRect& rect) {
   if (DrawsNothing()) return;
-  cairo_t* const context = surface_->context.get();
+  cairo_t* const context = surface_->Top();
   cairo_save(context);
   cairo_translate(context, rect.x, rect.y);
   SetColor(context, color);
@@ -265,11 +320,11 @@ std::string CairoCanvas::pngBytes() {
   const int width = surface_->width;
   const int height = surface_->height;
   const int rows = std::clamp(kBandBytes / (4 * width), 1, height);
-  const ImageSurface band(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, rows));
+  const SurfaceHandle band(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, rows));
   Check(cairo_surface_status(band.get()));
   PngFile file(width, height, surface_->scale);
   for (int top = 0; top < height; top += rows) {
-    const std::unique_ptr<cairo_t, CairoCloser> context(cairo_create(band.get()));
+    const Context context(cairo_create(band.get()));
     cairo_set_operator(context.get(), CAIRO_OPERATOR_SOURCE);
     cairo_set_source_surface(context.get(), surface_->recording.get(), 0.0, -top);
     cairo_paint(context.get());
