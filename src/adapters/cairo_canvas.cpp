@@ -313,7 +313,7 @@ void CairoCanvas::drawText(const std::string& text, const TextStyle& style, cons
   cairo_restore(context);
 }
 
-std::string CairoCanvas::pngBytes() {
+void CairoCanvas::forEachRow(const std::function<void(const unsigned char*)>& take) {
   while (surface_->states.size() > 1) restore();
   EndClips();
   Check(cairo_status(surface_->context.get()));
@@ -322,7 +322,6 @@ std::string CairoCanvas::pngBytes() {
   const int rows = std::clamp(kBandBytes / (4 * width), 1, height);
   const SurfaceHandle band(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, rows));
   Check(cairo_surface_status(band.get()));
-  PngFile file(width, height, surface_->scale);
   for (int top = 0; top < height; top += rows) {
     const Context context(cairo_create(band.get()));
     cairo_set_operator(context.get(), CAIRO_OPERATOR_SOURCE);
@@ -332,10 +331,15 @@ std::string CairoCanvas::pngBytes() {
     cairo_surface_flush(band.get());
     const unsigned char* row = cairo_image_surface_get_data(band.get());
     for (int y = top; y < std::min(top + rows, height); ++y) {
-      file.addRow(row);
+      take(row);
       row += cairo_image_surface_get_stride(band.get());
     }
   }
+}
+
+std::string CairoCanvas::pngBytes() {
+  PngFile file(surface_->width, surface_->height, surface_->scale);
+  forEachRow([&](const unsigned char* row) { file.addRow(row); });
   return file.finish();
 }
 
