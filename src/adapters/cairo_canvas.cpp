@@ -1,18 +1,17 @@
 #include "adapters/cairo_canvas.h"
 
 #include <cairo.h>
-#include <zlib.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <initializer_list>
-#include <new>
 #include <stdexcept>
 #include <vector>
 
 #include "gradients.h"
 #include "platform/assertion.h"
+#include "png_file.h"
 #include "text_setting.h"
 
 namespace lumenquest::adapters {
@@ -40,6 +39,8 @@ struct CairoCloser {
   void operator()(cairo_pattern_t* pattern) const { cairo_pattern_destroy(pattern); }
 };
 using Pattern = std::unique_ptr<cairo_pattern_t, CairoCloser>;
+using SurfaceHandle = std::unique_ptr<cairo_surface_t, CairoCloser>;
+using Context = std::unique_ptr<cairo_t, CairoCloser>;
 
 void Check(cairo_status_t status) {
   if (status == CAIRO_STATUS_SUCCESS) return;
@@ -130,44 +131,55 @@ void SetPaint(cairo_t* context, const Paint& paint) {
   }
 }
 
-void AppendNumber(std::string& bytes, std::uint32_t number) {
-  for (const int shift : {24, 16, 8, 0}) bytes += static_cast<char>((number >> shift) & 0xFFu);
-}
+/// Bytes of the pixels that are there at a time: a picture is drawn in bands.
+constexpr int kBandBytes = 128 * 1024;
+/// Pixels up to which what is clipped gets pixels of its own at once. They take less than the
+/// record of an icon's shapes, and the shapes are drawn once instead of in every band.
+constexpr double kLargestLayer = 128.0 * 1024.0;
 
-/// A PNG file's chunk: length, type, data, and the check of the two (ISO/IEC 15948, 5.3).
-std::string Chunk(const std::string& type, const std::string& data) {
-  std::string chunk;
-  AppendNumber(chunk, static_cast<std::uint32_t>(data.size()));
-  const std::string checked = type + data;
-  chunk += checked;
-  AppendNumber(chunk,
-               static_cast<std::uint32_t>(crc32(0, reinterpret_cast<const Bytef*>(checked.data()),
-                                                static_cast<uInt>(checked.size()))));
-  return chunk;
-}
-
-/// What Cairo does not write: that colours are sRGB, and how large a pixel is at 96 points an inch.
-std::string WithColorSpaceAndSize(const std::string& png, double scale) {
-  constexpr std::size_t kSignatureAndHeader = 8 + 25;
-  constexpr double kPointsPerMeter = 96.0 / 0.0254;
-  const auto perMeter = static_cast<std::uint32_t>(std::lround(kPointsPerMeter * scale));
-  std::string physical;
-  AppendNumber(physical, perMeter);
-  AppendNumber(physical, perMeter);
-  physical += '\1';  // the unit is the metre
-  const std::string perceptual(1, '\0');
-  return png.substr(0, kSignatureAndHeader) + Chunk("sRGB", perceptual) + Chunk("pHYs", physical) +
-         png.substr(kSignatureAndHeader);
+void Prepare(cairo_t* context) {
+  Check(cairo_status(context));
+  cairo_set_antialias(context, CAIRO_ANTIALIAS_BEST);
+  // Pixels by which curves may be cut short; Cairo's own tenth shows in a small disc's edge.
+  cairo_set_tolerance(context, 0.03);
+  cairo_set_miter_limit(context, kMiterLimit);
 }
 
 }  // namespace
 
+/// What is drawn is recorded, in pixels; the pixels themselves come band by band when the file is
+/// written, so that no memory holds them all.
 struct CairoCanvas::Surface {
+  /// Of a save().
+  struct State {
+    /// The transform leaves nothing to see. Cairo takes no such transform.
+    bool isCollapsed = false;
+    int clips = 0;
+  };
+
+  /// What is drawn until its clip ends.
+  struct Layer {
+    /// Null: a group of the context below.
+    Context context{};
+    double left = 0.0;
+    double top = 0.0;
+  };
+
+  /// The context to draw on.
+  cairo_t* Top() const {
+    for (auto layer = layers.rbegin(); layer != layers.rend(); ++layer) {
+      if (layer->context) return layer->context.get();
+    }
+    return context.get();
+  }
+
   double scale = 1.0;
-  std::unique_ptr<cairo_surface_t, CairoCloser> surface;
-  std::unique_ptr<cairo_t, CairoCloser> context;
-  /// For each save(): whether the transform leaves nothing to see. Cairo takes no such transform.
-  std::vector<bool> isCollapsed{false};
+  int width = 0;
+  int height = 0;
+  SurfaceHandle recording;
+  Context context;
+  std::vector<State> states{State{}};
+  std::vector<Layer> layers;
 };
 
 CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<Surface>()) {
@@ -175,32 +187,49 @@ CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<
     throw std::runtime_error("a picture's scale is a number from 1 to 4");
   }
   surface_->scale = scale;
-  surface_->surface.reset(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, Pixels(size.width, scale),
-                                                     Pixels(size.height, scale)));
-  Check(cairo_surface_status(surface_->surface.get()));
-  surface_->context.reset(cairo_create(surface_->surface.get()));
-  cairo_t* const context = surface_->context.get();
-  Check(cairo_status(context));
-  cairo_set_antialias(context, CAIRO_ANTIALIAS_BEST);
-  // Pixels by which curves may be cut short; Cairo's own tenth shows in a small disc's edge.
-  cairo_set_tolerance(context, 0.03);
-  cairo_set_miter_limit(context, kMiterLimit);
-  cairo_scale(context, scale, scale);
+  surface_->width = Pixels(size.width, scale);
+  surface_->height = Pixels(size.height, scale);
+  const cairo_rectangle_t extents{0.0, 0.0, static_cast<double>(surface_->width),
+                                  static_cast<double>(surface_->height)};
+  surface_->recording.reset(cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, &extents));
+  Check(cairo_surface_status(surface_->recording.get()));
+  surface_->context.reset(cairo_create(surface_->recording.get()));
+  Prepare(surface_->context.get());
+  cairo_scale(surface_->context.get(), scale, scale);
 }
 
 CairoCanvas::~CairoCanvas() = default;
 
-bool CairoCanvas::DrawsNothing() const { return surface_->isCollapsed.back(); }
+bool CairoCanvas::DrawsNothing() const { return surface_->states.back().isCollapsed; }
 
 void CairoCanvas::save() {
-  cairo_save(surface_->context.get());
-  surface_->isCollapsed.push_back(surface_->isCollapsed.back());
+  cairo_save(surface_->Top());
+  surface_->states.push_back({surface_->states.back().isCollapsed, 0});
 }
 
 void CairoCanvas::restore() {
-  LUMENQUEST_ASSERT(surface_->isCollapsed.size() > 1);
-  cairo_restore(surface_->context.get());
-  surface_->isCollapsed.pop_back();
+  LUMENQUEST_ASSERT(surface_->states.size() > 1);
+  EndClips();
+  cairo_restore(surface_->Top());
+  surface_->states.pop_back();
+}
+
+void CairoCanvas::EndClips() {
+  for (int& clips = surface_->states.back().clips; clips > 0; --clips) {
+    const Surface::Layer layer = std::move(surface_->layers.back());
+    surface_->layers.pop_back();
+    cairo_t* const context = surface_->Top();
+    if (layer.context) {
+      Check(cairo_status(layer.context.get()));
+      cairo_set_source_surface(context, cairo_get_target(layer.context.get()), layer.left,
+                               layer.top);
+      cairo_pattern_set_filter(cairo_get_source(context), CAIRO_FILTER_NEAREST);
+    } else {
+      cairo_pop_group_to_source(context);
+    }
+    cairo_paint(context);
+    cairo_restore(context);
+  }
 }
 
 void CairoCanvas::concatenate(const CGAffineTransform& t) {
@@ -208,22 +237,51 @@ void CairoCanvas::concatenate(const CGAffineTransform& t) {
     LUMENQUEST_ASSERT(std::isfinite(value));
   }
   if (isCollapsing(t)) {
-    surface_->isCollapsed.back() = true;
+    surface_->states.back().isCollapsed = true;
   } else {
     const cairo_matrix_t matrix = MatrixOf(t);
-    cairo_transform(surface_->context.get(), &matrix);
+    cairo_transform(surface_->Top(), &matrix);
   }
 }
 
 void CairoCanvas::clip(const UIBezierPath& path) {
   if (DrawsNothing()) return;
-  AddPath(surface_->context.get(), path);
-  cairo_clip(surface_->context.get());
+  // What is clipped is drawn whole and cut once. To cut each shape takes several times as long, and
+  // what stood below would shine through along the edge where shapes cover each other.
+  cairo_t* const context = surface_->Top();
+  Surface::Layer layer;
+  cairo_save(context);
+  AddPath(context, path);
+  cairo_clip(context);
+  cairo_matrix_t matrix;
+  cairo_get_matrix(context, &matrix);
+  // From here on in the pixels of the surface.
+  cairo_identity_matrix(context);
+  double right = 0.0, bottom = 0.0;
+  cairo_clip_extents(context, &layer.left, &layer.top, &right, &bottom);
+  const double width = std::max(1.0, right - layer.left);
+  const double height = std::max(1.0, bottom - layer.top);
+  if (width * height <= kLargestLayer) {
+    const SurfaceHandle pixels(cairo_image_surface_create(
+        CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height)));
+    Check(cairo_surface_status(pixels.get()));
+    layer.context.reset(cairo_create(pixels.get()));
+    Prepare(layer.context.get());
+    matrix.x0 -= layer.left;
+    matrix.y0 -= layer.top;
+    cairo_set_matrix(layer.context.get(), &matrix);
+  } else {
+    cairo_push_group(context);
+    cairo_reset_clip(context);
+    cairo_set_matrix(context, &matrix);
+  }
+  surface_->layers.push_back(std::move(layer));
+  ++surface_->states.back().clips;
 }
 
 void CairoCanvas::fill(const UIBezierPath& path, const Paint& paint) {
   if (DrawsNothing()) return;
-  cairo_t* const context = surface_->context.get();
+  cairo_t* const context = surface_->Top();
   SetPaint(context, paint);
   AddPath(context, path);
   cairo_fill(context);
@@ -231,7 +289,7 @@ void CairoCanvas::fill(const UIBezierPath& path, const Paint& paint) {
 
 void CairoCanvas::stroke(const UIBezierPath& path, const Paint& paint, const Stroke& stroke) {
   if (DrawsNothing() || !(stroke.width > 0.0)) return;
-  cairo_t* const context = surface_->context.get();
+  cairo_t* const context = surface_->Top();
   SetPaint(context, paint);
   AddPath(context, path);
   cairo_set_line_width(context, stroke.width);
@@ -245,7 +303,7 @@ void CairoCanvas::stroke(const UIBezierPath& path, const Paint& paint, const Str
 void CairoCanvas::drawText(const std::string& text, const TextStyle& style, const UIColor& color,
                            const CGRect& rect) {
   if (DrawsNothing()) return;
-  cairo_t* const context = surface_->context.get();
+  cairo_t* const context = surface_->Top();
   cairo_save(context);
   cairo_translate(context, rect.x, rect.y);
   SetColor(context, color);
@@ -255,21 +313,34 @@ void CairoCanvas::drawText(const std::string& text, const TextStyle& style, cons
   cairo_restore(context);
 }
 
-std::string CairoCanvas::pngBytes() {
+void CairoCanvas::forEachRow(const std::function<void(const unsigned char*)>& take) {
+  while (surface_->states.size() > 1) restore();
+  EndClips();
   Check(cairo_status(surface_->context.get()));
-  cairo_surface_flush(surface_->surface.get());
-  std::string bytes;
-  const auto append = [](void* closure, const unsigned char* data,
-                         unsigned int length) -> cairo_status_t {
-    try {
-      static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
-      return CAIRO_STATUS_SUCCESS;
-    } catch (const std::bad_alloc&) {
-      return CAIRO_STATUS_NO_MEMORY;
+  const int width = surface_->width;
+  const int height = surface_->height;
+  const int rows = std::clamp(kBandBytes / (4 * width), 1, height);
+  const SurfaceHandle band(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, rows));
+  Check(cairo_surface_status(band.get()));
+  for (int top = 0; top < height; top += rows) {
+    const Context context(cairo_create(band.get()));
+    cairo_set_operator(context.get(), CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_surface(context.get(), surface_->recording.get(), 0.0, -top);
+    cairo_paint(context.get());
+    Check(cairo_status(context.get()));
+    cairo_surface_flush(band.get());
+    const unsigned char* row = cairo_image_surface_get_data(band.get());
+    for (int y = top; y < std::min(top + rows, height); ++y) {
+      take(row);
+      row += cairo_image_surface_get_stride(band.get());
     }
-  };
-  Check(cairo_surface_write_to_png_stream(surface_->surface.get(), append, &bytes));
-  return WithColorSpaceAndSize(bytes, surface_->scale);
+  }
+}
+
+std::string CairoCanvas::pngBytes() {
+  PngFile file(surface_->width, surface_->height, surface_->scale);
+  forEachRow([&](const unsigned char* row) { file.addRow(row); });
+  return file.finish();
 }
 
 }  // namespace lumenquest::adapters

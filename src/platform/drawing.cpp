@@ -102,13 +102,22 @@ Paint Resolved(const Paint& paint, const UIColor& color) {
   return paint;
 }
 
+/// From a picture's coordinates to those of the box that it fills.
+CGAffineTransform Placement(const UIImage& image, const CGRect& rect) {
+  return CGAffineTransform::scale(rect.width / image.size.width, rect.height / image.size.height)
+      .then(CGAffineTransform::translation(rect.x, rect.y));
+}
+
 }  // namespace
 
 void Canvas::drawImage(const UIImage& image, const CGRect& rect, const UIColor& color) {
   save();
-  concatenate(
-      CGAffineTransform::scale(rect.width / image.size.width, rect.height / image.size.height)
-          .then(CGAffineTransform::translation(rect.x, rect.y)));
+  concatenate(Placement(image, rect));
+  DrawShapes(image, color);
+  restore();
+}
+
+void Canvas::DrawShapes(const UIImage& image, const UIColor& color) {
   const UIBezierPath* clipped = nullptr;
   for (const PictureShape& shape : image.shapes) {
     if (shape.clip.get() != clipped) {
@@ -119,11 +128,17 @@ void Canvas::drawImage(const UIImage& image, const CGRect& rect, const UIColor& 
         clip(*clipped);
       }
     }
+    if (shape.embedded) {
+      save();
+      concatenate(shape.embedded->transform);
+      DrawShapes(*shape.embedded->image, shape.embedded->color);
+      restore();
+      continue;
+    }
     if (shape.fill) fill(shape.path, Resolved(*shape.fill, color));
     if (shape.strokePaint) stroke(shape.path, Resolved(*shape.strokePaint, color), shape.stroke);
   }
   if (clipped != nullptr) restore();
-  restore();
 }
 
 ImageContext::ImageContext(CGSize size) : image_{size, {}}, states_(1) {}
@@ -162,6 +177,17 @@ void ImageContext::stroke(const UIBezierPath& path, const Paint& paint, const St
   PictureShape shape{path.transformed(t), {}, paint, stroke, state.clip};
   // The mean of the two axes' scales: our transforms keep shapes similar.
   shape.stroke.width *= std::sqrt(std::fabs(t.a * t.d - t.b * t.c));
+  image_.shapes.push_back(std::move(shape));
+}
+
+void ImageContext::embedImage(std::shared_ptr<const UIImage> image, const CGRect& rect,
+                              const UIColor& color) {
+  LUMENQUEST_ASSERT(image != nullptr);
+  const State& state = states_.back();
+  const CGAffineTransform transform = Placement(*image, rect).then(state.transform);
+  PictureShape shape;
+  shape.clip = state.clip;
+  shape.embedded = EmbeddedImage{std::move(image), transform, color};
   image_.shapes.push_back(std::move(shape));
 }
 

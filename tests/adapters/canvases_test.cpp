@@ -374,6 +374,52 @@ TEST(CairoCanvas, ShowsGradientsRulesAndLines) {
   EXPECT_EQ(pixels.at(95, 55), 0xFF0000FFu);
 }
 
+TEST(CairoCanvas, ClipsCutOnceAndWithinEachOther) {
+  // Three colours on top of each other must not add up along an edge in the midst of a pixel,
+  // whether what is clipped is small or so large that it is drawn in bands.
+  for (const double side : {8.0, 600.0}) {
+    platform::UIImage inner{{side, side}, {}};
+    const auto left =
+        std::make_shared<const UIBezierPath>(UIBezierPath::rect({0, 0, side / 2 + 0.5, side}));
+    const UIBezierPath whole = UIBezierPath::rect({0, 0, side, side});
+    for (const UIColor& color : {kRed, kBlack, kBlue}) {
+      inner.shapes.push_back({whole, color, {}, {}, left});
+    }
+    platform::ImageContext outer({side, side});
+    outer.save();
+    outer.clip(UIBezierPath::rect({0, 0, side, side / 2}));
+    outer.embedImage(std::make_shared<const platform::UIImage>(inner), {0, 0, side, side}, {});
+    outer.restore();
+    outer.fill(UIBezierPath::rect({0, side - 1, 1, 1}), kRed);
+    const Pixels pixels(Png({side, side}, 1, [&](Canvas& canvas) {
+      canvas.drawImage(outer.image(), {0, 0, side, side}, {});
+    }));
+    const int half = static_cast<int>(side) / 2;
+    EXPECT_EQ(pixels.at(half - 1, half - 1), 0xFF0000FFu) << side;
+    EXPECT_NEAR(pixels.at(half, half - 1) >> 24, 128, 2) << side;
+    EXPECT_EQ(pixels.at(half - 1, half), 0u) << side;
+    EXPECT_EQ(pixels.at(0, 2 * half - 1), 0xFFFF0000u) << side;
+  }
+}
+
+TEST(CairoCanvas, BandsHaveNoSeams) {
+  const auto draw = [](Canvas& canvas) {
+    canvas.fill(UIBezierPath::ellipse({3, 3, 34, 290}),
+                Gradient{false, {0, 0}, {40, 300}, 0, {{0, kRed}, {1, kBlue}}, {}});
+    canvas.save();
+    canvas.clip(UIBezierPath::ellipse({5.5, 20, 20, 250}));
+    canvas.drawText("Moon", Style(), kBlack, {4, 21, 100, 30});
+    canvas.stroke(UIBezierPath::ellipse({8, 30, 20, 200}), UIColor{0, 1, 0, 0.5}, Stroke{3});
+    canvas.restore();
+  };
+  // The wider a picture, the lower its bands: the narrow one is a single band.
+  const Pixels narrow(Png({40, 300}, 1, draw));
+  const Pixels wide(Png({4000, 300}, 1, draw));
+  for (int y = 0; y < 300; ++y) {
+    for (int x = 0; x < 40; ++x) ASSERT_EQ(narrow.at(x, y), wide.at(x, y)) << x << ' ' << y;
+  }
+}
+
 TEST(CairoCanvas, SaysItsColourSpaceAndSizeAndRefusesTheImpossible) {
   const std::string png = Png({10, 10}, 3, [](Canvas&) {});
   EXPECT_NE(png.find("sRGB"), std::string::npos);

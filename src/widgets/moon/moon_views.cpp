@@ -87,7 +87,7 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
   if (const auto moon = platform::Services::current().assets().imageNamed("moon")) {
     context.save();
     context.concatenate(Turn(whole.center(), static_cast<double>(data.zenithAngle)));
-    context.drawImage(*moon, disc, {});
+    context.embedImage(moon, disc, {});
     context.restore();
   }
   context.concatenate(CGAffineTransform::translation(disc.x, disc.y));

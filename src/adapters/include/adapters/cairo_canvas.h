@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -26,14 +27,18 @@ class CairoCanvas final : public platform::Canvas {
   void drawText(const std::string& text, const platform::TextStyle& style,
                 const platform::UIColor& color, const platform::CGRect& rect) override;
 
+  /// Calls with each row of pixels, from above: 0xAARRGGBB, colours multiplied by alpha. Ends all
+  /// saves. Throws as pngBytes().
+  void forEachRow(const std::function<void(const unsigned char* row)>& take);
   /// What has been drawn, as a PNG file that says its colour space and the size of its pixels.
-  /// Throws std::runtime_error when drawing failed, for want of memory say.
+  /// Ends all saves. Throws std::runtime_error when drawing failed, for want of memory say.
   std::string pngBytes();
 
  private:
   struct Surface;
 
   bool DrawsNothing() const;
+  void EndClips();
 
   std::unique_ptr<Surface> surface_;
 };

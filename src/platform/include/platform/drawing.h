@@ -91,6 +91,17 @@ struct Stroke {
   bool operator==(const Stroke&) const = default;
 };
 
+struct UIImage;
+
+/// A picture as part of another one: not copied, as some have hundreds of shapes.
+struct EmbeddedImage {
+  std::shared_ptr<const UIImage> image;
+  /// To the other picture's coordinates.
+  CGAffineTransform transform{};
+  /// Of its CurrentColor shapes.
+  UIColor color;
+};
+
 /// One shape of a picture; fill first, then stroke.
 struct PictureShape {
   UIBezierPath path;
@@ -99,6 +110,8 @@ struct PictureShape {
   Stroke stroke{};
   /// What lies outside is not drawn. Shared by the shapes of a group.
   std::shared_ptr<const UIBezierPath> clip{};
+  /// Drawn instead of a path.
+  std::optional<EmbeddedImage> embedded{};
 };
 
 /// A picture as its shapes, sharp at any size.
@@ -173,6 +186,9 @@ class Canvas {
 
   /// A picture scaled into a box. `color` is that of its CurrentColor shapes.
   void drawImage(const UIImage& image, const CGRect& rect, const UIColor& color);
+
+ private:
+  void DrawShapes(const UIImage& image, const UIColor& color);
 };
 
 /// Records what is drawn as a picture; texts are a programming error.
@@ -189,6 +205,9 @@ class ImageContext final : public Canvas {
   void stroke(const UIBezierPath& path, const Paint& paint, const Stroke& stroke) override;
   void drawText(const std::string& text, const TextStyle& style, const UIColor& color,
                 const CGRect& rect) override;
+
+  /// As drawImage(), but keeps the picture as it is. Not null.
+  void embedImage(std::shared_ptr<const UIImage> image, const CGRect& rect, const UIColor& color);
 
   UIImage image() const { return image_; }
 

@@ -1,0 +1,93 @@
+// The five widgets in a process that has drawn before, at three pixels a point: laid out, drawn,
+// and written as PNG. Milliseconds for all five, and for the largest picture of the Moon.
+
+#include <benchmark/benchmark.h>
+
+#include "adapters/cairo_canvas.h"
+#include "app/widget_picture.h"
+#include "platform/services.h"
+#include "widgets/view/style.h"
+
+namespace lumenquest::bench {
+namespace {
+
+namespace view = widgets::view;
+
+constexpr double kScale = 3.0;
+
+struct Widget {
+  app::AnyEntry entry;
+  view::Environment environment;
+};
+
+/// Each in its largest family, under a full Moon.
+const std::vector<Widget>& Widgets() {
+  static const std::vector<Widget> widgets = [] {
+    app::WidgetOptions options;
+    options.kind = "SunWidget";
+    options.place.latitude = "46.3625";
+    options.place.longitude = "14.0936";
+    options.at = "2026-06-29T12:00:00Z";
+    app::WidgetRequest request = app::prepareWidgetRequest(options, "memory");
+    std::vector<Widget> all;
+    for (const auto& widget : widgets::LumenquestWidgets::configurations()) {
+      request.kind = widget.kind;
+      request.family = widget.supportedFamilies.back();
+      Widget one{app::askWidget(request).entry, {}};
+      one.environment.family = request.family;
+      all.push_back(std::move(one));
+    }
+    return all;
+  }();
+  return widgets;
+}
+
+template <typename Use>
+void DrawAll(benchmark::State& state, Use use) {
+  const std::vector<Widget>& widgets = Widgets();
+  for (auto _ : state) {
+    for (const Widget& widget : widgets) {
+      view::Environment environment = widget.environment;
+      const view::Element element = app::viewOf(widget.entry, environment);
+      const platform::CGSize size = view::sizeOf(environment.family);
+      adapters::CairoCanvas canvas(size, kScale);
+      app::drawWidget(element, size, environment, canvas);
+      use(canvas);
+    }
+  }
+}
+
+void TakePixels(adapters::CairoCanvas& canvas) {
+  canvas.forEachRow([](const unsigned char* row) { benchmark::DoNotOptimize(*row); });
+}
+
+void LayOutFiveWidgets(benchmark::State& state) {
+  DrawAll(state, [](adapters::CairoCanvas& canvas) { benchmark::DoNotOptimize(canvas); });
+}
+BENCHMARK(LayOutFiveWidgets)->Unit(benchmark::kMillisecond);
+
+void DrawFiveWidgets(benchmark::State& state) { DrawAll(state, TakePixels); }
+BENCHMARK(DrawFiveWidgets)->Unit(benchmark::kMillisecond);
+
+void WriteFiveWidgetsAsPng(benchmark::State& state) {
+  DrawAll(state,
+          [](adapters::CairoCanvas& canvas) { benchmark::DoNotOptimize(canvas.pngBytes()); });
+}
+BENCHMARK(WriteFiveWidgetsAsPng)->Unit(benchmark::kMillisecond);
+
+void DrawMoon(benchmark::State& state) {
+  constexpr double kSide = 76.0;
+  Widgets();
+  const auto moon = platform::Services::current().assets().imageNamed("moon");
+  for (auto _ : state) {
+    adapters::CairoCanvas canvas({kSide, kSide}, kScale);
+    canvas.drawImage(*moon, {0.0, 0.0, kSide, kSide}, {});
+    TakePixels(canvas);
+  }
+}
+BENCHMARK(DrawMoon)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace lumenquest::bench
+
+BENCHMARK_MAIN();
