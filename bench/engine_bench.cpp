@@ -55,8 +55,8 @@ double NextInstant() {
 }
 
 void InstallAt(const char* instant) {
-  app::installServices("en",
-                       std::make_shared<adapters::FixedClock>(*adapters::parseRfc3339(instant)));
+  app::installServices(
+      {"en", std::make_shared<adapters::FixedClock>(*adapters::parseRfc3339(instant))});
 }
 
 void Moon98(benchmark::State& state) {
