@@ -8,6 +8,7 @@
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "adapters/rfc3339.h"
+#include "app/gallery.h"
 #include "app/runtime.h"
 #include "app/widget_picture.h"
 #include "platform/localized_strings.h"
@@ -85,19 +86,6 @@ const std::vector<Scene>& Scenes() {
   return scenes;
 }
 
-struct Exhibit {
-  std::string fileName;
-  AnyEntry entry;
-  WidgetFamily family = WidgetFamily::systemSmall;
-};
-
-/// Exhibits under a heading.
-struct Section {
-  std::string title;
-  std::vector<Exhibit> exhibits;
-  view::WidgetRenderingMode renderingMode = view::WidgetRenderingMode::fullColor;
-};
-
 std::string FileName(const WidgetSize& widget, const std::string& state) {
   std::string name = std::string(widget.kind) + "-" + nameOf(widget.family) + "-" + state;
   return name;
@@ -168,7 +156,9 @@ std::vector<widgets::PlanItem> SamplePlans() {
           plan("gallery_plan_4", "2027-09-20T00:45:00Z", "America/Denver", "4")};
 }
 
-std::vector<Section> Exhibition(const std::string& locale) {
+}  // namespace
+
+std::vector<Section> exhibition(const std::string& locale) {
   std::vector<Section> sections;
   for (const Scene& scene : Scenes()) {
     Section section = LocatedSection(scene, locale);
@@ -195,6 +185,8 @@ std::vector<Section> Exhibition(const std::string& locale) {
                        {&nowhere, CLAuthorizationStatus::authorizedWhenInUse, {}, {}, true}));
   return sections;
 }
+
+namespace {
 
 /// Draws exhibits in rows under the headings of their sections, or only tells how high that gets.
 class Sheet {
@@ -274,7 +266,7 @@ std::string RunGallery(const GalleryOptions& options) {
   const std::filesystem::path folder = *options.folder;
   makeFolder(folder);
 
-  const std::vector<Section> sections = Exhibition(locale);
+  const std::vector<Section> sections = exhibition(locale);
   view::Environment environment;
   if (adapters::isRightToLeft(locale)) {
     environment.layoutDirection = view::LayoutDirection::rightToLeft;

@@ -8,7 +8,10 @@ namespace lumenquest::widgets {
 
 using namespace view;
 
-Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family) {
+namespace {
+
+/// An end of the window, with the band where there is room for it.
+Element WindowEnd(const GCRiseSetTime& end, WidgetFamily family, bool hasBand) {
   constexpr double kSmallBand = 18.0;
   constexpr double kLargeBand = 30.0;
   constexpr double kAzimuthColumn = 52.0;
@@ -18,15 +21,24 @@ Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family) {
   const Element time = text(end.time) | monospacedDigits() | minScale(kLeastScale) |
                        font(isSmall ? kHeadline : kBody, platform::FontWeight::semibold);
   const Element azimuth = caption(end.azimuth) | monospacedDigits();
+  Elements parts;
+  if (hasBand) parts.push_back(band);
   if (isSmall) {
-    return hstack({band, vstack({hstack({caption(end.title), spacer(kGap), azimuth}), time}, 0.0,
-                                Alignment::start) |
-                             fillWidth()},
-                  2.0 * kGap);
+    parts.push_back(
+        vstack({hstack({caption(end.title), spacer(kGap), azimuth}), time}, 0.0, Alignment::start) |
+        fillWidth());
+    return hstack(std::move(parts), 2.0 * kGap);
   }
-  return hstack({band, caption(end.title), spacer(kGap), time,
-                 azimuth | frameWidth(kAzimuthColumn, Alignment::end)},
-                kGap);
+  parts.insert(parts.end(),
+               {caption(end.title), spacer(kGap), time,
+                hasBand ? azimuth | frameWidth(kAzimuthColumn, Alignment::end) : azimuth});
+  return hstack(std::move(parts), kGap);
+}
+
+}  // namespace
+
+Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family) {
+  return WindowEnd(end, family, true);
 }
 
 Element GalacticCenterNotVisibleUntilView(const std::string& words) {
@@ -46,7 +58,16 @@ Element MoonlessHoursView(const std::string& title, const std::string& hours) {
 Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family) {
   const double gap = family == WidgetFamily::systemSmall ? 1.5 * kGap : kGap;
   Elements lines;
-  for (const GCRiseSetTime& end : content.window) lines.push_back(GCRiseSetTimeView(end, family));
+  if (!content.window.empty()) {
+    const auto window = [&](bool hasBand) {
+      Elements ends;
+      for (const GCRiseSetTime& end : content.window) {
+        ends.push_back(WindowEnd(end, family, hasBand));
+      }
+      return vstack(std::move(ends), gap, Alignment::start);
+    };
+    lines.push_back(firstThatFits(Axis::horizontal, {window(true), window(false)}));
+  }
   if (!content.notVisibleUntil.empty()) {
     lines.push_back(GalacticCenterNotVisibleUntilView(content.notVisibleUntil));
   }

@@ -81,7 +81,7 @@ GCVisibilityContent gcVisibilityContent(const GalacticCenterWidgetData& data, Wi
          AzimuthText(data.visibilityToAzimuth), data.visibilityToAngle}};
   } else if (data.dateNextVisibility) {
     content.notVisibleUntil = NextVisibleText(data);
-  } else {
+  } else if (data.mjdVisibilityFrom != 0.0) {  // a record without values says nothing
     content.alwaysInvisible = localizedString("body_always_invisible", kTableEphemeris);
   }
   if (family == WidgetFamily::systemLarge) {

@@ -111,9 +111,20 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
 
 namespace {
 
-Element Phase(const MoonContent& content, int lines) {
-  return text(content.phase) | font(kBody) | lineLimit(lines) | minScale(kLeastScale) |
-         align(platform::TextAlignment::center);
+/// On one line, or the name above the figures in parentheses, or as it comes.
+Element Phase(const MoonContent& content) {
+  const auto set = [](std::string words, int lines) {
+    return text(std::move(words)) | font(kBody) | lineLimit(lines) | minScale(kLeastScale) |
+           align(platform::TextAlignment::center);
+  };
+  Elements forms{set(content.phase, 1)};
+  const std::size_t blank = content.phase.rfind(" (");
+  if (blank != std::string::npos) {
+    forms.push_back(
+        vstack({set(content.phase.substr(0, blank), 1), set(content.phase.substr(blank + 1), 1)}));
+  }
+  forms.push_back(set(content.phase, 2));
+  return firstThatFits(Axis::horizontal, std::move(forms));
 }
 
 Element MoonRiseSet(const MoonWidgetData& data) {
@@ -124,34 +135,38 @@ Element MoonRiseSet(const MoonWidgetData& data) {
 
 Element MoonInfoViewSmall(const MoonWidgetData& data, const Environment& environment) {
   const MoonContent content = moonContent(data, nullptr, WidgetFamily::systemSmall);
-  const auto form = [&](double moon) {
+  const auto form = [&](double moon, double gap) {
     return vstack({PostalAddressView(data.locationData) | fillWidth(), spacer(),
                    MoonIconView(data, moon, environment) | fillWidth(Alignment::center), spacer(),
-                   Phase(content, 2) | fillWidth(Alignment::center), MoonRiseSet(data)},
-                  kGap, Alignment::start);
+                   Phase(content) | fillWidth(Alignment::center), MoonRiseSet(data)},
+                  gap, Alignment::start);
   };
   // The more lines there are under it, the smaller the Moon.
-  return firstThatFits(Axis::vertical, {form(62.0), form(50.0), form(38.0)});
+  constexpr double kDenseGap = 2.0;
+  return firstThatFits(Axis::vertical,
+                       {form(62.0, kGap), form(50.0, kGap), form(38.0, kGap), form(38.0, kDenseGap),
+                        form(31.0, kDenseGap), form(24.0, kDenseGap)});
 }
 
 Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidgetData& gcData,
                            const Environment& environment) {
   constexpr double kMoon = 76.0;
-  constexpr double kMoonColumn = 100.0;
   const MoonContent content = moonContent(data, &gcData, environment.family);
   // In the large family the place's title stands above already.
   const Element heading =
       environment.family == WidgetFamily::systemLarge
           ? caption(platform::localizedString("appwidget_milky_way", platform::kTableCommon))
           : PostalAddressView(data.locationData);
-  return hstack({vstack({MoonIconView(data, kMoon, environment), Phase(content, 2)}, 1.5 * kGap) |
-                     frameWidth(kMoonColumn) | fillHeight(Alignment::center),
-                 vstack({heading | fillWidth(), spacer(),
-                         GCVisibilityView(*content.galacticCenter, environment.family), spacer(),
-                         divider(), MoonRiseSet(data)},
-                        1.5 * kGap, Alignment::start) |
-                     fillWidth()},
-                kContentInset);
+  const Element moon = vstack({MoonIconView(data, kMoon, environment), Phase(content)}, 1.5 * kGap);
+  const Element table = vstack({heading | fillWidth(), spacer(),
+                                GCVisibilityView(*content.galacticCenter, environment.family),
+                                spacer(), divider(), MoonRiseSet(data)},
+                               1.5 * kGap, Alignment::start) |
+                        fillWidth();
+  const auto columns = [&](double moonColumn, double gap) {
+    return hstack({moon | frameWidth(moonColumn) | fillHeight(Alignment::center), table}, gap);
+  };
+  return fromWidth(kRoomyWidth, columns(100.0, kContentInset), columns(kMoon, 2.0 * kGap));
 }
 
 Element MoonWidgetEntryView(const MoonTimelineEntry& entry, const Environment& environment) {

@@ -9,10 +9,11 @@ using namespace view;
 
 namespace {
 
-Element Row(const PlanRow& row) {
+/// The name on as many lines at most.
+Element Row(const PlanRow& row, int nameLines) {
   constexpr double kBar = 3.0;
   constexpr double kBarHeight = 26.0;
-  const Element texts = vstack({text(row.name) | font(kBody) | minScale(0.9),
+  const Element texts = vstack({text(row.name) | font(kBody) | minScale(0.9) | lineLimit(nameLines),
                                 text(row.date) | font(kBody) | color(named("contentSecondary")) |
                                     monospacedDigits() | minScale(kLeastScale)},
                                1.0, Alignment::start);
@@ -39,17 +40,22 @@ Element PlansWidgetEntryView(const PlansTimelineEntry& entry, const Environment&
                       align(platform::TextAlignment::center) | fillWidth(Alignment::center),
                   spacer()});
   } else {
-    Elements columns;
-    for (const std::vector<PlanRow>& column : content.columns) {
-      Elements rows;
-      for (const PlanRow& row : column) rows.push_back(Row(row));
-      columns.push_back(vstack(std::move(rows), 3.0 * kGap, Alignment::start) | fillWidth());
-    }
-    const bool hasRoomBeside =
-        environment.family != WidgetFamily::systemSmall && columns.size() == 1;
-    if (hasRoomBeside) columns.push_back(nothing() | fillWidth());
+    const auto table = [&](int nameLines, double gap) {
+      Elements columns;
+      for (const std::vector<PlanRow>& column : content.columns) {
+        Elements rows;
+        for (const PlanRow& row : column) rows.push_back(Row(row, nameLines));
+        columns.push_back(vstack(std::move(rows), gap, Alignment::start) | fillWidth());
+      }
+      const bool hasRoomBeside =
+          environment.family != WidgetFamily::systemSmall && columns.size() == 1;
+      if (hasRoomBeside) columns.push_back(nothing() | fillWidth());
+      return hstack(std::move(columns), kContentInset, Alignment::start);
+    };
     lines.insert(lines.end(),
-                 {spacer(3.0 * kGap), hstack(std::move(columns), kContentInset, Alignment::start),
+                 {spacer(kGap),
+                  firstThatFits(Axis::vertical,
+                                {table(2, 3.0 * kGap), table(1, 3.0 * kGap), table(1, kGap)}),
                   spacer()});
   }
   return widgetBackground(panel(vstack(std::move(lines), 0.0, Alignment::start),

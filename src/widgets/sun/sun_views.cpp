@@ -4,6 +4,7 @@
 #include "widgets/deep_links.h"
 #include "widgets/location/location_views.h"
 #include "widgets/moon/moon_views.h"
+#include "widgets/palette.h"
 #include "widgets/view/style.h"
 
 namespace lumenquest::widgets {
@@ -13,10 +14,13 @@ using namespace view;
 namespace {
 
 /// The icon on a faint disc of its own light, and the light's name under it.
-Element LightNow(const SunContent& content, double haloSize = 1.55) {
+Element LightNow(const SunContent& content, double haloSize) {
   constexpr double kHaloOpacity = 0.14;
   const double halo = content.iconSize * haloSize;
-  const platform::UIColor glow = content.sunColor.withAlpha(content.sunColor.alpha * kHaloOpacity);
+  // The faint Sun of the night would be lost on a light panel.
+  constexpr platform::UIColor kNightSky{0.11, 0.17, 0.33, 0.4};
+  const platform::UIColor glow =
+      content.sunColor == palette::kNight ? kNightSky : content.sunColor.withAlpha(kHaloOpacity);
   return vstack({zstack({shape(glow, halo) | accented() | frame(halo, halo),
                          SunIconView(content.sunColor, content.iconSize)}),
                  text(content.lightType) | font(kCaption) | minScale(0.9) | lineLimit(2) |
@@ -26,9 +30,14 @@ Element LightNow(const SunContent& content, double haloSize = 1.55) {
 
 Element NextLight(const SunContent& content) {
   if (content.nextLight.empty()) return nothing();
-  return hstack({image("nextLightIcon", kSmallIcon) | color(named("contentSecondary")) | mirrored(),
-                 caption(content.nextLight) | monospacedDigits()},
-                kGap);
+  const auto line = [&](double size, int lines) {
+    return hstack({image("nextLightIcon", kSmallIcon) | color(named("contentSecondary")),
+                   caption(content.nextLight) | font(size) | lineLimit(lines) | monospacedDigits()},
+                  kGap);
+  };
+  // The time stands last, and is what must not be left out.
+  return firstThatFits(Axis::horizontal,
+                       {line(kCaption, 1), line(0.9 * kCaption, 1), line(kCaption, 2)});
 }
 
 Element RiseSet(const SunLightWidgetData& data) {
@@ -57,27 +66,43 @@ Element LightTypeView(const LightTypeRow& row, double size) {
 
 Element SunInfoViewSmall(const SunLightWidgetData& sunData) {
   const SunContent content = sunContent(sunData, WidgetFamily::systemSmall);
-  const auto form = [&](double halo) {
+  const auto form = [&](double halo, double gap, const Element& riseSet) {
     return vstack({PostalAddressView(sunData.locationData) | fillWidth(), spacer(),
                    LightNow(content, halo) | fillWidth(Alignment::center), spacer(),
-                   NextLight(content) | fillWidth(), RiseSet(sunData)},
-                  kGap, Alignment::start);
+                   NextLight(content) | fillWidth(), riseSet},
+                  gap, Alignment::start);
   };
-  return firstThatFits(Axis::vertical, {form(1.55), form(1.2), form(1.0)});
+  const Element riseSet = RiseSet(sunData);
+  // On the smallest phones the light comes first.
+  constexpr double kDenseGap = 1.0;
+  return firstThatFits(Axis::vertical, {form(1.55, kGap, riseSet), form(1.2, kGap, riseSet),
+                                        form(1.0, kGap, riseSet), form(1.0, kDenseGap, riseSet),
+                                        form(1.0, kDenseGap, nothing())});
 }
 
 Element SunInfoViewMedium(const SunLightWidgetData& sunData, WidgetFamily family) {
-  constexpr double kIconColumn = 100.0;
   const SunContent content = sunContent(sunData, family);
   Elements lines{PostalAddressView(sunData.locationData) | fillWidth(), spacer()};
-  // Three rows are a table, two may speak up.
-  const double size = family == WidgetFamily::systemLarge ? kBody : kTitle;
-  for (const LightTypeRow& row : content.rows) lines.push_back(LightTypeView(row, size));
+  // Rows are a table: all in the same size, be one of them too long for the largest.
+  const auto rows = [&](double size) {
+    Elements elements;
+    for (const LightTypeRow& row : content.rows) elements.push_back(LightTypeView(row, size));
+    return vstack(std::move(elements), 1.5 * kGap, Alignment::start);
+  };
+  constexpr double kDense = 9.0;
+  // Three rows are much to read, two may speak up.
+  lines.push_back(
+      firstThatFits(Axis::horizontal, {rows(family == WidgetFamily::systemLarge ? kBody : kTitle),
+                                       rows(kBody), rows(kCaption), rows(kDense)}));
   lines.insert(lines.end(),
                {spacer(), divider(), NextLight(content) | fillWidth(), RiseSet(sunData)});
-  return hstack({LightNow(content) | frameWidth(kIconColumn) | fillHeight(Alignment::center),
-                 vstack(std::move(lines), 1.5 * kGap, Alignment::start) | fillWidth()},
-                kContentInset);
+  const auto columns = [&](double halo, double iconColumn, double gap, double lineGap) {
+    return hstack({LightNow(content, halo) | frameWidth(iconColumn) | fillHeight(Alignment::center),
+                   vstack(lines, lineGap, Alignment::start) | fillWidth()},
+                  gap);
+  };
+  return fromWidth(kRoomyWidth, columns(1.55, 100.0, kContentInset, 1.5 * kGap),
+                   columns(1.2, 70.0, 2.0 * kGap, kGap));
 }
 
 Element SunInfoViewLarge(const SunLightWidgetData& sunData, const MoonWidgetData& moonData,

@@ -19,7 +19,18 @@ platform::CGSize sizeOf(WidgetFamily family) {
 
 Element::Element(Node node) : node_(std::make_shared<const Node>(std::move(node))) {}
 
-Element text(std::string text) { return Element(Text{std::move(text)}); }
+Element text(std::string text) {
+  constexpr int kMostCharacters = 500;
+  int characters = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const bool isContinuation = (static_cast<unsigned char>(text[i]) & 0xC0u) == 0x80u;
+    if (isContinuation || ++characters <= kMostCharacters) continue;
+    text.resize(i);
+    text += "…";
+    break;
+  }
+  return Element(Text{std::move(text)});
+}
 
 Element image(std::string name, double size) {
   return Element(Image{std::move(name), {size, size}});
@@ -45,6 +56,10 @@ Element vstack(Elements children, double spacing, Alignment alignment) {
 Element zstack(Elements children) { return Element(DepthStack{std::move(children)}); }
 
 Element firstThatFits(Axis axis, Elements forms) { return Element(Choice{axis, std::move(forms)}); }
+
+Element fromWidth(double least, Element wide, Element narrow) {
+  return Element(Choice{Axis::horizontal, {std::move(wide), std::move(narrow)}, least});
+}
 
 Element spacer(double minimumLength) { return Element(Spacer{minimumLength}); }
 

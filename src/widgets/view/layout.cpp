@@ -5,6 +5,7 @@
 #include <limits>
 #include <map>
 #include <tuple>
+#include <type_traits>
 #include <utility>
 
 namespace lumenquest::widgets::view {
@@ -121,6 +122,10 @@ class Layouter {
   }
   CGSize FitKind(const Choice& choice, CGSize room) { return Fit(Chosen(choice, room), room); }
   const Element& Chosen(const Choice& choice, CGSize room) {
+    if (choice.leastWidth) {
+      const bool isWide = room.width + kSlack >= *choice.leastWidth;
+      return isWide ? choice.children.front() : choice.children.back();
+    }
     for (const Element& form : choice.children) {
       const bool fits = choice.axis == Axis::horizontal
                             ? Fit(form, {kUnbounded, kUnbounded}).width <= room.width + kSlack
@@ -161,6 +166,29 @@ class Layouter {
     return isHorizontal ? CGSize{along, across} : CGSize{across, along};
   }
 
+  /// Whether an element takes all the length that it is offered, more than it needs.
+  static bool Fills(const Element& element, Axis axis) {
+    const bool isHorizontal = axis == Axis::horizontal;
+    return std::visit(
+        [&](const auto& kind) {
+          using Kind = std::decay_t<decltype(kind)>;
+          if constexpr (std::is_same_v<Kind, Shape>) {
+            return true;
+          } else if constexpr (std::is_same_v<Kind, Frame>) {
+            if (isHorizontal ? kind.width.has_value() : kind.height.has_value()) return false;
+            return (isHorizontal ? kind.fillsWidth : kind.fillsHeight) || Fills(kind.child, axis);
+          } else if constexpr (requires { kind.children; }) {
+            return std::any_of(kind.children.begin(), kind.children.end(),
+                               [&](const Element& child) { return Fills(child, axis); });
+          } else if constexpr (requires { kind.child; }) {
+            return Fills(kind.child, axis);
+          } else {
+            return false;
+          }
+        },
+        element.node().base());
+  }
+
   static double Gaps(const Stack& stack) {
     return stack.children.empty() ? 0.0 : static_cast<double>(stack.children.size() - 1);
   }
@@ -184,7 +212,9 @@ class Layouter {
         left -= spacer->minimumLength;
       } else {
         rigidFirst.push_back(i);
-        flexibility[i] = length(fit(children[i], kUnbounded)) - length(fit(children[i], 0.0));
+        flexibility[i] = Fills(children[i], stack.axis)
+                             ? kUnbounded
+                             : length(fit(children[i], kUnbounded)) - length(fit(children[i], 0.0));
       }
     }
     std::stable_sort(rigidFirst.begin(), rigidFirst.end(),

@@ -46,7 +46,8 @@ struct GCRiseSetTime {
   double bandTilt = 0.0;
 };
 
-/// What the galactic centre's views show: one of window, notVisibleUntil and alwaysInvisible.
+/// What the galactic centre's views show: one of window, notVisibleUntil and alwaysInvisible, or
+/// none for a record without values.
 struct GCVisibilityContent {
   std::vector<GCRiseSetTime> window;
   /// When it can be seen next.

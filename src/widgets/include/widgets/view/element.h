@@ -108,6 +108,8 @@ struct DepthStack {
 struct Choice {
   Axis axis = Axis::horizontal;
   Elements children;
+  /// Where it is given, room of at least this width decides for the first form, whatever fits.
+  std::optional<double> leastWidth{};
 };
 
 /// Takes what room is left along the stack that holds it.
@@ -157,6 +159,7 @@ struct Node : std::variant<Text, Image, Picture, Shape, Stack, DepthStack, Choic
 
 // Elements.
 
+/// Of a text that nobody could read on a widget, over 500 characters, the end is left out.
 Element text(std::string text);
 Element image(std::string name, double size);
 Element picture(platform::UIImage image, double size);
@@ -166,6 +169,8 @@ Element hstack(Elements children, double spacing = 0.0, Alignment alignment = Al
 Element vstack(Elements children, double spacing = 0.0, Alignment alignment = Alignment::center);
 Element zstack(Elements children);
 Element firstThatFits(Axis axis, Elements forms);
+/// One form where there is so much width, another where there is less.
+Element fromWidth(double least, Element wide, Element narrow);
 Element spacer(double minimumLength = 0.0);
 /// Nothing, without extent.
 Element nothing();

@@ -16,6 +16,8 @@ inline constexpr double kPanelCornerRadius = kWidgetCornerRadius - kPanelMargin;
 /// Between a panel's edge and what stands on it.
 inline constexpr double kContentInset = 12.0;
 inline constexpr double kGap = 4.0;
+/// Of a medium or large widget's panel, where its columns have all their room.
+inline constexpr double kRoomyWidth = 320.0;
 
 inline constexpr double kCaption = 10.0;
 inline constexpr double kBody = 11.0;

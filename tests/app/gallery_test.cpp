@@ -1,0 +1,174 @@
+// Every widget in every state, set with the fonts of this machine: what does not fit where.
+
+#include "app/gallery.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <set>
+
+#include "app/widget_picture.h"
+#include "boxes.h"
+#include "command_fixture.h"
+#include "platform/services.h"
+
+namespace lumenquest::app {
+namespace {
+
+using platform::CGSize;
+using testing::Call;
+using testing::DataFolder;
+using testing::Result;
+using widgets::WidgetFamily;
+namespace view = widgets::view;
+
+/// On the smallest phone that shows widgets.
+CGSize SmallestSize(WidgetFamily family) {
+  if (family == WidgetFamily::systemSmall) return {141.0, 141.0};
+  if (family == WidgetFamily::systemMedium) return {292.0, 141.0};
+  return {292.0, 311.0};
+}
+
+view::Environment In(const Section& section, WidgetFamily family, const std::string& locale) {
+  view::Environment environment;
+  environment.family = family;
+  environment.renderingMode = section.renderingMode;
+  if (locale == "he") environment.layoutDirection = view::LayoutDirection::rightToLeft;
+  return environment;
+}
+
+/// The place's title, or the plans' names.
+std::vector<std::string> UsersWords(const AnyEntry& entry) {
+  return std::visit(
+      [](const auto& kind) {
+        std::vector<std::string> words;
+        const auto add = [&](const std::optional<std::string>& given) {
+          // As the views have it.
+          const view::Element element = view::text(given.value_or(""));
+          words.push_back(std::get<view::Text>(element.node()).text);
+        };
+        if constexpr (requires { kind.plans; }) {
+          for (const widgets::PlanItem& plan : kind.plans) add(plan.name);
+        } else {
+          add(kind.data.locationData.address);
+        }
+        return words;
+      },
+      entry);
+}
+
+std::string Faults(const AnyEntry& entry, view::Environment environment, CGSize size,
+                   bool mayUsersWordsGo) {
+  const view::Element element = viewOf(entry, environment);
+  return testing::faultsOf(
+      layOut(element, size, environment, platform::Services::current().textMeasurer()),
+      mayUsersWordsGo ? UsersWords(entry) : std::vector<std::string>());
+}
+
+class GalleryIn : public ::testing::TestWithParam<const char*> {};
+INSTANTIATE_TEST_SUITE_P(, GalleryIn, ::testing::Values("en", "de", "fi", "ja", "he"),
+                         [](const auto& locale) { return std::string(locale.param); });
+
+TEST_P(GalleryIn, EverythingIsReadable) {
+  const DataFolder data;
+  const std::string locale = GetParam();
+  const std::vector<Section> sections = exhibition(locale);
+  std::size_t count = 0;
+  for (const Section& section : sections) {
+    for (const Exhibit& exhibit : section.exhibits) {
+      const view::Environment environment = In(section, exhibit.family, locale);
+      EXPECT_EQ(Faults(exhibit.entry, environment, view::sizeOf(exhibit.family), false), "")
+          << exhibit.fileName;
+      // On the smallest phone users' own words may go, but the rest stays.
+      EXPECT_EQ(Faults(exhibit.entry, environment, SmallestSize(exhibit.family), true), "")
+          << exhibit.fileName << ", smallest";
+      ++count;
+    }
+  }
+  EXPECT_GT(count, 55u);
+}
+
+/// The entry with other words in place of those that users give.
+AnyEntry WithWords(AnyEntry entry, const std::string& words) {
+  std::visit(
+      [&](auto& kind) {
+        if constexpr (requires { kind.plans; }) {
+          for (widgets::PlanItem& plan : kind.plans) plan.name = words;
+        } else {
+          kind.data.locationData.address = words;
+        }
+      },
+      entry);
+  return entry;
+}
+
+TEST(Gallery, HostileWordsStayInTheirBoxes) {
+  const DataFolder data;
+  std::string endless;
+  while (endless.size() < 10000) endless += "Llanfair pwll ";
+  std::string unbroken(10000, 'W');
+  std::string lines;
+  while (lines.size() < 1000) lines += "a\n";
+  const std::string hostile[] = {
+      endless,
+      unbroken,
+      lines,
+      "\u202E\u2066dleiH\u202D\u202A\u2067" + endless,  // overrides that are never closed
+      "👨‍👩‍👧‍👦🌄🏔️🇸🇮👨‍👩‍👧‍👦🌄🏔️🇸🇮👨‍👩‍👧‍👦🌄🏔️🇸🇮👨‍👩‍👧"
+      "‍"
+      "👦"
+      "🌄"
+      "🏔"
+      "️",
+      "Z\u0300\u0301\u0302\u0303\u0304\u0305\u0306\u0307\u0308\u0309\u030A",
+      "",
+      "\xff\xfe\x80 not UTF-8",
+      std::string("a\0b", 3),
+  };
+  for (const std::string locale : {"en", "he"}) {
+    std::set<std::pair<std::size_t, WidgetFamily>> seen;
+    for (const Section& section : exhibition(locale)) {
+      for (const Exhibit& exhibit : section.exhibits) {
+        if (UsersWords(exhibit.entry).empty()) continue;
+        // Every widget once in each family.
+        if (!seen.emplace(exhibit.entry.index(), exhibit.family).second) continue;
+        for (const std::string& words : hostile) {
+          const AnyEntry entry = WithWords(exhibit.entry, words);
+          const view::Environment environment = In(section, exhibit.family, locale);
+          for (const CGSize size : {view::sizeOf(exhibit.family), SmallestSize(exhibit.family)}) {
+            EXPECT_EQ(Faults(entry, environment, size, true), "")
+                << exhibit.fileName << ": " << words.substr(0, 40);
+          }
+        }
+      }
+    }
+  }
+}
+
+TEST(Gallery, DrawsAllIntoAFolder) {
+  const DataFolder data;
+  const testing::Folder folder;
+  const std::string target = folder.path() + "/new/pictures";
+  const Result result = Call({"gallery", target, "--locale", "en", "--scale", "1"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_NE(result.out.find(target), std::string::npos) << result.out;
+  std::size_t pictures = 0;
+  for (const auto& file : std::filesystem::directory_iterator(target)) {
+    EXPECT_EQ(file.path().extension(), ".png");
+    ++pictures;
+  }
+  EXPECT_NE(result.out.find(std::to_string(pictures)), std::string::npos) << result.out;
+  for (const char* name :
+       {"contact-sheet-dark.png", "contact-sheet-light.png",
+        "LumenquestWidget-systemLarge-polar-night-light.png",
+        "MoonWidget-systemSmall-supermoon-dark.png", "PlansWidget-systemMedium-no-plans-dark.png",
+        "SunWidget-systemMedium-denied-dark.png", "SunWidget-systemSmall-time-out-light.png",
+        "GalacticCenterSmallWidget-systemSmall-golden-hour-accented-dark.png"}) {
+    EXPECT_TRUE(std::filesystem::exists(target + "/" + name)) << name;
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(data.path()));
+}
+
+}  // namespace
+}  // namespace lumenquest::app

@@ -1,0 +1,319 @@
+// The Moon as it is drawn, by the image (MoonShadow) and by the view (MoonShadowView).
+
+#include "events/moon_shadow.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <vector>
+
+#include "ephemeris/constants.h"
+#include "ephemeris/pt_moon.h"
+#include "ephemeris/pt_sun.h"
+#include "events/ephemeris_utils.h"
+#include "fake_views.h"
+#include "test_services.h"
+#include "widgets/moon/moon_views.h"
+#include "widgets/palette.h"
+
+namespace lumenquest::widgets {
+namespace {
+
+using ephemeris::kDegreesToRadians;
+using ephemeris::kRadiansToDegrees;
+using events::MoonShadow;
+using platform::CGPoint;
+using platform::CGSize;
+using platform::UIBezierPath;
+using platform::UIColor;
+using platform::UIImage;
+using testing::Instant;
+using testing::TestServices;
+
+constexpr double kSide = 200.0;
+constexpr double kRadius = kSide / 2.0;
+constexpr int kWaxing = 4;
+constexpr int kWaning = 7;
+
+/// Where a path of lines crosses a row.
+std::vector<double> Crossings(const UIBezierPath& path, double y) {
+  std::vector<CGPoint> corners;
+  for (const auto& segment : path.segments()) {
+    if (segment.verb != UIBezierPath::Verb::close) corners.push_back(segment.end());
+  }
+  std::vector<double> crossings;
+  for (std::size_t i = 0, j = corners.size() - 1; i < corners.size(); j = i++) {
+    const CGPoint &a = corners[i], &b = corners[j];
+    if ((a.y > y) == (b.y > y)) continue;
+    crossings.push_back((b.x - a.x) * (y - a.y) / (b.y - a.y) + a.x);
+  }
+  return crossings;
+}
+
+bool Contains(const UIBezierPath& path, CGPoint point) {
+  const std::vector<double> crossings = Crossings(path, point.y);
+  return std::count_if(crossings.begin(), crossings.end(), [&](double x) { return x < point.x; }) %
+             2 ==
+         1;
+}
+
+/// What is filled, be it by a clipped shape or not; null when nothing is.
+const platform::PictureShape* Shadow(const UIImage& image) {
+  for (const auto& shape : image.shapes) {
+    if (shape.fill) return &shape;
+  }
+  return nullptr;
+}
+
+bool IsLit(const UIImage& image, CGPoint point) {
+  const auto* const shadow = Shadow(image);
+  return shadow == nullptr || !Contains(shadow->path, point);
+}
+
+/// The part of the disc that is not in shadow, row by row.
+double LitArea(const UIImage& image) {
+  double dark = 0.0, all = 0.0;
+  const auto* const shadow = Shadow(image);
+  constexpr double kStep = 0.5;
+  for (double y = kStep / 2.0; y < kSide; y += kStep) {
+    const double half = std::sqrt(kRadius * kRadius - (y - kRadius) * (y - kRadius));
+    all += 2.0 * half;
+    if (shadow == nullptr) continue;
+    std::vector<double> crossings = Crossings(shadow->path, y);
+    for (double& x : crossings) x = std::clamp(x, kRadius - half, kRadius + half);
+    std::sort(crossings.begin(), crossings.end());
+    for (std::size_t i = 1; i < crossings.size(); i += 2) dark += crossings[i] - crossings[i - 1];
+  }
+  return 1.0 - dark / all;
+}
+
+/// Where the middle of the lit limb stands, degrees from the top, counter-clockwise.
+double BrightLimb(const UIImage& image) {
+  double right = 0.0, up = 0.0;
+  for (double degrees = 0.0; degrees < 360.0; degrees += 0.25) {
+    const double x = std::sin(degrees * kDegreesToRadians);
+    const double y = std::cos(degrees * kDegreesToRadians);
+    if (!IsLit(image, {kRadius * (1.0 + 0.997 * x), kRadius * (1.0 - 0.997 * y)})) continue;
+    right += x;
+    up += y;
+  }
+  return std::atan2(-right, up) * kRadiansToDegrees;
+}
+
+double Apart(double a, double b) { return std::fabs(std::remainder(a - b, 360.0)); }
+
+/// Radians, as a MoonPhaseResult has it.
+struct Look {
+  double illumination = 0.5;
+  double zenithAngle = 0.0;
+  bool isWaning = false;
+};
+
+UIImage ByImage(const Look& look, CGSize size = {kSide, kSide}) {
+  return MoonShadow::moonShadowImageOfSize(size, look.zenithAngle,
+                                           look.isWaning ? kWaning : kWaxing, 30.0,
+                                           look.illumination, -1.0, false);
+}
+
+UIImage ByView(const Look& look) {
+  const MoonShadowView view{static_cast<float>(look.illumination),
+                            static_cast<float>(look.zenithAngle * kRadiansToDegrees), 30.0f,
+                            look.isWaning, false};
+  platform::ImageContext context({kSide, kSide});
+  view.draw(context, {kSide, kSide});
+  return context.image();
+}
+
+struct Route {
+  const char* name;
+  std::function<UIImage(const Look&)> draw;
+};
+const Route kRoutes[] = {{"image", [](const Look& look) { return ByImage(look); }},
+                         {"view", ByView}};
+
+TEST(MoonShadow, TheLimbShinesTowardsTheSun) {
+  const TestServices services("2027-01-01T00:00:00Z");
+  constexpr double kDeltaT = 70.0 / 86400.0;
+  struct Place {
+    double latitude;
+    double longitude;
+  };
+  int looks = 0, waning = 0, oblique = 0;
+  for (const Place& place : {Place{46.36, 14.09}, {-22.91, -68.2}, {1.0, 103.8}, {-54.8, -68.3}}) {
+    ephemeris::PtPosition observer;
+    observer.latitude = place.latitude;
+    observer.longitude = place.longitude;
+    observer.CalcObserverCoords();
+    ephemeris::PtSun sun(observer);
+    ephemeris::PtMoon moon(observer);
+    for (double days = 0.0; days < 30.0; days += 0.37) {
+      const double mjd = Instant("2027-02-06T16:00:00Z").modifiedJulianDay() + days;
+      const auto result = events::EphemerisUtils::moonPhaseDataForMjd(
+          mjd, kDeltaT, sun, moon, Instant("2027-02-06T16:00:00Z"), false);
+      // Near new and full Moon the whole limb is dark, or lit.
+      if (result.phaseIllumination < 0.03f || result.phaseIllumination > 0.97f) continue;
+      ephemeris::MoonPhase phase;
+      ephemeris::Vector3D moonEcliptic = moon.eclipticPosition();
+      ephemeris::Vector3D moonEquatorial = moon.equatorialPosition();
+      ephemeris::Vector3D sunEcliptic = sun.eclipticPosition();
+      ephemeris::Vector3D sunEquatorial = sun.equatorialPosition();
+      moon.CalculatePhase(&moonEcliptic, &moonEquatorial, &sunEcliptic, &sunEquatorial,
+                          moon.hourAngle(), &phase);
+      const double expected = phase.brightLimbZenithAngle * kRadiansToDegrees;
+      SCOPED_TRACE(std::to_string(place.latitude) + " day " + std::to_string(days));
+
+      // The angle itself: the great circle from Moon to Sun in the observer's sky. Parallax and
+      // refraction bend it by a few degrees at most while the two are well apart.
+      const double moonHeight = result.moonElevation * kDegreesToRadians;
+      const double sunHeight = result.sunElevation * kDegreesToRadians;
+      const double azimuth =
+          (sun.horizontalPosition().phi - moon.horizontalPosition().phi) * kDegreesToRadians;
+      const double clockwise =
+          std::atan2(std::sin(azimuth) * std::cos(sunHeight),
+                     std::sin(sunHeight) * std::cos(moonHeight) -
+                         std::cos(sunHeight) * std::sin(moonHeight) * std::cos(azimuth));
+      if (result.moonElevation < 80.0f) {
+        EXPECT_LT(Apart(expected, -clockwise * kRadiansToDegrees), 6.0);
+      }
+
+      const Look look{result.phaseIllumination, result.zenithAngle, result.isWaning()};
+      for (const Route& route : kRoutes) {
+        EXPECT_LT(Apart(BrightLimb(route.draw(look)), expected), 2.0) << route.name;
+      }
+      ++looks;
+      waning += look.isWaning ? 1 : 0;
+      oblique += std::fabs(std::sin(2.0 * expected * kDegreesToRadians)) > 0.5 ? 1 : 0;
+    }
+  }
+  EXPECT_GT(looks, 200);
+  EXPECT_GT(waning, 80);
+  EXPECT_GT(looks - waning, 80);
+  EXPECT_GT(oblique, 60);
+}
+
+TEST(MoonShadow, TheLitAreaIsTheIlluminatedFraction) {
+  for (int i = 1; i <= 200; ++i) {
+    const Look look{i / 201.0, 0.03 * i, i % 2 == 0};
+    const Look other{look.illumination, look.zenithAngle, !look.isWaning};
+    for (const Route& route : kRoutes) {
+      EXPECT_NEAR(LitArea(route.draw(look)), look.illumination, 0.01) << route.name;
+      EXPECT_NEAR(LitArea(route.draw(other)), look.illumination, 0.01) << route.name;
+    }
+  }
+}
+
+TEST(MoonShadow, NothingAtFullMoonAllAtNewMoon) {
+  for (const Route& route : kRoutes) {
+    for (const bool isWaning : {false, true}) {
+      EXPECT_EQ(Shadow(route.draw({1.0, 0.4, isWaning})), nullptr) << route.name;
+      // Up to the chords by which the limb is drawn.
+      EXPECT_LT(LitArea(route.draw({0.0, 0.4, isWaning})), 1e-3) << route.name;
+    }
+  }
+  // Small pictures make do with coarser chords, and stand over the disc's rim by them.
+  const UIImage small = ByImage({0.5, 0.0, false}, {40.0, 40.0});
+  EXPECT_EQ(Shadow(small)->path.segments().size(), 37u);
+  EXPECT_GT(Shadow(ByImage({0.5, 0.0, false}))->path.segments().size(), 350u);
+  EXPECT_NE(Shadow(small)->clip, nullptr);
+}
+
+TEST(MoonShadow, TheViewsPathIsInItsOwnBox) {
+  const MoonShadowView half{0.5f, 77.0f, 0.0f, true, false};
+  const UIBezierPath path = half.path({40.0, 60.0});
+  ASSERT_EQ(path.segments().size(), 1u + 180u + 180u + 1u);
+  const auto at = [&](std::size_t n) { return path.segments()[n].end(); };
+  // From below, along the terminator (upright at a half Moon) up, and back along the waning Moon's
+  // side.
+  EXPECT_EQ(at(0), (CGPoint{20.0, 50.0}));
+  for (std::size_t n = 1; n <= 180; ++n) ASSERT_NEAR(at(n).x, 20.0, 1e-4) << n;
+  EXPECT_NEAR(at(91).y, 30.0, 1e-9);
+  EXPECT_NEAR(at(181).y, 10.0, 1e-9);
+  EXPECT_NEAR(at(271).x, 0.0, 1e-9);
+}
+
+TEST(MoonShadow, ItsColourIsTheSky) {
+  struct Case {
+    float elevation;
+    double brightness;
+  };
+  const Case cases[] = {{90.0f, 1.0},  {4.01f, 1.0}, {4.0f, 1.0},  {0.0f, 0.5},
+                        {-2.0f, 0.25}, {-4.0f, 0.0}, {-10.0f, 0.0}};
+  const auto day = platform::kDaySkyColor.toHSBA();
+  for (const Case& c : cases) {
+    const UIColor color = MoonShadowView{0.5f, 0.0f, c.elevation, false, false}.color();
+    const auto hsba = color.toHSBA();
+    EXPECT_NEAR(hsba.brightness, c.brightness * day.brightness, 1e-6) << c.elevation;
+    EXPECT_EQ(color.alpha, 1.0);
+    if (c.brightness > 0.0) {
+      EXPECT_NEAR(hsba.hue, day.hue, 1e-6);
+      EXPECT_NEAR(hsba.saturation, day.saturation, 1e-6);
+    }
+    const UIImage image = MoonShadow::moonShadowImageOfSize(
+        {50.0, 50.0}, 0.0, kWaxing, static_cast<double>(c.elevation), 0.5, -1.0, false);
+    EXPECT_EQ(std::get<UIColor>(*Shadow(image)->fill), color) << c.elevation;
+    EXPECT_EQ((MoonShadowView{0.5f, 0.0f, c.elevation, false, true}.color()),
+              (UIColor{0.0, 0.0, 0.0, 1.0}));
+  }
+}
+
+/// The parts of a picture that are lines.
+std::vector<platform::PictureShape> Strokes(const UIImage& image) {
+  std::vector<platform::PictureShape> strokes;
+  for (const auto& shape : image.shapes) {
+    if (shape.strokePaint) strokes.push_back(shape);
+  }
+  return strokes;
+}
+
+TEST(MoonShadow, ASupermoonHasARing) {
+  UIImage moon{{60.0, 60.0}, {}};
+  moon.shapes.push_back({UIBezierPath::rect({0, 0, 60, 60}), UIColor{0.5, 0.5, 0.5, 1.0}});
+  EXPECT_TRUE(Strokes(MoonShadow::drawShadowOnMoonImage(moon, 0.0, 2, 30.0, 1.0, false)).empty());
+  const UIImage drawn = MoonShadow::drawShadowOnMoonImage(moon, 0.0, 2, 30.0, 1.0, true);
+  EXPECT_EQ(drawn.size, moon.size);
+  const auto ring = Strokes(drawn);
+  ASSERT_EQ(ring.size(), 1u);
+  EXPECT_EQ(ring[0].path, UIBezierPath::ellipse({1.0, 1.0, 58.0, 58.0}));
+
+  platform::Services::Adapters adapters;
+  const auto assets = std::make_shared<testing::FewAssets>();
+  assets->images["moon"] = std::make_shared<UIImage>(moon);
+  adapters.assets = assets;
+  const TestServices services("2027-01-01T00:00:00Z", "UTC", "en", std::move(adapters));
+  MoonWidgetData data;
+  data.moonPhase = 0.5f;
+  data.zenithAngle = -120.0f;
+  data.sunElevation = 30.0f;
+  const auto icon = [&](bool isSupermoon, const view::Environment& environment) {
+    data.isSupermoon = isSupermoon;
+    const view::Element element = MoonIconView(data, kSide, environment);
+    return *std::get<view::Picture>(element.node()).image;
+  };
+  view::Environment environment;
+  EXPECT_EQ(Strokes(icon(false, environment)).size(), 1u);  // the disc's rim
+  const auto strokes = Strokes(icon(true, environment));
+  ASSERT_EQ(strokes.size(), 2u);
+  EXPECT_EQ(std::get<UIColor>(*strokes[1].strokePaint), palette::kLumenquestYellow);
+  // The ring stands clear of the disc, and both within the box.
+  const auto rim = [](const platform::PictureShape& shape) {
+    double left = kSide, right = 0.0;
+    for (const auto& segment : shape.path.segments()) {
+      if (segment.verb == UIBezierPath::Verb::close) continue;
+      left = std::min(left, segment.end().x - shape.stroke.width / 2.0);
+      right = std::max(right, segment.end().x + shape.stroke.width / 2.0);
+    }
+    return std::pair(left, right);
+  };
+  EXPECT_GE(rim(strokes[1]).first, -1e-9);
+  EXPECT_LE(rim(strokes[1]).second, kSide + 1e-9);
+  EXPECT_GT(rim(strokes[0]).first, rim(strokes[1]).first + 2.0);
+  environment.renderingMode = view::WidgetRenderingMode::accented;
+  const auto tinted = Strokes(icon(true, environment));
+  ASSERT_EQ(tinted.size(), 1u);
+  EXPECT_EQ(std::get<UIColor>(*tinted[0].strokePaint), environment.accent);
+}
+
+}  // namespace
+}  // namespace lumenquest::widgets

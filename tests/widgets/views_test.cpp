@@ -1,0 +1,476 @@
+// What the widgets' views say, show and link to, without pixels: words are their keys.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+
+#include "ephemeris/constants.h"
+#include "fake_views.h"
+#include "test_services.h"
+#include "widgets/galactic_center/galactic_center_views.h"
+#include "widgets/location/location_views.h"
+#include "widgets/moon/moon_views.h"
+#include "widgets/palette.h"
+#include "widgets/plans/plans_views.h"
+#include "widgets/sun/sun_views.h"
+#include "widgets/view/layout.h"
+
+namespace lumenquest::widgets {
+namespace {
+
+using platform::CLAuthorizationStatus;
+using platform::UIColor;
+using testing::BlockLetters;
+using ::testing::Contains;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using testing::FewAssets;
+using testing::Instant;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using testing::Recorder;
+using testing::TestServices;
+using view::Element;
+using view::Environment;
+using view::imagesOf;
+using view::linksOf;
+using view::named;
+using view::Node;
+using view::textsOf;
+using view::WidgetRenderingMode;
+
+using Texts = std::vector<std::string>;
+
+double Mjd(const std::string& rfc3339) { return Instant(rfc3339).modifiedJulianDay(); }
+
+LocationWidgetData Bled() {
+  LocationWidgetData data;
+  data.address = "Bled";
+  data.authorizationStatus = CLAuthorizationStatus::authorizedWhenInUse;
+  data.timeZone = platform::NSTimeZone{"UTC"};
+  return data;
+}
+
+SunLightWidgetData Sun() {
+  SunLightWidgetData data;
+  data.locationData = Bled();
+  data.mjdTomorrowAt0 = Mjd("2024-08-13T00:00:00Z");
+  data.mjdRise = Mjd("2024-08-12T05:10:00Z");
+  data.mjdSet = Mjd("2024-08-12T19:20:00Z");
+  data.sunElevation = 12.0f;
+  data.lightType = "Daytime";
+  data.nextEventMjd = Mjd("2024-08-12T18:30:00Z");
+  data.nextEventName = "Golden hour";
+  data.goldenHourInterval = "18:30 - 19:40";
+  data.blueHourInterval = "19:40 - 19:55";
+  data.astronomicalTwilightInterval = "--";
+  return data;
+}
+
+MoonWidgetData Moon() {
+  MoonWidgetData data;
+  data.locationData = Bled();
+  data.mjdTomorrowAt0 = Mjd("2024-08-13T00:00:00Z");
+  data.mjdRise = Mjd("2024-08-12T13:40:00Z");
+  data.mjdSet = Mjd("2024-08-13T00:05:00Z");
+  data.moonPhaseString = "First quarter (50.0%)";
+  data.moonPhase = 0.5f;
+  return data;
+}
+
+GalacticCenterWidgetData Centre() {
+  GalacticCenterWidgetData data;
+  data.locationData = Bled();
+  data.mjdTomorrowAt0 = Mjd("2024-08-13T00:00:00Z");
+  data.mjdVisibilityFrom = Mjd("2024-08-12T21:15:00Z");
+  data.mjdVisibilityTo = Mjd("2024-08-13T00:25:00Z");
+  data.visibilityFromAngle = 20.0;
+  data.visibilityToAngle = 60.0;
+  data.visibilityFromAzimuth = 178.2;
+  data.visibilityToAzimuth = 221.0;
+  data.moonlessHours = 2.25f;
+  return data;
+}
+
+PlanItem Plan(const std::string& name, const std::string& date, const std::string& id) {
+  return {name, Instant(date), platform::NSTimeZone{"UTC"}, id};
+}
+
+PlansTimelineEntry FourPlans() {
+  return {Instant("2024-08-12T12:00:00Z"),
+          {Plan("Perseids", "2024-08-12T23:30:00Z", "a%2F1"), Plan("", "2024-08-13T23:30:00Z", "2"),
+           Plan("Bay", "2024-08-14T23:30:00Z", ""), Plan("Hills", "2024-08-15T23:30:00Z", "4")}};
+}
+
+Environment In(WidgetFamily family) {
+  Environment environment;
+  environment.family = family;
+  return environment;
+}
+constexpr auto kSmall = WidgetFamily::systemSmall;
+constexpr auto kMedium = WidgetFamily::systemMedium;
+constexpr auto kLarge = WidgetFamily::systemLarge;
+
+Element SunView(const SunLightWidgetData& data, const Environment& environment) {
+  return SunLightWidgetEntryView({{}, data, Moon(), Centre(), {}}, environment);
+}
+Element MoonView(const MoonWidgetData& data, const Environment& environment) {
+  const bool isSmall = environment.family == kSmall;
+  return MoonWidgetEntryView({{}, data, isSmall ? std::nullopt : std::optional(Centre()), {}},
+                             environment);
+}
+Element CentreView(const GalacticCenterWidgetData& data) {
+  return GalacticCenterWidgetEntryView({{}, data, {}}, In(kSmall));
+}
+
+/// Every node, parents first, of the first forms.
+void Walk(const Element& element, const std::function<void(const Node&)>& visit) {
+  visit(element.node());
+  std::visit(
+      [&](const auto& kind) {
+        if constexpr (requires { kind.children; }) {
+          constexpr bool isChoice = std::is_same_v<std::decay_t<decltype(kind)>, view::Choice>;
+          for (const Element& child : kind.children) {
+            Walk(child, visit);
+            if (isChoice) break;
+          }
+        } else if constexpr (requires { kind.child; }) {
+          Walk(kind.child, visit);
+        }
+      },
+      element.node().base());
+}
+
+template <typename Kind>
+std::vector<Kind> All(const Element& element) {
+  std::vector<Kind> found;
+  Walk(element, [&](const Node& node) {
+    if (const auto* const kind = std::get_if<Kind>(&node)) found.push_back(*kind);
+  });
+  return found;
+}
+
+view::Text TextSaying(const Element& element, const std::string& words) {
+  for (const view::Text& text : All<view::Text>(element)) {
+    if (text.text == words) return text;
+  }
+  ADD_FAILURE() << "nothing says " << words;
+  return {};
+}
+
+view::Image ImageOf(const Element& element, const std::string& name) {
+  for (const view::Image& image : All<view::Image>(element)) {
+    if (image.name == name) return image;
+  }
+  ADD_FAILURE() << "no " << name;
+  return {};
+}
+
+class Views : public ::testing::Test {
+ protected:
+  static platform::Services::Adapters Adapters() {
+    platform::Services::Adapters adapters;
+    adapters.assets = std::make_shared<FewAssets>();
+    return adapters;
+  }
+  const TestServices services{"2024-08-12T12:00:00Z", "UTC", "en_GB", Adapters()};
+};
+
+const char* const kTomorrow = "00:05 <event_one_day_plus>";
+
+TEST_F(Views, SaySmallMediumAndLargeThingsOfTheSun) {
+  const Texts window{"<twilight_golden_hour>", "18:30 - 19:40", "<twilight_blue_hour>",
+                     "19:40 - 19:55"};
+  const Element small = SunView(Sun(), In(kSmall));
+  EXPECT_EQ(textsOf(small), (Texts{"Bled", "Daytime", "Golden hour 18:30", "05:10", "19:20"}));
+  EXPECT_EQ(imagesOf(small), (Texts{"sunIcon", "nextLightIcon", "bodyRise", "bodySet"}));
+  EXPECT_EQ(linksOf(small), Texts{"lumenquest://sun"});
+  EXPECT_EQ(ImageOf(small, "sunIcon").size, (platform::CGSize{31, 31}));
+  const view::Text light = TextSaying(small, "Daytime");
+  EXPECT_EQ(light.style.size, 10.0);
+  EXPECT_EQ(light.style.weight, platform::FontWeight::regular);
+  EXPECT_EQ(light.color, named("contentPrimary"));
+  EXPECT_EQ(light.minimumScale, 0.9);
+
+  const Element medium = SunView(Sun(), In(kMedium));
+  EXPECT_EQ(textsOf(medium), (Texts{"Daytime", "Bled", window[0], window[1], window[2], window[3],
+                                    "Golden hour 18:30", "05:10", "19:20"}));
+  EXPECT_EQ(linksOf(medium), Texts{"lumenquest://sun"});
+  EXPECT_EQ(ImageOf(medium, "sunIcon").size, (platform::CGSize{57, 57}));
+
+  const Element large = SunView(Sun(), In(kLarge));
+  EXPECT_EQ(textsOf(large), (Texts{"Daytime",
+                                   "Bled",
+                                   window[0],
+                                   window[1],
+                                   window[2],
+                                   window[3],
+                                   "<twilight_astronomical>",
+                                   "--",
+                                   "Golden hour 18:30",
+                                   "05:10",
+                                   "19:20",
+                                   "First quarter (50.0%)",
+                                   "<appwidget_milky_way>",
+                                   "<gc_visible_from>",
+                                   "21:15",
+                                   "178° <cardinal_point_south_abbr>",
+                                   "<gc_visible_to>",
+                                   "00:25 <event_one_day_plus>",
+                                   "221° <cardinal_point_south_west_abbr>",
+                                   "<night_with_no_moon>",
+                                   "2<unit_abbr_hour> 15<unit_abbr_minute>",
+                                   "13:40",
+                                   kTomorrow}));
+  EXPECT_EQ(linksOf(large), (Texts{"lumenquest://sun", "lumenquest://sun", "lumenquest://moon"}));
+  // Each half of it leads to its own.
+  const auto links = All<view::Link>(large);
+  EXPECT_THAT(textsOf(links.at(1).child), Contains("Daytime"));
+  EXPECT_THAT(textsOf(links.at(1).child), Not(Contains("<appwidget_milky_way>")));
+  EXPECT_THAT(textsOf(links.at(2).child), Contains("First quarter (50.0%)"));
+}
+
+TEST_F(Views, TheSunHasTheColourOfItsElevation) {
+  for (const auto& [elevation, color] :
+       std::map<float, UIColor>{{6.01f, palette::kLumenquestYellow},
+                                {6.0f, palette::kGoldenHourLayerColor},
+                                {-4.0f, palette::kCivilTwiligthLayerColor},
+                                {-6.0f, palette::kNauticalTwilightLayerColor},
+                                {-12.0f, palette::kAstronomicalTwilightLayerColor},
+                                {-18.0f, palette::kNight}}) {
+    SunLightWidgetData data = Sun();
+    data.sunElevation = elevation;
+    for (const auto family : {kSmall, kMedium, kLarge}) {
+      EXPECT_EQ(ImageOf(SunView(data, In(family)), "sunIcon").color, view::Color(color))
+          << elevation;
+    }
+  }
+  // The marks of the rows keep those of their lights.
+  std::vector<view::Color> marks;
+  for (const view::Image& image : All<view::Image>(SunView(Sun(), In(kLarge)))) {
+    if (image.name == "lightTypeIcon") marks.push_back(image.color);
+  }
+  EXPECT_THAT(marks, ElementsAre(palette::kGoldenHourLayerColor, palette::kCivilTwiligthLayerColor,
+                                 palette::kAstronomicalTwilightLayerColor));
+}
+
+TEST_F(Views, SayWhatThereIsOfTheMoon) {
+  const Element small = MoonView(Moon(), In(kSmall));
+  EXPECT_EQ(textsOf(small), (Texts{"Bled", "First quarter (50.0%)", "13:40", kTomorrow}));
+  EXPECT_EQ(linksOf(small), Texts{"lumenquest://moon"});
+  EXPECT_FALSE(All<view::Picture>(small).empty());
+  EXPECT_EQ(
+      textsOf(MoonView(Moon(), In(kMedium))),
+      (Texts{"First quarter (50.0%)", "Bled", "<gc_visible_from>", "21:15",
+             "178° <cardinal_point_south_abbr>", "<gc_visible_to>", "00:25 <event_one_day_plus>",
+             "221° <cardinal_point_south_west_abbr>", "13:40", kTomorrow}));
+  EXPECT_EQ(linksOf(MoonView(Moon(), In(kMedium))), Texts{"lumenquest://moon"});
+
+  struct Case {
+    double rise;
+    double set;
+    Texts says;
+  };
+  const double hour = Mjd("2024-08-12T13:40:00Z");
+  const Case cases[] = {
+      {ephemeris::kMjdCircumpolar, ephemeris::kMjdCircumpolar, {"<body_circumpolar>"}},
+      {ephemeris::kMjdAlwaysInvisible, hour, {"<body_always_invisible>"}},
+      {ephemeris::kMjdNoRiseOrSet, ephemeris::kMjdNoRiseOrSet, {"<event_no_rise_set>"}},
+      {0.0, 0.0, {}},
+  };
+  for (const Case& c : cases) {
+    MoonWidgetData data = Moon();
+    data.mjdRise = c.rise;
+    data.mjdSet = c.set;
+    Texts expected{"Bled", "First quarter (50.0%)"};
+    expected.insert(expected.end(), c.says.begin(), c.says.end());
+    EXPECT_EQ(textsOf(MoonView(data, In(kSmall))), expected) << c.rise;
+  }
+  // Who wants to know which place it is sees that it is his own.
+  MoonWidgetData here = Moon();
+  here.locationData.isCurrentLocation = true;
+  EXPECT_EQ(imagesOf(MoonView(here, In(kSmall)))[0], "location.fill");
+}
+
+TEST_F(Views, SayWhenTheGalacticCentreIsSeen) {
+  const Element window = CentreView(Centre());
+  EXPECT_EQ(textsOf(window),
+            (Texts{"Bled", "<appwidget_milky_way>", "<gc_visibility_from>",
+                   "178° <cardinal_point_south_abbr>", "21:15", "<gc_visibility_to>",
+                   "221° <cardinal_point_south_west_abbr>", "00:25 <event_one_day_plus>"}));
+  // The band leans as it does in the sky.
+  std::vector<double> tilts;
+  for (const view::Image& image : All<view::Image>(window)) {
+    if (image.name == "galacticCenterIcon") tilts.push_back(image.rotation);
+  }
+  EXPECT_THAT(tilts, ElementsAre(20.0, 60.0));
+
+  GalacticCenterWidgetData later = Centre();
+  later.mjdVisibilityFrom = later.mjdVisibilityTo = ephemeris::kMjdNoRiseOrSet;
+  later.dateNextVisibility = Instant("2025-02-03T04:00:00Z");
+  EXPECT_EQ(textsOf(CentreView(later)),
+            (Texts{"Bled", "<appwidget_milky_way>", "Monday, 03/02/2025"}));
+  EXPECT_EQ(imagesOf(CentreView(later)), Texts{"gcNotVisibleUntilIcon"});
+  GalacticCenterWidgetData never = Centre();
+  never.mjdVisibilityFrom = never.mjdVisibilityTo = ephemeris::kMjdAlwaysInvisible;
+  EXPECT_EQ(textsOf(CentreView(never)),
+            (Texts{"Bled", "<appwidget_milky_way>", "<body_always_invisible>"}));
+  EXPECT_EQ(TextSaying(CentreView(never), "<body_always_invisible>").color,
+            named("contentPrimary"));
+}
+
+TEST_F(Views, ListPlans) {
+  const auto view = [](std::size_t count, const Environment& environment) {
+    PlansTimelineEntry entry = FourPlans();
+    entry.plans.resize(count);
+    return PlansWidgetEntryView(entry, environment);
+  };
+  const Texts rows{"Perseids", "12/08/2024, 23:30", "",      "13/08/2024, 23:30",
+                   "Bay",      "14/08/2024, 23:30", "Hills", "15/08/2024, 23:30"};
+  const Texts links{"lumenquest://plans", "lumenquest://plan?id=a%2F1", "lumenquest://plan?id=2",
+                    "lumenquest://plans", "lumenquest://plan?id=4"};
+  for (std::size_t count = 1; count <= 4; ++count) {
+    const Element small = view(count, In(kSmall));
+    const Element medium = view(count, In(kMedium));
+    const auto says = [&](std::size_t shown) {
+      Texts texts{"<appwidget_plans>"};
+      texts.insert(texts.end(), rows.begin(), rows.begin() + static_cast<long>(2 * shown));
+      return texts;
+    };
+    EXPECT_EQ(textsOf(small), says(std::min<std::size_t>(count, 2)));
+    EXPECT_EQ(textsOf(medium), says(count));
+    EXPECT_EQ(linksOf(small), Texts{"lumenquest://plans"});
+    EXPECT_EQ(linksOf(medium), Texts(links.begin(), links.begin() + static_cast<long>(1 + count)));
+    EXPECT_EQ(TextSaying(medium, "<appwidget_plans>").style.size, 12.0);
+    EXPECT_EQ(TextSaying(medium, "Perseids").style.size, 11.0);
+    EXPECT_EQ(TextSaying(medium, rows[1]).style.size, 11.0);
+  }
+  for (const auto family : {kSmall, kMedium}) {
+    EXPECT_EQ(textsOf(view(0, In(family))), (Texts{"<appwidget_plans>", "<plan_no_scheduled>"}));
+  }
+}
+
+TEST_F(Views, SayWhyThereIsNothing) {
+  for (const auto family : {kSmall, kMedium, kLarge}) {
+    for (const bool isDenied : {true, false}) {
+      SunLightWidgetData sun = Sun();
+      MoonWidgetData moon = Moon();
+      GalacticCenterWidgetData centre = Centre();
+      for (LocationWidgetData* data :
+           {&sun.locationData, &moon.locationData, &centre.locationData}) {
+        data->withError = true;  // denied comes first
+        if (isDenied) data->authorizationStatus = CLAuthorizationStatus::denied;
+      }
+      const Texts says{isDenied ? "<location_denied_error_message_ios>" : "<location_timeout>"};
+      const Texts shows{isDenied ? "disabledLocationIcon" : "location.fill"};
+      for (const Element& view :
+           {// Without a place the large widget's entry has no records of the Moon.
+            SunLightWidgetEntryView({{}, sun, {}, {}, {}}, In(family)), MoonView(moon, In(family)),
+            CentreView(centre)}) {
+        EXPECT_EQ(textsOf(view), says);
+        EXPECT_EQ(imagesOf(view), shows);
+        if (isDenied) {
+          EXPECT_EQ(TextSaying(view, says[0]).style.size, 11.0);
+        } else {
+          EXPECT_EQ(ImageOf(view, shows[0]).size, (platform::CGSize{10, 10}));
+        }
+      }
+      EXPECT_EQ(linksOf(SunLightWidgetEntryView({{}, sun, {}, {}, {}}, In(family))),
+                Texts{"lumenquest://sun"});
+    }
+  }
+}
+
+TEST_F(Views, EmptyRecordsShowNoNonsense) {
+  LocationWidgetData allowed = Bled();
+  allowed.address.reset();
+  SunLightWidgetData sun;
+  MoonWidgetData moon;
+  GalacticCenterWidgetData centre;
+  sun.locationData = moon.locationData = centre.locationData = allowed;
+  EXPECT_THAT(textsOf(SunView(sun, In(kSmall))), ElementsAre(""));
+  EXPECT_THAT(textsOf(MoonView(moon, In(kSmall))), ElementsAre(""));
+  EXPECT_THAT(textsOf(CentreView(centre)), ElementsAre("<appwidget_milky_way>"));
+}
+
+TEST_F(Views, TheLargeFamilyNeedsItsRecords) {
+  const SunTimelineEntry noMoon{{}, Sun(), {}, Centre(), {}};
+  const SunTimelineEntry noCentre{{}, Sun(), Moon(), {}, {}};
+  EXPECT_DEATH(SunLightWidgetEntryView(noMoon, In(kLarge)), "moonData != nullptr.*sun_views.cpp");
+  EXPECT_DEATH(SunLightWidgetEntryView(noCentre, In(kLarge)), "gcData != nullptr.*sun_views.cpp");
+  EXPECT_FALSE(textsOf(SunLightWidgetEntryView(noCentre, In(kMedium))).empty());
+}
+
+/// The colours behind things, from the back.
+std::vector<view::Color> Grounds(const Element& view) {
+  std::vector<view::Color> fills;
+  for (const view::Background& background : All<view::Background>(view)) {
+    fills.push_back(background.fill);
+  }
+  return fills;
+}
+
+TEST_F(Views, TintedOnesHaveNoGrounds) {
+  using Make = std::function<Element(const Environment&)>;
+  struct Case {
+    Make make;
+    WidgetFamily family;
+    std::vector<view::Color> grounds;
+  };
+  const view::Color widget = named("WidgetBackground"), first = named("backgroundPrimary"),
+                    second = named("backgroundSecondary");
+  SunLightWidgetData denied = Sun();
+  denied.locationData.authorizationStatus = CLAuthorizationStatus::denied;
+  const Case cases[] = {
+      {[](const Environment& e) { return SunView(Sun(), e); }, kSmall, {widget, first}},
+      {[](const Environment& e) { return SunView(Sun(), e); }, kMedium, {widget, first}},
+      {[](const Environment& e) { return SunView(Sun(), e); }, kLarge, {widget, first, second}},
+      {[&](const Environment& e) { return SunView(denied, e); }, kLarge, {widget}},
+      {[](const Environment& e) { return MoonView(Moon(), e); }, kSmall, {widget, first}},
+      {[](const Environment& e) { return MoonView(Moon(), e); }, kMedium, {widget, first}},
+      {[](const Environment& e) {
+         return GalacticCenterWidgetEntryView({{}, Centre(), {}}, e);
+       },
+       kSmall,
+       {widget, first}},
+      {[](const Environment& e) { return PlansWidgetEntryView(FourPlans(), e); },
+       kMedium,
+       {widget, first}},
+  };
+  for (const Case& c : cases) {
+    Environment environment = In(c.family);
+    const Texts says = textsOf(c.make(environment));
+    EXPECT_EQ(Grounds(c.make(environment)), c.grounds);
+    environment.renderingMode = WidgetRenderingMode::accented;
+    EXPECT_THAT(Grounds(c.make(environment)), IsEmpty());
+    EXPECT_EQ(textsOf(c.make(environment)), says);
+    // Older systems know no such mode.
+    environment.system = {17, 6};
+    EXPECT_EQ(Grounds(c.make(environment)), c.grounds);
+  }
+}
+
+TEST_F(Views, TintedOnesAreDrawnInWhiteAndTheAccent) {
+  Environment environment = In(kLarge);
+  environment.renderingMode = WidgetRenderingMode::accented;
+  environment.accent = {0.2, 0.9, 0.4, 1.0};
+  BlockLetters letters;
+  FewAssets assets;
+  Recorder canvas;
+  draw(SunView(Sun(), environment), view::sizeOf(kLarge), environment, letters, assets, canvas);
+  ASSERT_FALSE(canvas.words.empty());
+  for (const auto& word : canvas.words) {
+    EXPECT_EQ(word.color.withAlpha(1.0), (UIColor{1, 1, 1, 1})) << word.text;
+  }
+  // But for the Moon's shadow, which is black.
+  for (const auto& fill : canvas.fills) {
+    const UIColor opaque = fill.color.withAlpha(1.0);
+    EXPECT_TRUE(opaque == environment.accent || opaque == (UIColor{1, 1, 1, 1}) ||
+                opaque == (UIColor{0, 0, 0, 1}))
+        << opaque.red << ' ' << opaque.green << ' ' << opaque.blue;
+  }
+}
+
+}  // namespace
+}  // namespace lumenquest::widgets
