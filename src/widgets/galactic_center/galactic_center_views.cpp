@@ -8,37 +8,29 @@ namespace lumenquest::widgets {
 
 using namespace view;
 
-namespace {
-
-/// An end of the window, with the band where there is room for it.
-Element WindowEnd(const GCRiseSetTime& end, WidgetFamily family, bool hasBand) {
+Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool hasBand,
+                          double captionSize) {
   constexpr double kSmallBand = 18.0;
   constexpr double kLargeBand = 30.0;
-  constexpr double kAzimuthColumn = 52.0;
+  const double azimuthColumn = captionSize < kCaption ? 44.0 : 52.0;
   const bool isSmall = family == WidgetFamily::systemSmall;
   const Element band = image("galacticCenterIcon", isSmall ? kLargeBand : kSmallBand) |
                        rotated(end.bandTilt) | color(named("accent")) | accented();
   const Element time = text(end.time) | monospacedDigits() | minScale(kLeastScale) |
                        font(isSmall ? kHeadline : kBody, platform::FontWeight::semibold);
-  const Element azimuth = caption(end.azimuth) | monospacedDigits();
+  const Element azimuth = caption(end.azimuth) | font(captionSize) | monospacedDigits();
+  const Element title = caption(end.title) | font(captionSize);
   Elements parts;
   if (hasBand) parts.push_back(band);
   if (isSmall) {
-    parts.push_back(
-        vstack({hstack({caption(end.title), spacer(kGap), azimuth}), time}, 0.0, Alignment::start) |
-        fillWidth());
+    parts.push_back(vstack({hstack({title, spacer(kGap), azimuth}), time}, 0.0, Alignment::start) |
+                    fillWidth());
     return hstack(std::move(parts), 2.0 * kGap);
   }
   parts.insert(parts.end(),
-               {caption(end.title), spacer(kGap), time,
-                hasBand ? azimuth | frameWidth(kAzimuthColumn, Alignment::end) : azimuth});
+               {title, spacer(kGap), time,
+                hasBand ? azimuth | frameWidth(azimuthColumn, Alignment::end) : azimuth});
   return hstack(std::move(parts), kGap);
-}
-
-}  // namespace
-
-Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family) {
-  return WindowEnd(end, family, true);
 }
 
 Element GalacticCenterNotVisibleUntilView(const std::string& words) {
@@ -59,14 +51,17 @@ Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family
   const double gap = family == WidgetFamily::systemSmall ? 1.5 * kGap : kGap;
   Elements lines;
   if (!content.window.empty()) {
-    const auto window = [&](bool hasBand) {
+    constexpr double kDenseCaption = 9.0;
+    const auto window = [&](bool hasBand, double captionSize) {
       Elements ends;
       for (const GCRiseSetTime& end : content.window) {
-        ends.push_back(WindowEnd(end, family, hasBand));
+        ends.push_back(GCRiseSetTimeView(end, family, hasBand, captionSize));
       }
       return vstack(std::move(ends), gap, Alignment::start);
     };
-    lines.push_back(firstThatFits(Axis::horizontal, {window(true), window(false)}));
+    lines.push_back(firstThatFits(
+        Axis::horizontal,
+        {window(true, kCaption), window(true, kDenseCaption), window(false, kCaption)}));
   }
   if (!content.notVisibleUntil.empty()) {
     lines.push_back(GalacticCenterNotVisibleUntilView(content.notVisibleUntil));

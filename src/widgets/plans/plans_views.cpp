@@ -19,7 +19,7 @@ Element Row(const PlanRow& row, int nameLines) {
                                1.0, Alignment::start);
   const Element line =
       hstack({shape(named("accent"), kBar) | accented() | frame(kBar, kBarHeight), texts},
-             2.0 * kGap) |
+             2.0 * kGap, Alignment::start) |
       fillWidth();
   return row.link.empty() ? line : line | link(row.link);
 }

@@ -102,7 +102,7 @@ Element SunInfoViewMedium(const SunLightWidgetData& sunData, WidgetFamily family
                   gap);
   };
   return fromWidth(kRoomyWidth, columns(1.55, 100.0, kContentInset, 1.5 * kGap),
-                   columns(1.2, 70.0, 2.0 * kGap, kGap));
+                   columns(1.2, 76.0, 2.0 * kGap, kGap));
 }
 
 Element SunInfoViewLarge(const SunLightWidgetData& sunData, const MoonWidgetData& moonData,

@@ -12,8 +12,9 @@ view::Element GalacticCenterWidgetEntryView(const GalacticCenterTimelineEntry& e
 /// Tonight's window, the next visible date, or that the centre is never seen; in the large family
 /// the moonless hours under it.
 view::Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family);
-/// One end of the window, with a hint of how the galactic band leans then.
-view::Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family);
+/// One end of the window, where there is room with a hint of how the galactic band leans then.
+view::Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool hasBand,
+                                double captionSize);
 view::Element GalacticCenterNotVisibleUntilView(const std::string& text);
 view::Element MoonlessHoursView(const std::string& title, const std::string& hours);
 
