@@ -1,6 +1,10 @@
 #include "app/runtime.h"
 
 #include <filesystem>
+#include <fstream>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -21,6 +25,7 @@
 #include "adapters/system_time_zones.h"
 #include "adapters/uuids.h"
 #include "adapters/xdg_file_manager.h"
+#include "app/option_values.h"
 #include "platform/localized_strings.h"
 
 namespace lumenquest::app {
@@ -65,6 +70,29 @@ std::optional<std::string> settingsError() {
 
 std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale) {
   return std::make_unique<adapters::Gazetteer>(resourceFolder() + "/gazetteer.sqlite", locale);
+}
+
+std::optional<platform::CLLocationCoordinate2D> configuredPosition() {
+  const auto folderOf = [](const char* variable) {
+    const char* const value = std::getenv(variable);
+    return std::filesystem::path(value != nullptr ? value : "");
+  };
+  std::filesystem::path folder = folderOf("XDG_CONFIG_HOME");
+  if (!folder.is_absolute()) folder = folderOf("HOME") / ".config";
+  const std::filesystem::path file = folder / "lumenquest" / "position.json";
+  std::error_code error;
+  if (!folder.is_absolute() || !std::filesystem::exists(file, error)) return std::nullopt;
+  std::ifstream stream(file);
+  const auto json = nlohmann::json::parse(stream, nullptr, false);
+  const auto number = [&](const char* name) {
+    const auto found = json.is_object() ? json.find(name) : json.end();
+    return found != json.end() && found->is_number() ? found->get<double>()
+                                                     : std::numeric_limits<double>::quiet_NaN();
+  };
+  const platform::CLLocationCoordinate2D position{number("latitude"), number("longitude")};
+  if (position.isValid()) return position;
+  throw std::runtime_error(
+      platform::stringWithFormat(appText("error_position_file"), {file.string()}));
 }
 
 void installServices(const RuntimeOptions& options) {

@@ -167,6 +167,8 @@ WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* set
       ParseChoice<bool>("--settings", settings, {{"shared", false}, {"memory", true}}, false);
   if (options.here) {
     runtime.here = parseCoordinate("--here", *options.here).coordinate;
+  } else {
+    runtime.here = configuredPosition();
   }
   // One moment for all values when it is given; else time goes on while the host waits.
   if (options.at) {

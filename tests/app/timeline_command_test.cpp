@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
@@ -14,6 +15,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 using testing::Call;
 using testing::DataFolder;
+using testing::Folder;
 using testing::Result;
 
 Result CallTimeline(std::vector<std::string> arguments) {
@@ -115,6 +117,20 @@ TEST(Timeline, TheSharedSettingsKeepTheLastPlace) {
   Call({"settings", "set", "today_extension_address", "My camp"});
   EXPECT_EQ(sun({"--latitude", "38.575", "--longitude", "-109.55"}).at("address"), "My camp");
 
+  // A device that never moves says where it is in its configuration.
+  {
+    const Folder configuration;
+    setenv("XDG_CONFIG_HOME", configuration.path().c_str(), 1);
+    const std::string folder = configuration.path() + "/lumenquest";
+    std::filesystem::create_directory(folder);
+    std::ofstream(folder + "/position.json") << R"({"latitude": 46.3625, "longitude": 14.0936})";
+    EXPECT_EQ(sun({"--settings", "memory"}).at("address"), "Bled");
+    std::ofstream(folder + "/position.json") << R"({"latitude": 96, "longitude": 14})";
+    const Result wrong = Call({"timeline", "sun", "--settings", "memory"});
+    EXPECT_EQ(wrong.code, 1);
+    EXPECT_NE(wrong.err.find(folder), std::string::npos) << wrong.err;
+    setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
+  }
   // Where there is no location service the last place serves, and without one the entry says so.
   setenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent", 1);
   EXPECT_EQ(sun({}).at("address"), "My camp");

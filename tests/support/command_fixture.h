@@ -26,6 +26,9 @@ class Folder {
   std::string path_;
 };
 
+/// The user's own configuration stays out of the tests.
+inline const int kNoConfiguration = setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
+
 /// A data folder of the test's own, for settings and plans; the user's stay out of the tests.
 class DataFolder : public Folder {
  public:

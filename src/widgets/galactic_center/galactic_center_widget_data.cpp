@@ -19,6 +19,12 @@ using platform::kTableEphemeris;
 using platform::localizedString;
 using platform::stringWithFormat;
 
+namespace {
+
+bool IsInstant(double mjd) { return mjd != 0.0 && events::EphemerisUtils::drawEventAtMjd(mjd); }
+
+}  // namespace
+
 GalacticCenterWidgetData::GalacticCenterWidgetData(const RecordSources& sources)
     : locationData(sources.locationData()) {
   const events::WidgetAstrolib* const calculator = sources.calculator;
@@ -30,18 +36,16 @@ GalacticCenterWidgetData::GalacticCenterWidgetData(const RecordSources& sources)
   visibilityToAngle = calculator->gcVisibilityEndAngle * ephemeris::kRadiansToDegrees;
   moonlessHours = calculator->moonlessHours;
   dateNextVisibility = calculator->dateNextVisiblity;
-  if (const auto& location = calculator->currentLocation(); location && hasWindow()) {
-    visibilityFromAzimuth = events::MilkyWay::azimuthOfGalacticCenter(*location, mjdVisibilityFrom);
-    visibilityToAzimuth = events::MilkyWay::azimuthOfGalacticCenter(*location, mjdVisibilityTo);
+  if (const auto& location = calculator->currentLocation()) {
+    const auto azimuthAt = [&](double mjd) {
+      return IsInstant(mjd) ? events::MilkyWay::azimuthOfGalacticCenter(*location, mjd) : 0.0;
+    };
+    visibilityFromAzimuth = azimuthAt(mjdVisibilityFrom);
+    visibilityToAzimuth = azimuthAt(mjdVisibilityTo);
   }
 }
 
-bool GalacticCenterWidgetData::hasWindow() const {
-  const auto isInstant = [](double mjd) {
-    return mjd != 0.0 && events::EphemerisUtils::drawEventAtMjd(mjd);
-  };
-  return isInstant(mjdVisibilityFrom) && isInstant(mjdVisibilityTo);
-}
+bool GalacticCenterWidgetData::hasWindow() const { return IsInstant(mjdVisibilityFrom); }
 
 namespace {
 
@@ -78,7 +82,9 @@ GCVisibilityContent gcVisibilityContent(const GalacticCenterWidgetData& data, Wi
          AzimuthText(data.visibilityFromAzimuth), data.visibilityFromAngle},
         {false, title("gc_visibility_to", "gc_visible_to"),
          eventTimeText(data.mjdVisibilityTo, data.mjdTomorrowAt0, data.locationData),
-         AzimuthText(data.visibilityToAzimuth), data.visibilityToAngle}};
+         // A window without an end has no direction there.
+         IsInstant(data.mjdVisibilityTo) ? AzimuthText(data.visibilityToAzimuth) : std::string(),
+         data.visibilityToAngle}};
   } else if (data.dateNextVisibility) {
     content.notVisibleUntil = NextVisibleText(data);
   } else if (data.mjdVisibilityFrom != 0.0) {  // a record without values says nothing
@@ -94,10 +100,10 @@ GCVisibilityContent gcVisibilityContent(const GalacticCenterWidgetData& data, Wi
 std::string moonlessHoursText(float moonlessHours) {
   // Single precision throughout, as the record has it.
   constexpr float kBeyondInteger = 9223372036854775808.0f;
-  LUMENQUEST_ASSERT(std::isfinite(moonlessHours) && std::fabs(moonlessHours) < kBeyondInteger);
+  LUMENQUEST_ASSERT(moonlessHours >= -kBeyondInteger && moonlessHours < kBeyondInteger);
   const auto hours = static_cast<std::int64_t>(moonlessHours);
   const float rounded = std::round((moonlessHours - static_cast<float>(hours)) * 60.0f);
-  LUMENQUEST_ASSERT(std::isfinite(rounded) && std::fabs(rounded) < kBeyondInteger);
+  LUMENQUEST_ASSERT(rounded >= -kBeyondInteger && rounded < kBeyondInteger);
   const auto minutes = static_cast<std::int64_t>(rounded);
   const std::string hourUnit = localizedString("unit_abbr_hour", kTableCommon);
   const std::string minuteUnit = localizedString("unit_abbr_minute", kTableCommon);

@@ -25,6 +25,12 @@ std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale);
 /// a widget, which reads it.
 enum class StoreRole { reader, owner };
 
+/// Where the device is by the user's configuration, for devices that never move and have no
+/// location service: `lumenquest/position.json` in $XDG_CONFIG_HOME (else ~/.config), {"latitude":
+/// 46.36, "longitude": 14.09}. Absent: there is no such file. Throws std::runtime_error when it
+/// says something else.
+std::optional<platform::CLLocationCoordinate2D> configuredPosition();
+
 /// Which adapters to install.
 struct RuntimeOptions {
   /// An ICU identifier.
