@@ -17,6 +17,7 @@ if(LUMENQUEST_SANITIZE)
   target_compile_options(lumenquest_options INTERFACE ${sanitizers}
     # The sanitizers' instrumentation makes GCC see uninitialised values where there are none.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+  target_compile_definitions(lumenquest_options INTERFACE LUMENQUEST_SANITIZED)
   target_link_options(lumenquest_options INTERFACE ${sanitizers})
 endif()
 

@@ -9,6 +9,13 @@
 #include "platform/assertion.h"
 #include "text_setting.h"
 
+#ifdef LUMENQUEST_SANITIZED
+/// Fontconfig keeps the parts of its patterns by offsets, not pointers, so that what it holds looks
+/// lost to the sanitizer.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions() { return "leak:libfontconfig\n"; }
+#endif
+
 namespace lumenquest::adapters {
 
 namespace {

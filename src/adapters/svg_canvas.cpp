@@ -275,9 +275,8 @@ std::string SvgCanvas::PaintAttributes(const std::string& name, const Paint& pai
 void SvgCanvas::save() { Push(Kind::save, ""); }
 
 void SvgCanvas::restore() {
-  while (!open_.empty() &&
-         (open_.back().kind == Kind::transform || open_.back().kind == Kind::clip))
-    Pop();
+  const auto isBetween = [](Kind kind) { return kind == Kind::transform || kind == Kind::clip; };
+  while (!open_.empty() && isBetween(open_.back().kind)) Pop();
   End(Kind::save);
 }
 
