@@ -10,23 +10,28 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Absent when neither variable says where; a relative path counts as unset.
-std::optional<fs::path> DataFolder() {
-  const auto absolutePath = [](const char* variable) {
-    const char* value = std::getenv(variable);
+/// Our folder in the one that a variable names, else in one of the user's home. Absent when neither
+/// says where; a relative path counts as unset.
+std::optional<fs::path> OwnFolder(const char* variable, const char* inHome) {
+  const auto absolutePath = [](const char* name) {
+    const char* value = std::getenv(name);
     const fs::path path = value != nullptr ? value : "";
     return path.is_absolute() ? path : fs::path();
   };
-  if (const fs::path data = absolutePath("XDG_DATA_HOME"); !data.empty()) {
-    return data / "lumenquest";
+  if (const fs::path folder = absolutePath(variable); !folder.empty()) {
+    return folder / "lumenquest";
   }
   if (const fs::path home = absolutePath("HOME"); !home.empty()) {
-    return home / ".local" / "share" / "lumenquest";
+    return home / inHome / "lumenquest";
   }
   return std::nullopt;
 }
 
+std::optional<fs::path> DataFolder() { return OwnFolder("XDG_DATA_HOME", ".local/share"); }
+
 }  // namespace
+
+std::optional<fs::path> configurationFolder() { return OwnFolder("XDG_CONFIG_HOME", ".config"); }
 
 XdgFileManager::XdgFileManager(fs::path resourceFolder)
     : resourceFolder_(std::move(resourceFolder)) {}

@@ -142,7 +142,7 @@ CommandSet::CommandSet() : implementation_(std::make_unique<Implementation>()) {
 CommandSet::~CommandSet() = default;
 
 void CommandSet::Add(const char* name, const CommandHelp& help,
-                     std::initializer_list<OptionSpec> options, Action action) {
+                     const std::vector<OptionSpec>& options, Action action) {
   Add(implementation_->root, name, help, options, std::move(action));
 }
 
@@ -151,7 +151,7 @@ CommandSet::Command& CommandSet::AddGroup(const char* name, const CommandHelp& h
 }
 
 void CommandSet::Add(Command& group, const char* name, const CommandHelp& help,
-                     std::initializer_list<OptionSpec> options, Action action) {
+                     const std::vector<OptionSpec>& options, Action action) {
   Command& command = implementation_->Add(group, name, help);
   for (const OptionSpec& option : options) command.AddOption(option);
   command.action = std::move(action);

@@ -255,14 +255,7 @@ std::string RunGallery(const GalleryOptions& options) {
     throw UsageError(
         stringWithFormat(appText("error_missing_option"), {"DIR", appText("expect_folder")}));
   }
-  double scale = 2.0;
-  if (options.scale) {
-    const auto given = parseNumber(*options.scale);
-    if (!given || !(*given >= 1.0 && *given <= 4.0)) {
-      throwBadOption("--scale", *options.scale, "expect_scale");
-    }
-    scale = *given;
-  }
+  const double scale = parseScale(options.scale);
   const std::filesystem::path folder = *options.folder;
   makeFolder(folder);
 
@@ -306,7 +299,7 @@ void addGalleryCommand(CommandSet& commands) {
   GalleryOptions& o = commands.Keep<GalleryOptions>();
   commands.Add("gallery", {"help_usage_gallery", "help_gallery", "help_gallery_examples"},
                {{"DIR", "", "help_folder", "expect_folder", &o.folder},
-                {"--scale", "1..4", "help_scale", "expect_scale", &o.scale},
+                scaleOption(o.scale),
                 localeOption(o.locale)},
                [&o] { return RunGallery(o); });
 }

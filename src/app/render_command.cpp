@@ -1,9 +1,11 @@
 #include <cmath>
 #include <filesystem>
+#include <iterator>
 #include <stdexcept>
 
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
+#include "app/gallery.h"
 #include "app/widget_picture.h"
 #include "platform/localized_strings.h"
 
@@ -45,13 +47,6 @@ platform::CGSize ParseSize(const OptionText& text, widgets::WidgetFamily family)
   throwBadOption("--size", *text, "expect_size");
 }
 
-double ParseScale(const OptionText& text) {
-  if (!text) return 2.0;
-  const auto scale = parseNumber(*text);
-  if (!scale || !(*scale >= 1.0 && *scale <= 4.0)) throwBadOption("--scale", *text, "expect_scale");
-  return *scale;
-}
-
 PictureFormat FormatOf(const OptionText& file) {
   if (!file) {
     throw UsageError(stringWithFormat(appText("error_missing_option"),
@@ -85,7 +80,7 @@ view::Environment ParseEnvironment(const RenderOptions& options, const std::stri
 std::string Rendered(const WidgetRequest& request, view::Environment environment,
                      PictureFormat format, const RenderOptions& options) {
   PictureOptions picture;
-  picture.scale = ParseScale(options.scale);
+  picture.scale = parseScale(options.scale);
   picture.size = ParseSize(options.size, request.family);
   for (const auto& widget : widgets::LumenquestWidgets::configurations()) {
     if (widget.kind == request.kind) picture.title = widget.displayName;
@@ -128,7 +123,7 @@ std::string RunRender(const RenderOptions& given) {
     options.widget.kind = widgets::LumenquestWidgets::configurations().front().kind;
   }
   const PictureFormat format = isAll ? PictureFormat::png : FormatOf(options.output);
-  ParseScale(options.scale);
+  parseScale(options.scale);
   const view::Environment environment =
       ParseEnvironment(options, checkedLocale(options.widget.locale));
   const WidgetRequest request = prepareWidgetRequest(options.widget, "memory");
@@ -142,32 +137,18 @@ std::string RunRender(const RenderOptions& given) {
 
 }  // namespace
 
-void addGalleryCommand(CommandSet& commands);
-
 void addPictureCommands(CommandSet& commands) {
   RenderOptions& o = commands.Keep<RenderOptions>();
-  WidgetOptions& w = o.widget;
-  commands.Add(
-      "render", {"help_usage_render", "help_render", "help_render_examples"},
-      {{"KIND", "", "help_kind", "expect_kind", &w.kind},
-       {"--family", "small|medium|large", "help_family", "expect_family", &w.family},
-       placeOption(w.place.place),
-       latitudeOption(w.place.latitude),
-       longitudeOption(w.place.longitude),
-       {"--my-location", "", "help_my_location", nullptr, &w.myLocation},
-       {"--here", "LAT,LON", "help_here", "expect_coordinate", &w.here},
-       {"--settings", "memory|shared", "help_settings_kind_memory", "expect_settings_kind",
-        &w.settings},
-       {"--theme", "system|dark|light", "help_theme", "expect_theme", &w.theme},
-       {"--request", "timeline|snapshot|placeholder", "help_request", "expect_request", &w.request},
-       {"--scheme", "light|dark", "help_scheme", "expect_scheme", &o.scheme},
-       {"--rendering", "full|accented", "help_rendering", "expect_rendering", &o.rendering},
-       {"--scale", "1..4", "help_scale", "expect_scale", &o.scale},
-       {"--size", "WxH", "help_size", "expect_size", &o.size},
-       {"-o,--output", "FILE", "help_output", "expect_picture_file", &o.output},
-       atOption(w.at),
-       localeOption(w.locale)},
-      [&o] { return RunRender(o); });
+  std::vector<OptionSpec> specs = widgetOptionSpecs(o.widget, "help_settings_kind_memory");
+  const OptionSpec own[] = {
+      {"--scheme", "light|dark", "help_scheme", "expect_scheme", &o.scheme},
+      {"--rendering", "full|accented", "help_rendering", "expect_rendering", &o.rendering},
+      scaleOption(o.scale),
+      {"--size", "WxH", "help_size", "expect_size", &o.size},
+      {"-o,--output", "FILE", "help_output", "expect_picture_file", &o.output}};
+  specs.insert(specs.end(), std::begin(own), std::end(own));
+  commands.Add("render", {"help_usage_render", "help_render", "help_render_examples"}, specs,
+               [&o] { return RunRender(o); });
   addGalleryCommand(commands);
 }
 

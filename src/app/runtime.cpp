@@ -73,15 +73,11 @@ std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale) {
 }
 
 std::optional<platform::CLLocationCoordinate2D> configuredPosition() {
-  const auto folderOf = [](const char* variable) {
-    const char* const value = std::getenv(variable);
-    return std::filesystem::path(value != nullptr ? value : "");
-  };
-  std::filesystem::path folder = folderOf("XDG_CONFIG_HOME");
-  if (!folder.is_absolute()) folder = folderOf("HOME") / ".config";
-  const std::filesystem::path file = folder / "lumenquest" / "position.json";
+  const auto folder = adapters::configurationFolder();
+  if (!folder) return std::nullopt;
+  const std::filesystem::path file = *folder / "position.json";
   std::error_code error;
-  if (!folder.is_absolute() || !std::filesystem::exists(file, error)) return std::nullopt;
+  if (!std::filesystem::exists(file, error)) return std::nullopt;
   std::ifstream stream(file);
   const auto json = nlohmann::json::parse(stream, nullptr, false);
   const auto number = [&](const char* name) {

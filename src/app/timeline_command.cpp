@@ -164,23 +164,10 @@ std::string RunWidgets(const WidgetsOptions& options) {
 
 void addWidgetCommands(CommandSet& commands) {
   TimelineOptions& o = commands.Keep<TimelineOptions>();
-  WidgetOptions& w = o.widget;
-  commands.Add(
-      "timeline", {"help_usage_timeline", "help_timeline", "help_timeline_examples"},
-      {{"KIND", "", "help_kind", "expect_kind", &w.kind},
-       {"--family", "small|medium|large", "help_family", "expect_family", &w.family},
-       placeOption(w.place.place),
-       latitudeOption(w.place.latitude),
-       longitudeOption(w.place.longitude),
-       {"--my-location", "", "help_my_location", nullptr, &w.myLocation},
-       {"--here", "LAT,LON", "help_here", "expect_coordinate", &w.here},
-       {"--settings", "shared|memory", "help_settings_kind", "expect_settings_kind", &w.settings},
-       {"--theme", "system|dark|light", "help_theme", "expect_theme", &w.theme},
-       {"--request", "timeline|snapshot|placeholder", "help_request", "expect_request", &w.request},
-       atOption(w.at),
-       localeOption(w.locale),
-       formatOption(o.format)},
-      [&o] { return RunTimeline(o); });
+  std::vector<OptionSpec> specs = widgetOptionSpecs(o.widget, "help_settings_kind");
+  specs.push_back(formatOption(o.format));
+  commands.Add("timeline", {"help_usage_timeline", "help_timeline", "help_timeline_examples"},
+               specs, [&o] { return RunTimeline(o); });
   WidgetsOptions& list = commands.Keep<WidgetsOptions>();
   commands.Add("widgets", {"help_usage_widgets", "help_widgets", "help_widgets_examples"},
                {localeOption(list.locale), formatOption(list.format)},

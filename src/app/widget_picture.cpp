@@ -83,6 +83,17 @@ void writePicture(const std::string& file, const std::string& contents) {
   }
 }
 
+double parseScale(const OptionText& text) {
+  if (!text) return 2.0;
+  const auto scale = parseNumber(*text);
+  if (!scale || !(*scale >= 1.0 && *scale <= 4.0)) throwBadOption("--scale", *text, "expect_scale");
+  return *scale;
+}
+
+OptionSpec scaleOption(OptionText& value) {
+  return {"--scale", "1..4", "help_scale", "expect_scale", &value};
+}
+
 void makeFolder(const std::filesystem::path& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);

@@ -144,6 +144,23 @@ const char* nameOf(WidgetFamily family) {
   return "systemLarge";
 }
 
+std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* settingsHelpKey) {
+  return {
+      {"KIND", "", "help_kind", "expect_kind", &options.kind},
+      {"--family", "small|medium|large", "help_family", "expect_family", &options.family},
+      placeOption(options.place.place),
+      latitudeOption(options.place.latitude),
+      longitudeOption(options.place.longitude),
+      {"--my-location", "", "help_my_location", nullptr, &options.myLocation},
+      {"--here", "LAT,LON", "help_here", "expect_coordinate", &options.here},
+      {"--settings", "shared|memory", settingsHelpKey, "expect_settings_kind", &options.settings},
+      {"--theme", "system|dark|light", "help_theme", "expect_theme", &options.theme},
+      {"--request", "timeline|snapshot|placeholder", "help_request", "expect_request",
+       &options.request},
+      atOption(options.at),
+      localeOption(options.locale)};
+}
+
 WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* settingsByDefault) {
   RuntimeOptions runtime;
   runtime.locale = checkedLocale(options.locale);

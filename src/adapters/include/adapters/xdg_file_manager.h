@@ -9,6 +9,10 @@
 
 namespace lumenquest::adapters {
 
+/// The user's folder for our configuration, `$XDG_CONFIG_HOME/lumenquest` (`~/.config/lumenquest`
+/// by default), whether it is there or not; absent when the user has none.
+std::optional<std::filesystem::path> configurationFolder();
+
 /// Folders below the user's data folder, `$XDG_DATA_HOME/lumenquest` (`~/.local/share/lumenquest`
 /// by default), and the bundle's models. Makes no folder.
 class XdgFileManager final : public platform::FileManager {

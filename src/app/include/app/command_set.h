@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -48,12 +47,12 @@ class CommandSet {
 
   /// A command whose options write to where `options` points, which has to outlive this set;
   /// Keep() sees to that.
-  void Add(const char* name, const CommandHelp& help, std::initializer_list<OptionSpec> options,
+  void Add(const char* name, const CommandHelp& help, const std::vector<OptionSpec>& options,
            Action action);
   /// A command that holds others.
   Command& AddGroup(const char* name, const CommandHelp& help);
   void Add(Command& group, const char* name, const CommandHelp& help,
-           std::initializer_list<OptionSpec> options, Action action);
+           const std::vector<OptionSpec>& options, Action action);
 
   /// A record for option values that lives as long as the set.
   template <typename Options>

@@ -26,4 +26,7 @@ struct Section {
 /// a locale, with settings of their own.
 std::vector<Section> exhibition(const std::string& locale);
 
+/// `lumenquest gallery`
+void addGalleryCommand(CommandSet& commands);
+
 }  // namespace lumenquest::app

@@ -18,6 +18,10 @@ void drawWidget(const widgets::view::Element& view, platform::CGSize size,
 
 enum class PictureFormat { png, svg };
 
+/// Pixels a point, from 1 to 4; nothing given: 2. Throws UsageError.
+double parseScale(const OptionText& text);
+OptionSpec scaleOption(OptionText& value);
+
 struct PictureOptions {
   platform::CGSize size;
   /// Pixels a point, of a PNG.

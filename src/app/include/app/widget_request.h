@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "app/command_set.h"
 #include "app/places_command.h"
@@ -26,6 +27,10 @@ struct WidgetOptions {
   OptionText request;
   OptionText system;
 };
+
+/// The options of such a request, as a command has them. `settingsHelpKey` says which settings are
+/// used when none are named.
+std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* settingsHelpKey);
 
 /// The entry of any widget.
 using AnyEntry = std::variant<widgets::SunTimelineEntry, widgets::MoonTimelineEntry,

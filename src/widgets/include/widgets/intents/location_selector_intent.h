@@ -2,11 +2,10 @@
 
 #include <optional>
 
-#include "platform/ns_user_activity.h"
 #include "widgets/intents/enum.h"
 #include "widgets/intents/intent.h"
 #include "widgets/intents/intent_placemark.h"
-#include "widgets/intents/raw_value.h"
+#include "widgets/intents/intent_response.h"
 
 namespace lumenquest::widgets {
 
@@ -17,24 +16,7 @@ struct LocationSelectorIntent final : Intent {
   Enum theme = Enum::unknown;
 };
 
-/// How an intent was taken. fromRawValue<LocationSelectorIntentResponseCode>() reads a stored one.
-enum class LocationSelectorIntentResponseCode : int {
-  unspecified = 0,
-  ready = 1,
-  continueInApp = 2,
-  inProgress = 3,
-  success = 4,
-  failure = 5,
-  failureRequiringAppLaunch = 6,
-};
-constexpr LocationSelectorIntentResponseCode lastValue(LocationSelectorIntentResponseCode) {
-  return LocationSelectorIntentResponseCode::failureRequiringAppLaunch;
-}
-
-struct LocationSelectorIntentResponse {
-  LocationSelectorIntentResponseCode code = LocationSelectorIntentResponseCode::unspecified;
-  /// For the application to go on from there.
-  std::optional<platform::NSUserActivity> userActivity;
-};
+using LocationSelectorIntentResponseCode = IntentResponseCode;
+using LocationSelectorIntentResponse = IntentResponse;
 
 }  // namespace lumenquest::widgets
