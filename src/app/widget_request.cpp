@@ -128,6 +128,11 @@ host::PlacedWidget parseWidget(const WidgetOptions& options, const std::string& 
   return widget;
 }
 
+bool parseSettingsKind(const OptionText& text, const char* byDefault) {
+  return ParseChoice<bool>("--settings", text.value_or(byDefault),
+                           {{"shared", false}, {"memory", true}}, false);
+}
+
 WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* settingsByDefault) {
   RuntimeOptions runtime;
   runtime.locale = checkedLocale(options.locale);
@@ -138,9 +143,7 @@ WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* set
                                               {"snapshot", HostRequest::snapshot},
                                               {"placeholder", HostRequest::placeholder}},
                                              HostRequest::timeline);
-  const OptionText settings = options.settings ? options.settings : OptionText(settingsByDefault);
-  runtime.hasOwnSettings =
-      ParseChoice<bool>("--settings", settings, {{"shared", false}, {"memory", true}}, false);
+  runtime.hasOwnSettings = parseSettingsKind(options.settings, settingsByDefault);
   if (options.here) {
     runtime.here = parseCoordinate("--here", *options.here).coordinate;
   } else {

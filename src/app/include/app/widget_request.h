@@ -37,6 +37,9 @@ struct WidgetRequest {
 /// A widget without an identifier. Throws UsageError.
 host::PlacedWidget parseWidget(const WidgetOptions& options, const std::string& locale);
 
+/// Whether the settings end with the process. Throws UsageError.
+bool parseSettingsKind(const OptionText& text, const char* byDefault);
+
 /// Reads the options and installs the services that they ask for. `settingsByDefault`: "shared" or
 /// "memory". Throws UsageError.
 WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* settingsByDefault);
