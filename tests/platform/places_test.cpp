@@ -64,10 +64,9 @@ TEST(Geodesy, AgainstPublishedValues) {
 TEST(Geodesy, CompassPoints) {
   const TestServices services("2024-03-05T12:00:00Z");
   const std::pair<double, const char*> cases[] = {
-      {0.0, "north"},        {22.5, "north"},        {22.6, "north_east"}, {67.5, "east"},
-      {112.5, "east"},       {112.51, "south_east"}, {157.5, "south"},     {202.5, "south"},
-      {225.0, "south_west"}, {247.5, "west"},        {292.5, "west"},      {337.4, "north_west"},
-      {337.5, "north"},      {-10.0, "north"},       {NAN, "north_west"}};
+      {22.5, "north"},  {22.6, "north_east"},  {112.5, "east"},    {112.51, "south_east"},
+      {202.5, "south"}, {225.0, "south_west"}, {292.5, "west"},    {337.4, "north_west"},
+      {337.5, "north"}, {-10.0, "north"},      {NAN, "north_west"}};
   for (const auto& [bearing, point] : cases) {
     EXPECT_EQ(LocationUtils::cardinalNameForBearing(bearing),
               "<cardinal_point_" + std::string(point) + "_abbr>")
@@ -79,17 +78,16 @@ TEST(CoordinateText, InThreeNotations) {
   const TestServices services("2024-03-05T12:00:00Z", "UTC", "de_DE");
   const std::string N = "<cardinal_point_north_abbr>", S = "<cardinal_point_south_abbr>",
                     E = "<cardinal_point_east_abbr>", W = "<cardinal_point_west_abbr>";
+  const auto text = [](auto... of) { return LocationUtils::latLonStringWithCoordinate(of...); };
   const CLLocationCoordinate2D place{-33.5, 151.25};
-  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place, 0),
-            "33,500000°" + S + " 151,250000°" + E);
-  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place, 1), "33°30'" + S + " 151°15'" + E);
-  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate({1.0 + 2.0 / 60.0 + 3.25 / 3600.0, -0.5}, 2),
+  EXPECT_EQ(text(place, 0), "33,500000°" + S + " 151,250000°" + E);
+  EXPECT_EQ(text(place, 1), "33°30'" + S + " 151°15'" + E);
+  EXPECT_EQ(text(CLLocationCoordinate2D{1.0 + 2.0 / 60.0 + 3.25 / 3600.0, -0.5}, 2),
             "1°2'3,25\"" + N + " 0°30'0\"" + W);
   // No carry: seconds that round up to 60 are shown as 60.
-  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate({0.0166665, 0.0}, 7),
-            "0°0'60\"" + N + " 0°0'0\"" + E);
+  EXPECT_EQ(text(CLLocationCoordinate2D{0.0166665, 0.0}, 7), "0°0'60\"" + N + " 0°0'0\"" + E);
   // Halves go up, not to the even neighbour, and a half is what it looks like in decimal.
-  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate({1.0000005, 2.0000025}, 0),
+  EXPECT_EQ(text(CLLocationCoordinate2D{1.0000005, 2.0000025}, 0),
             "1,000001°" + N + " 2,000003°" + E);
   EXPECT_EQ(LocationUtils::decimalLatLonStringWithCoordinate({40.0, -3.836187}),
             "40.000000, -3.836187");
@@ -97,16 +95,12 @@ TEST(CoordinateText, InThreeNotations) {
             "51.123455, 0.000000");
 
   // The user's notation, and decimal degrees without one.
-  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place),
-            LocationUtils::latLonStringWithCoordinate(place, 0));
+  EXPECT_EQ(text(place), text(place, 0));
   services.settings->setInteger(1, kUserDefaultsCoordinateSystem);
-  EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place),
-            LocationUtils::latLonStringWithCoordinate(place, 1));
+  EXPECT_EQ(text(place), text(place, 1));
   for (const std::int64_t unknown : {std::int64_t{-1}, std::int64_t{3}, std::int64_t{1} << 32}) {
     services.settings->setInteger(unknown, kUserDefaultsCoordinateSystem);
-    EXPECT_EQ(LocationUtils::latLonStringWithCoordinate(place),
-              LocationUtils::latLonStringWithCoordinate(place, 2))
-        << unknown;
+    EXPECT_EQ(text(place), text(place, 2)) << unknown;
   }
 }
 
