@@ -16,6 +16,8 @@
 namespace lumenquest::app {
 namespace {
 
+using host::AnyEntry;
+using host::viewOf;
 using platform::CGSize;
 using testing::Call;
 using testing::DataFolder;
@@ -148,7 +150,7 @@ TEST(Gallery, HostileWordsStayInTheirBoxes) {
 
 TEST(Gallery, DrawsAllIntoAFolder) {
   const DataFolder data;
-  const testing::Folder folder;
+  const testing::ScratchFolder folder;
   const std::string target = folder.path() + "/new/pictures";
   const Result result = Call({"gallery", target, "--locale", "en", "--scale", "1"});
   EXPECT_EQ(result.code, 0) << result.err;
