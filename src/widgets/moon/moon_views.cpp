@@ -106,7 +106,9 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
                    environment.isTinted() ? environment.accent : palette::kLumenquestYellow,
                    {kRing});
   }
-  return picture(context.image(), size);
+  const Element moon = picture(context.image(), size);
+  if (!data.isSupermoon) return moon;
+  return moon | label(platform::localizedString("phase_supermoon", platform::kTableEphemeris));
 }
 
 namespace {
@@ -128,7 +130,7 @@ Element Phase(const MoonContent& content) {
 }
 
 Element MoonRiseSet(const MoonWidgetData& data) {
-  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData);
+  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData, kMoonNames);
 }
 
 }  // namespace
