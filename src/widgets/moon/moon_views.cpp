@@ -107,8 +107,11 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
                    {kRing});
   }
   const Element moon = picture(context.image(), size);
-  if (!data.isSupermoon) return moon;
-  return moon | label(platform::localizedString("phase_supermoon", platform::kTableEphemeris));
+  const std::string supermoon =
+      platform::localizedString("phase_supermoon", platform::kTableEphemeris);
+  // A full Moon's phase says it already.
+  const bool isSaid = data.moonPhaseString.find(supermoon) != std::string::npos;
+  return data.isSupermoon && !isSaid ? moon | label(supermoon) : moon;
 }
 
 namespace {
