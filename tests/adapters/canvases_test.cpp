@@ -350,7 +350,9 @@ TEST(CairoCanvas, KeptPixelsAreThoseOfAFreshPicture) {
     EXPECT_NE(drawn.at(54, 60), other.at(54, 60)) << i;
   }
 
-  // As if it were drawn there shape by shape.
+  // As if it were drawn there shape by shape, but for one of the fifteen rows of samples by which
+  // Cairo smooths an edge: the place is rounded to 1/256 of a pixel.
+  constexpr int kOneRow = 17;
   const Pixels shared(PngWithin(kept, 3));
   const Pixels direct(Png({80, 80}, 3, [&](Canvas& canvas) {
     canvas.clip(UIBezierPath::ellipse({3, 10, 30, 30}));
@@ -359,7 +361,7 @@ TEST(CairoCanvas, KeptPixelsAreThoseOfAFreshPicture) {
   }));
   for (int y = 0; y < 240; ++y) {
     for (int x = 0; x < 240; ++x)
-      ASSERT_LE(Apart(shared.at(x, y), direct.at(x, y)), 4) << x << ' ' << y;
+      ASSERT_LE(Apart(shared.at(x, y), direct.at(x, y)), kOneRow) << x << ' ' << y;
   }
 }
 
