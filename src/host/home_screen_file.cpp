@@ -1,0 +1,33 @@
+#include "host/home_screen_file.h"
+
+namespace lumenquest::host {
+
+namespace {
+
+HomeScreen Parsed(const std::optional<std::string>& text) {
+  return text ? HomeScreen::fromJson(*text) : HomeScreen::standard();
+}
+
+void ThrowIfSet(const std::optional<platform::NSError>& error) {
+  if (error) throw HomeScreenError(*error);
+}
+
+}  // namespace
+
+HomeScreen HomeScreenFile::load() const {
+  const auto text = file_->contents();
+  ThrowIfSet(text.error);
+  return Parsed(text.value);
+}
+
+HomeScreen HomeScreenFile::update(const std::function<void(HomeScreen& screen)>& change) {
+  HomeScreen screen;
+  ThrowIfSet(file_->update([&](const std::optional<std::string>& text) {
+    screen = Parsed(text);
+    change(screen);
+    return screen.toJson();
+  }));
+  return screen;
+}
+
+}  // namespace lumenquest::host
