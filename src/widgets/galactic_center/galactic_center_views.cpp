@@ -2,11 +2,16 @@
 
 #include "platform/localized_strings.h"
 #include "widgets/location/location_views.h"
+#include "widgets/text.h"
 #include "widgets/view/style.h"
 
 namespace lumenquest::widgets {
 
 using namespace view;
+using platform::kTableCommon;
+using platform::kTableEphemeris;
+using platform::localizedString;
+using platform::stringWithFormat;
 
 Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool hasBand,
                           double captionSize) {
@@ -21,30 +26,43 @@ Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool ha
   const Element azimuth = caption(end.azimuth) | font(captionSize) | monospacedDigits();
   const Element title = caption(end.title) | font(captionSize);
   Elements parts;
+  // In the medium family, the Moon's, only the band tells what is visible.
+  std::string spoken = spokenTime(end.time);
+  if (!end.azimuth.empty()) {
+    spoken =
+        stringWithFormat(localizedString("spoken_azimuth", kTableEphemeris), {spoken, end.azimuth});
+  }
+  spoken = spokenLine(
+      localizedString(end.isBegin ? "gc_visible_from" : "gc_visible_to", kTableEphemeris), spoken);
+  if (family == WidgetFamily::systemMedium) {
+    spoken = localizedString("appwidget_milky_way", kTableCommon) + ", " + spoken;
+  }
   if (hasBand) parts.push_back(band);
   if (isSmall) {
     parts.push_back(vstack({hstack({title, spacer(kGap), azimuth}), time}, 0.0, Alignment::start) |
                     fillWidth());
-    return hstack(std::move(parts), 2.0 * kGap);
+    return hstack(std::move(parts), 2.0 * kGap) | label(spoken);
   }
   parts.insert(parts.end(),
                {title, spacer(kGap), time,
                 hasBand ? azimuth | frameWidth(azimuthColumn, Alignment::end) : azimuth});
-  return hstack(std::move(parts), kGap);
+  return hstack(std::move(parts), kGap) | label(spoken);
 }
 
 Element GalacticCenterNotVisibleUntilView(const std::string& words) {
   constexpr double kIcon = 20.0;
   return hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentSecondary")),
                  text(words) | font(kBody) | lineLimit(3) | minScale(kLeastScale)},
-                2.0 * kGap);
+                2.0 * kGap) |
+         label(spokenLine(localizedString("appwidget_milky_way", kTableCommon), words));
 }
 
 Element MoonlessHoursView(const std::string& title, const std::string& hours) {
-  return hstack(
-      {image("moonlessHoursIcon", kSmallIcon) | color(named("contentSecondary")), caption(title),
-       spacer(kGap), body(hours, platform::FontWeight::medium) | monospacedDigits()},
-      kGap);
+  return hstack({image("moonlessHoursIcon", kSmallIcon) | color(named("contentSecondary")),
+                 caption(title), spacer(kGap),
+                 body(hours, platform::FontWeight::medium) | monospacedDigits()},
+                kGap) |
+         label(spokenLine(title, hours));
 }
 
 Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family) {
@@ -67,11 +85,7 @@ Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family
     lines.push_back(GalacticCenterNotVisibleUntilView(content.notVisibleUntil));
   }
   if (!content.alwaysInvisible.empty()) {
-    constexpr double kIcon = 20.0;
-    lines.push_back(
-        hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentSecondary")),
-                text(content.alwaysInvisible) | font(kBody) | lineLimit(3) | minScale(kLeastScale)},
-               2.0 * kGap));
+    lines.push_back(GalacticCenterNotVisibleUntilView(content.alwaysInvisible));
   }
   if (!content.moonlessHours.empty()) {
     constexpr double kTopInset = 2.0;
@@ -87,8 +101,7 @@ Element GalacticCenterWidgetEntryView(const GalacticCenterTimelineEntry& entry,
     const GCVisibilityContent content = gcVisibilityContent(entry.data, environment.family);
     return panel(
         vstack({PostalAddressView(entry.data.locationData) | fillWidth(), spacer(),
-                caption(platform::localizedString("appwidget_milky_way", platform::kTableCommon)) |
-                    fillWidth(),
+                caption(localizedString("appwidget_milky_way", kTableCommon)) | fillWidth(),
                 GCVisibilityView(content, environment.family), spacer()},
                kGap, Alignment::start),
         "backgroundPrimary", environment);

@@ -1,10 +1,12 @@
 #include "widgets/sun/sun_views.h"
 
 #include "platform/assertion.h"
+#include "platform/localized_strings.h"
 #include "widgets/deep_links.h"
 #include "widgets/location/location_views.h"
 #include "widgets/moon/moon_views.h"
 #include "widgets/palette.h"
+#include "widgets/text.h"
 #include "widgets/view/style.h"
 
 namespace lumenquest::widgets {
@@ -30,10 +32,14 @@ Element LightNow(const SunContent& content, double haloSize) {
 
 Element NextLight(const SunContent& content) {
   if (content.nextLight.empty()) return nothing();
+  const std::string spoken = platform::stringWithFormat(
+      platform::localizedString("spoken_next_light", platform::kTableEphemeris),
+      {spokenTime(content.nextLight)});
   const auto line = [&](double size, int lines) {
     return hstack({image("nextLightIcon", kSmallIcon) | color(named("contentSecondary")),
                    caption(content.nextLight) | font(size) | lineLimit(lines) | monospacedDigits()},
-                  kGap);
+                  kGap) |
+           label(spoken);
   };
   // The time stands last, and is what must not be left out.
   return firstThatFits(Axis::horizontal,
@@ -41,7 +47,7 @@ Element NextLight(const SunContent& content) {
 }
 
 Element RiseSet(const SunLightWidgetData& data) {
-  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData);
+  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData, kSunNames);
 }
 
 }  // namespace
@@ -55,13 +61,18 @@ Element LightTypeIconView(const platform::UIColor& sunColor, double size) {
 }
 
 Element LightTypeView(const LightTypeRow& row, double size) {
-  return hstack(
-      {LightTypeIconView(row.fillColor, size - 2.0),
-       text(row.title) | font(size) | color(named("contentSecondary")) | minScale(kLeastScale),
-       spacer(kGap),
-       text(row.interval) | font(size, platform::FontWeight::medium) | monospacedDigits() |
-           minScale(kLeastScale)},
-      kGap);
+  const std::string spoken =
+      row.interval == kNoInterval
+          ? platform::localizedString("event_no_rise_set", platform::kTableEphemeris)
+          : row.interval;
+  return hstack({LightTypeIconView(row.fillColor, size - 2.0),
+                 text(row.title) | font(size) | color(named("contentSecondary")) |
+                     minScale(kLeastScale),
+                 spacer(kGap),
+                 text(row.interval) | font(size, platform::FontWeight::medium) |
+                     monospacedDigits() | minScale(kLeastScale)},
+                kGap) |
+         label(spokenLine(row.title, spoken));
 }
 
 Element SunInfoViewSmall(const SunLightWidgetData& sunData) {

@@ -15,6 +15,7 @@ view::Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily 
 /// One end of the window, where there is room with a hint of how the galactic band leans then.
 view::Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool hasBand,
                                 double captionSize);
+/// That it is not seen tonight.
 view::Element GalacticCenterNotVisibleUntilView(const std::string& text);
 view::Element MoonlessHoursView(const std::string& title, const std::string& hours);
 
