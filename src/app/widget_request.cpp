@@ -45,7 +45,7 @@ std::string Listed(const Items& items, Name name) {
                                     {option, adapters::printableText(*given), choices}));
 }
 
-WidgetConfiguration ParseKind(const OptionText& text) {
+WidgetConfiguration ParseKind(const OptionText& text, bool mayBeAll) {
   const auto configurations = widgets::LumenquestWidgets::configurations();
   const auto shortName = [](const std::string& kind) {
     return Short(Short(kind, "", "widget"), "", "small");
@@ -53,17 +53,21 @@ WidgetConfiguration ParseKind(const OptionText& text) {
   for (const WidgetConfiguration& configuration : configurations) {
     if (text && shortName(*text) == shortName(configuration.kind)) return configuration;
   }
-  ThrowNoChoice("KIND", text, Listed(configurations, [](const auto& one) { return one.kind; }));
+  ThrowNoChoice("KIND", text, Listed(configurations, [](const auto& one) {
+                                return one.kind;
+                              }) + (mayBeAll ? ", all" : ""));
 }
 
 /// Nothing given: the smallest.
 WidgetFamily ParseFamily(const OptionText& text, const WidgetConfiguration& configuration) {
   if (!text) return configuration.supportedFamilies.front();
+  const auto shortName = [](const std::string& name) { return Short(name, "system", ""); };
   for (const WidgetFamily family : configuration.supportedFamilies) {
-    if (Short(*text, "system", "") == Short(nameOf(family), "system", "")) return family;
+    if (shortName(*text) == shortName(nameOf(family))) return family;
   }
-  ThrowNoChoice("--family", text,
-                Listed(configuration.supportedFamilies, [](auto one) { return nameOf(one); }));
+  ThrowNoChoice("--family", text, Listed(configuration.supportedFamilies, [&](auto one) {
+                  return shortName(nameOf(one));
+                }));
 }
 
 /// One of a few words.
@@ -146,7 +150,8 @@ const char* nameOf(WidgetFamily family) {
 
 std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* settingsHelpKey) {
   return {
-      {"KIND", "", "help_kind", "expect_kind", &options.kind},
+      {"KIND", "", options.mayBeAll ? "help_kind_or_all" : "help_kind", "expect_kind",
+       &options.kind},
       {"--family", "small|medium|large", "help_family", "expect_family", &options.family},
       placeOption(options.place.place),
       latitudeOption(options.place.latitude),
@@ -164,7 +169,7 @@ std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* se
 WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* settingsByDefault) {
   RuntimeOptions runtime;
   runtime.locale = checkedLocale(options.locale);
-  const WidgetConfiguration widget = ParseKind(options.kind);
+  const WidgetConfiguration widget = ParseKind(options.kind, options.mayBeAll);
   WidgetRequest request;
   request.kind = widget.kind;
   request.family = ParseFamily(options.family, widget);

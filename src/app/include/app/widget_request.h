@@ -16,6 +16,8 @@ enum class HostRequest { placeholder, snapshot, timeline };
 /// The options by which a host's request to a widget is made.
 struct WidgetOptions {
   OptionText kind;
+  /// Whether the command takes "all" in place of a kind.
+  bool mayBeAll = false;
   OptionText family;
   PlaceOptions place;
   bool myLocation = false;
