@@ -33,16 +33,21 @@ Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool ha
   return hstack(std::move(parts), kGap);
 }
 
-Element GalacticCenterNotVisibleUntilView(const std::string& words) {
+Element GalacticCenterNotVisibleUntilView(const GCVisibilityContent& content) {
   constexpr double kIcon = 20.0;
-  return hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentSecondary")),
-                 text(words) | font(kBody) | lineLimit(3) | minScale(kLeastScale)},
+  Elements lines;
+  for (const std::string& words : {content.alwaysInvisible, content.notVisibleUntil}) {
+    if (words.empty()) continue;
+    lines.push_back(text(words) | font(kBody) | lineLimit(3) | minScale(kLeastScale));
+  }
+  return hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentTertiary")),
+                 vstack(std::move(lines), 0.0, Alignment::start)},
                 2.0 * kGap);
 }
 
 Element MoonlessHoursView(const std::string& title, const std::string& hours) {
   return hstack(
-      {image("moonlessHoursIcon", kSmallIcon) | color(named("contentSecondary")), caption(title),
+      {image("moonlessHoursIcon", kSmallIcon) | color(named("contentTertiary")), caption(title),
        spacer(kGap), body(hours, platform::FontWeight::medium) | monospacedDigits()},
       kGap);
 }
@@ -59,19 +64,12 @@ Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family
       }
       return vstack(std::move(ends), gap, Alignment::start);
     };
-    lines.push_back(firstThatFits(
-        Axis::horizontal,
-        {window(true, kCaption), window(true, kDenseCaption), window(false, kCaption)}));
-  }
-  if (!content.notVisibleUntil.empty()) {
-    lines.push_back(GalacticCenterNotVisibleUntilView(content.notVisibleUntil));
-  }
-  if (!content.alwaysInvisible.empty()) {
-    constexpr double kIcon = 20.0;
     lines.push_back(
-        hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentSecondary")),
-                text(content.alwaysInvisible) | font(kBody) | lineLimit(3) | minScale(kLeastScale)},
-               2.0 * kGap));
+        firstThatFits(Axis::horizontal, {window(true, kCaption), window(true, kDenseCaption),
+                                         window(false, kCaption), window(false, kDenseCaption)}));
+  }
+  if (!content.notVisibleUntil.empty() || !content.alwaysInvisible.empty()) {
+    lines.push_back(GalacticCenterNotVisibleUntilView(content));
   }
   if (!content.moonlessHours.empty()) {
     constexpr double kTopInset = 2.0;

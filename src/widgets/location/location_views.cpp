@@ -24,12 +24,12 @@ Element Message(const Element& icon, const char* key, double size) {
 
 Element LocationServicesDisabledView() {
   constexpr double kIcon = 28.0;
-  return Message(image("disabledLocationIcon", kIcon) | color(named("contentSecondary")),
+  return Message(image("disabledLocationIcon", kIcon) | color(named("contentTertiary")),
                  "location_denied_error_message_ios", kBody);
 }
 
 Element LocationTimeOutView() {
-  return Message(image("location.fill", kCaption) | color(named("contentSecondary")),
+  return Message(image("location.fill", kCaption) | color(named("contentTertiary")),
                  "location_timeout", kBody);
 }
 
@@ -39,16 +39,16 @@ Element PostalAddressView(const LocationWidgetData& data) {
   constexpr double kArrow = 8.0;
   Elements line;
   if (data.isCurrentLocation) {
-    line.push_back(image("location.fill", kArrow) | color(named("contentSecondary")) | mirrored());
+    line.push_back(image("location.fill", kArrow) | color(named("contentTertiary")) | mirrored());
   }
   line.push_back(text(address) | font(kBody, platform::FontWeight::semibold) |
-                 color(named("contentSecondary")) | minScale(kLeastScale));
+                 color(named("contentTertiary")) | minScale(kLeastScale));
   return hstack(std::move(line), kGap);
 }
 
 Element BodyRiseSetTimeView(const BodyRiseSetTime& time, double size) {
   return hstack(
-      {image(time.isRise ? "bodyRise" : "bodySet", size) | color(named("contentSecondary")),
+      {image(time.isRise ? "bodyRise" : "bodySet", size) | color(named("contentTertiary")),
        text(time.text) | font(size) | monospacedDigits() | minScale(kLeastScale)},
       kGap);
 }
@@ -62,10 +62,12 @@ Element RiseSetView(double mjdRise, double mjdSet, double mjdTomorrowAt0,
     return hstack({BodyRiseSetTimeView(content.times[0], size), spacer(gap),
                    BodyRiseSetTimeView(content.times[1], size)});
   };
-  return firstThatFits(Axis::horizontal, {line(kBody, 2.0 * kGap), line(kCaption, kGap),
-                                          vstack({BodyRiseSetTimeView(content.times[0], kBody),
-                                                  BodyRiseSetTimeView(content.times[1], kBody)},
-                                                 0.0, Alignment::start)});
+  constexpr double kDense = 9.0;
+  return firstThatFits(Axis::horizontal,
+                       {line(kBody, 2.0 * kGap), line(kCaption, kGap), line(kDense, kGap),
+                        vstack({BodyRiseSetTimeView(content.times[0], kBody),
+                                BodyRiseSetTimeView(content.times[1], kBody)},
+                               0.0, Alignment::start)});
 }
 
 Element chosenView(const LocationWidgetData& data, const Environment& environment,
