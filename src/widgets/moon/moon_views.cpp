@@ -109,7 +109,12 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
                    environment.isTinted() ? environment.accent : palette::kLumenquestYellow,
                    {kRing});
   }
-  return picture(context.image(), size);
+  const Element moon = picture(context.image(), size);
+  const std::string supermoon =
+      platform::localizedString("phase_supermoon", platform::kTableEphemeris);
+  // A full Moon's phase says it already.
+  const bool isSaid = data.moonPhaseString.find(supermoon) != std::string::npos;
+  return data.isSupermoon && !isSaid ? moon | label(supermoon) : moon;
 }
 
 namespace {
@@ -130,7 +135,7 @@ Element Phase(const MoonContent& content) {
 }
 
 Element MoonRiseSet(const MoonWidgetData& data) {
-  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData);
+  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData, kMoonNames);
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 #include "widgets/sun/sun_views.h"
 
 #include "platform/assertion.h"
+#include "platform/localized_strings.h"
 #include "widgets/deep_links.h"
 #include "widgets/location/location_views.h"
 #include "widgets/moon/moon_views.h"
 #include "widgets/palette.h"
+#include "widgets/text.h"
 #include "widgets/view/style.h"
 
 namespace lumenquest::widgets {
@@ -30,11 +32,15 @@ Element LightNow(const SunContent& content, double haloSize) {
 
 Element NextLight(const SunContent& content) {
   if (content.nextLight.empty()) return nothing();
+  const std::string spoken = platform::stringWithFormat(
+      platform::localizedString("spoken_next_light", platform::kTableEphemeris),
+      {spokenTime(content.nextLight)});
   const auto line = [&](double size, int lines) {
     return hstack({image("nextLightIcon", kSmallIcon) | color(named("contentTertiary")),
                    caption(content.nextLight) | font(size) | lineLimit(lines) | minScale(0.9) |
                        monospacedDigits()},
-                  kGap);
+                  kGap) |
+           label(spoken);
   };
   // The time stands last, and is what must not be left out.
   return firstThatFits(Axis::horizontal,
@@ -42,7 +48,7 @@ Element NextLight(const SunContent& content) {
 }
 
 Element RiseSet(const SunLightWidgetData& data) {
-  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData);
+  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData, kSunNames);
 }
 
 /// The colours of light are the sky's: by day one hardly stands out from a light panel, in the
@@ -65,11 +71,15 @@ Element LightTypeView(const LightTypeRow& row, double size, bool isOnTwoLines) {
       text(row.title) | font(size) | color(named("contentTertiary")) | minScale(kLeastScale);
   const Element interval =
       text(row.interval) | font(size, platform::FontWeight::medium) | monospacedDigits();
-  if (isOnTwoLines) {
-    return hstack({marker, vstack({title, interval}, 0.0, Alignment::start)}, kGap,
-                  Alignment::start);
-  }
-  return hstack({marker, title, spacer(kGap), interval}, kGap);
+  const std::string spoken =
+      row.interval == kNoInterval
+          ? platform::localizedString("event_no_rise_set", platform::kTableEphemeris)
+          : row.interval;
+  const Element line = isOnTwoLines
+                           ? hstack({marker, vstack({title, interval}, 0.0, Alignment::start)},
+                                    kGap, Alignment::start)
+                           : hstack({marker, title, spacer(kGap), interval}, kGap);
+  return line | label(spokenLine(row.title, spoken));
 }
 
 Element SunInfoViewSmall(const SunLightWidgetData& sunData) {
