@@ -3,9 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <filesystem>
 #include <map>
 #include <set>
 
+#include "adapters/asset_catalog.h"
 #include "ephemeris/constants.h"
 #include "fake_views.h"
 #include "test_services.h"
@@ -236,6 +239,43 @@ TEST_F(Views, TheSunHasTheColourOfItsElevation) {
                                  palette::kAstronomicalTwilightLayerColor));
 }
 
+/// Contrast of two opaque colours, from 1 to 21. Source: W3C, WCAG 2.2.
+double Contrast(const UIColor& a, const UIColor& b) {
+  const auto luminance = [](const UIColor& color) {
+    const auto linear = [](double c) {
+      return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(color.red) + 0.7152 * linear(color.green) + 0.0722 * linear(color.blue);
+  };
+  const double lighter = std::max(luminance(a), luminance(b));
+  return (lighter + 0.05) / (std::min(luminance(a), luminance(b)) + 0.05);
+}
+
+TEST_F(Views, TheSunStandsOutInEveryLight) {
+  adapters::FileAssetCatalog catalog(std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
+  for (const float elevation : {30.0f, 3.0f, -5.0f, -9.0f, -15.0f, -40.0f}) {
+    SunLightWidgetData data = Sun();
+    data.sunElevation = elevation;
+    const Element element = SunView(data, In(kSmall));
+    const UIColor halo = std::get<UIColor>(All<view::Shape>(element).front().fill);
+    for (const auto scheme : {platform::ColorScheme::light, platform::ColorScheme::dark}) {
+      const UIColor panel = *catalog.colorNamed("backgroundPrimary", scheme);
+      const auto over = [&](double above, double below) {
+        return halo.alpha * above + (1.0 - halo.alpha) * below;
+      };
+      const UIColor ground{over(halo.red, panel.red), over(halo.green, panel.green),
+                           over(halo.blue, panel.blue), 1.0};
+      const auto outline = std::get<platform::NamedColor>(*ImageOf(element, "sunIcon").outline);
+      EXPECT_GE(Contrast(*catalog.colorNamed(outline.name, scheme), ground), 3.0) << elevation;
+    }
+  }
+  // The marks stand on the panel itself, as do texts of this colour.
+  for (const view::Image& image : All<view::Image>(SunView(Sun(), In(kLarge)))) {
+    if (image.name != "lightTypeIcon") continue;
+    EXPECT_EQ(image.outline, named("contentTertiary"));
+  }
+}
+
 TEST_F(Views, SayWhatThereIsOfTheMoon) {
   const Element small = MoonView(Moon(), In(kSmall));
   EXPECT_EQ(textsOf(small), (Texts{"Bled", "First quarter (50.0%)", "13:40", kTomorrow}));
@@ -243,7 +283,7 @@ TEST_F(Views, SayWhatThereIsOfTheMoon) {
   EXPECT_FALSE(All<view::Picture>(small).empty());
   EXPECT_EQ(
       textsOf(MoonView(Moon(), In(kMedium))),
-      (Texts{"First quarter (50.0%)", "Bled", "<gc_visible_from>", "21:15",
+      (Texts{"First quarter (50.0%)", "Bled", "<appwidget_milky_way>", "<gc_visible_from>", "21:15",
              "178° <cardinal_point_south_abbr>", "<gc_visible_to>", "00:25 <event_one_day_plus>",
              "221° <cardinal_point_south_west_abbr>", "13:40", kTomorrow}));
 
@@ -296,6 +336,10 @@ TEST_F(Views, SayWhenTheGalacticCentreIsSeen) {
   never.mjdVisibilityFrom = never.mjdVisibilityTo = ephemeris::kMjdAlwaysInvisible;
   EXPECT_EQ(textsOf(CentreView(never)),
             (Texts{"Bled", "<appwidget_milky_way>", "<body_always_invisible>"}));
+  never.dateNextVisibility = later.dateNextVisibility;
+  EXPECT_EQ(textsOf(CentreView(never)), (Texts{"Bled", "<appwidget_milky_way>",
+                                               "<body_always_invisible>", "Monday, 03/02/2025"}));
+  EXPECT_EQ(imagesOf(CentreView(never)), Texts{"gcNotVisibleUntilIcon"});
 }
 
 /// Images that nothing names for those who do not see them.

@@ -26,7 +26,6 @@ Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool ha
   const Element azimuth = caption(end.azimuth) | font(captionSize) | monospacedDigits();
   const Element title = caption(end.title) | font(captionSize);
   Elements parts;
-  // In the medium family, the Moon's, only the band tells what is visible.
   std::string spoken = spokenTime(end.time);
   if (!end.azimuth.empty()) {
     spoken =
@@ -34,9 +33,6 @@ Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool ha
   }
   spoken = spokenLine(
       localizedString(end.isBegin ? "gc_visible_from" : "gc_visible_to", kTableEphemeris), spoken);
-  if (family == WidgetFamily::systemMedium) {
-    spoken = localizedString("appwidget_milky_way", kTableCommon) + ", " + spoken;
-  }
   if (hasBand) parts.push_back(band);
   if (isSmall) {
     parts.push_back(vstack({hstack({title, spacer(kGap), azimuth}), time}, 0.0, Alignment::start) |
@@ -49,16 +45,23 @@ Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool ha
   return hstack(std::move(parts), kGap) | label(spoken);
 }
 
-Element GalacticCenterNotVisibleUntilView(const std::string& words) {
+Element GalacticCenterNotVisibleUntilView(const GCVisibilityContent& content) {
   constexpr double kIcon = 20.0;
-  return hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentSecondary")),
-                 text(words) | font(kBody) | lineLimit(3) | minScale(kLeastScale)},
+  Elements lines;
+  std::string spoken;
+  for (const std::string& words : {content.alwaysInvisible, content.notVisibleUntil}) {
+    if (words.empty()) continue;
+    lines.push_back(text(words) | font(kBody) | lineLimit(3) | minScale(kLeastScale));
+    spoken += (spoken.empty() ? "" : ". ") + words;
+  }
+  return hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentTertiary")),
+                 vstack(std::move(lines), 0.0, Alignment::start)},
                 2.0 * kGap) |
-         label(spokenLine(localizedString("appwidget_milky_way", kTableCommon), words));
+         label(spokenLine(localizedString("appwidget_milky_way", kTableCommon), spoken));
 }
 
 Element MoonlessHoursView(const std::string& title, const std::string& hours) {
-  return hstack({image("moonlessHoursIcon", kSmallIcon) | color(named("contentSecondary")),
+  return hstack({image("moonlessHoursIcon", kSmallIcon) | color(named("contentTertiary")),
                  caption(title), spacer(kGap),
                  body(hours, platform::FontWeight::medium) | monospacedDigits()},
                 kGap) |
@@ -77,15 +80,12 @@ Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family
       }
       return vstack(std::move(ends), gap, Alignment::start);
     };
-    lines.push_back(firstThatFits(
-        Axis::horizontal,
-        {window(true, kCaption), window(true, kDenseCaption), window(false, kCaption)}));
+    lines.push_back(
+        firstThatFits(Axis::horizontal, {window(true, kCaption), window(true, kDenseCaption),
+                                         window(false, kCaption), window(false, kDenseCaption)}));
   }
-  if (!content.notVisibleUntil.empty()) {
-    lines.push_back(GalacticCenterNotVisibleUntilView(content.notVisibleUntil));
-  }
-  if (!content.alwaysInvisible.empty()) {
-    lines.push_back(GalacticCenterNotVisibleUntilView(content.alwaysInvisible));
+  if (!content.notVisibleUntil.empty() || !content.alwaysInvisible.empty()) {
+    lines.push_back(GalacticCenterNotVisibleUntilView(content));
   }
   if (!content.moonlessHours.empty()) {
     constexpr double kTopInset = 2.0;

@@ -25,12 +25,12 @@ Element Message(const Element& icon, const char* key, double size) {
 
 Element LocationServicesDisabledView() {
   constexpr double kIcon = 28.0;
-  return Message(image("disabledLocationIcon", kIcon) | color(named("contentSecondary")),
+  return Message(image("disabledLocationIcon", kIcon) | color(named("contentTertiary")),
                  "location_denied_error_message_ios", kBody);
 }
 
 Element LocationTimeOutView() {
-  return Message(image("location.fill", kCaption) | color(named("contentSecondary")),
+  return Message(image("location.fill", kCaption) | color(named("contentTertiary")),
                  "location_timeout", kBody);
 }
 
@@ -40,10 +40,10 @@ Element PostalAddressView(const LocationWidgetData& data) {
   constexpr double kArrow = 8.0;
   Elements line;
   if (data.isCurrentLocation) {
-    line.push_back(image("location.fill", kArrow) | color(named("contentSecondary")) | mirrored());
+    line.push_back(image("location.fill", kArrow) | color(named("contentTertiary")) | mirrored());
   }
   line.push_back(text(address) | font(kBody, platform::FontWeight::semibold) |
-                 color(named("contentSecondary")) | minScale(kLeastScale));
+                 color(named("contentTertiary")) | minScale(kLeastScale));
   const Element title = hstack(std::move(line), kGap);
   if (!data.isCurrentLocation) return title;
   return title | label(spokenLine(localizedString("my_location", platform::kTableCommon), address));
@@ -53,7 +53,7 @@ Element BodyRiseSetTimeView(const BodyRiseSetTime& time, double size, const Body
   const std::string event =
       localizedString(time.isRise ? names.rise : names.set, platform::kTableEphemeris);
   return hstack(
-             {image(time.isRise ? "bodyRise" : "bodySet", size) | color(named("contentSecondary")),
+             {image(time.isRise ? "bodyRise" : "bodySet", size) | color(named("contentTertiary")),
               text(time.text) | font(size) | monospacedDigits() | minScale(kLeastScale)},
              kGap) |
          label(spokenLine(event, spokenTime(time.text)));
@@ -73,8 +73,9 @@ Element RiseSetView(double mjdRise, double mjdSet, double mjdTomorrowAt0,
   const auto line = [&](double size, double gap) {
     return hstack({time(0, size), spacer(gap), time(1, size)});
   };
+  constexpr double kDense = 9.0;
   return firstThatFits(Axis::horizontal,
-                       {line(kBody, 2.0 * kGap), line(kCaption, kGap),
+                       {line(kBody, 2.0 * kGap), line(kCaption, kGap), line(kDense, kGap),
                         vstack({time(0, kBody), time(1, kBody)}, 0.0, Alignment::start)});
 }
 
