@@ -8,6 +8,7 @@
 #include "adapters/glib_main_queue.h"
 #include "adapters/printable_text.h"
 #include "app/runtime.h"
+#include "app/suggestions.h"
 #include "platform/localized_strings.h"
 #include "platform/location_utils.h"
 
@@ -146,7 +147,7 @@ const char* nameOf(WidgetFamily family) {
 
 std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* settingsHelpKey) {
   return {
-      {"KIND", "", "help_kind", "expect_kind", &options.kind},
+      {"KIND", "", "help_kind", "expect_kind", &options.kind, suggestKinds},
       {"--family", "small|medium|large", "help_family", "expect_family", &options.family},
       placeOption(options.place.place),
       latitudeOption(options.place.latitude),
