@@ -6,6 +6,7 @@
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "app/gallery.h"
+#include "app/suggestions.h"
 #include "app/widget_picture.h"
 #include "app/widget_request.h"
 #include "host/widget_entry.h"
@@ -168,6 +169,11 @@ void addPictureCommands(CommandSet& commands) {
   RenderOptions& o = commands.Keep<RenderOptions>();
   o.widget.mayBeAll = true;
   std::vector<OptionSpec> specs = widgetOptionSpecs(o.widget, "help_settings_kind_memory");
+  specs.front().suggestions = [](const std::string& beginning) {
+    std::vector<Suggestion> kinds = suggestKinds(beginning);
+    kinds.push_back({"all", ""});
+    return kinds;
+  };
   const OptionSpec own[] = {
       {"--scheme", "light|dark", "help_scheme", "expect_scheme", &o.scheme},
       {"--rendering", "full|accented", "help_rendering", "expect_rendering", &o.rendering},

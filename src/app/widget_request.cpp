@@ -6,6 +6,7 @@
 #include "adapters/glib_main_queue.h"
 #include "adapters/printable_text.h"
 #include "app/runtime.h"
+#include "app/suggestions.h"
 #include "host/widget_entry.h"
 #include "platform/localized_strings.h"
 #include "platform/location_utils.h"
@@ -100,7 +101,7 @@ std::optional<widgets::IntentPlacemark> ParsePlace(const WidgetOptions& options,
 std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* settingsHelpKey) {
   return {
       {"KIND", "", options.mayBeAll ? "help_kind_or_all" : "help_kind", "expect_kind",
-       &options.kind},
+       &options.kind, suggestKinds},
       {"--family", "small|medium|large", "help_family", "expect_family", &options.family},
       placeOption(options.place.place),
       latitudeOption(options.place.latitude),
