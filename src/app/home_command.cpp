@@ -54,7 +54,8 @@ struct HomeCommandOptions {
 /// The widgets of the home screen; none where it cannot be read.
 std::vector<Suggestion> SuggestWidgets(const std::string&) try {
   std::vector<Suggestion> words;
-  for (const PlacedWidget& widget : homeScreenFile().load().widgets()) {
+  const HomeScreen screen = homeScreenFile().load();
+  for (const PlacedWidget& widget : screen.widgets()) {
     words.push_back({widget.id, widget.kind});
   }
   return words;
