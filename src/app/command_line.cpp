@@ -9,6 +9,7 @@
 #include "adapters/printable_text.h"
 #include "app/command_set.h"
 #include "app/completion.h"
+#include "app/home_command.h"
 #include "app/option_values.h"
 #include "app/places_command.h"
 #include "app/plans_command.h"
@@ -40,13 +41,14 @@ std::string MessageLocale(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
-void addCommands(CommandSet& commands) {
+void addCommands(CommandSet& commands, std::ostream& out) {
   addTodayCommand(commands);
   addWidgetCommands(commands);
   addPictureCommands(commands);
   addPlacesCommands(commands);
   addPlansCommands(commands);
   addSettingsCommands(commands);
+  addHomeCommands(commands, out);
 }
 
 int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
@@ -66,7 +68,7 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
   std::string output;
   try {
     CommandSet commands;
-    addCommands(commands);
+    addCommands(commands, out);
     if (!arguments.empty() && arguments.front() == kCompleteCommand) {
       output = completionLines(commands.outline(), {arguments.begin() + 1, arguments.end()});
     } else {

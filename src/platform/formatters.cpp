@@ -71,6 +71,7 @@ Formatters::Formatters()
 Formatters& Formatters::sharedInstance() { return Services::current().sharedFormatters(); }
 
 void Formatters::setTimeZone(const NSTimeZone& zone) {
+  timeZone_ = zone;
   shortTimeFormatter_->setTimeZone(zone);
   shortDateFormatter_->setTimeZone(zone);
   shortDateTimeFormatter_->setTimeZone(zone);

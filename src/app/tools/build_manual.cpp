@@ -126,7 +126,7 @@ int Build(const std::string& frame, const std::string& version, const std::strin
   runtime.hasOwnSettings = true;
   installServices(runtime);
   CommandSet commands;
-  addCommands(commands);
+  addCommands(commands, std::cout);
   const CommandOutline program = commands.outline();
   const Manual manual(program);
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "platform/ns_formatter.h"
+#include "platform/ns_time_zone.h"
 
 namespace lumenquest::platform {
 
@@ -28,6 +30,8 @@ class Formatters {
 
   /// Sets the zone of the three for dates.
   void setTimeZone(const NSTimeZone& zone);
+  /// The zone they are in, which is the device's until another one is set.
+  NSTimeZone timeZone() const { return timeZone_ ? *timeZone_ : NSTimeZone::localTimeZone(); }
 
   // New formatters on every call.
 
@@ -43,6 +47,7 @@ class Formatters {
   static std::unique_ptr<NSDateFormatter> dateTimeFormatterWithMediumMonthAndNoYear();
 
  private:
+  std::optional<NSTimeZone> timeZone_;
   std::unique_ptr<NSDateFormatter> shortTimeFormatter_;
   std::unique_ptr<NSDateFormatter> shortDateFormatter_;
   std::unique_ptr<NSDateFormatter> shortDateTimeFormatter_;

@@ -1,0 +1,274 @@
+#include "host/home_pages.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "host/web_text.h"
+#include "platform/localized_strings.h"
+#include "widgets/view/environment.h"
+#include "widgets/widget_bundle.h"
+
+namespace lumenquest::host {
+
+namespace {
+
+using platform::ColorScheme;
+using platform::kTableApp;
+using platform::kTableCommon;
+using platform::localizedString;
+using platform::stringWithFormat;
+
+std::string Attribute(const char* name, const std::string& value) {
+  return std::string(" ") + name + "=\"" + htmlEscaped(value) + "\"";
+}
+
+std::string NameOf(const PlacedWidget& widget) {
+  const auto configuration = configurationOf(widget.kind);
+  return configuration ? configuration->displayName : widget.kind;
+}
+
+std::string FamilyText(widgets::WidgetFamily family) {
+  return localizedString(std::string("web_family_") + familyName(family), kTableApp);
+}
+
+std::string ThemeText(widgets::Enum theme) {
+  return localizedString(std::string("web_theme_") + themeName(theme), kTableApp);
+}
+
+bool IsAboutPlace(const PlacedWidget& widget) {
+  const auto configuration = configurationOf(widget.kind);
+  return configuration && configuration->intent == widgets::ConfigurationIntent::locationSelector;
+}
+
+std::string PlaceText(const PlacedWidget& widget) {
+  return widget.place ? widget.place->name : localizedString("my_location", kTableCommon);
+}
+
+/// " width=... height=..." in points.
+std::string SizeOf(widgets::WidgetFamily family) {
+  const platform::CGSize size = widgets::view::sizeOf(family);
+  return Attribute("width", std::to_string(std::lround(size.width))) +
+         Attribute("height", std::to_string(std::lround(size.height)));
+}
+
+/// An image in both schemes, of which the viewer shows that of his own.
+std::string Pictured(const std::string& address, const std::string& more,
+                     widgets::WidgetFamily family, const std::string& alternative) {
+  const auto source = [&](const char* scheme) {
+    return htmlEscaped(address + "?scheme=" + scheme + more);
+  };
+  return "<picture><source media=\"(prefers-color-scheme: light)\" srcset=\"" + source("light") +
+         "\"><img src=\"" + source("dark") + "\"" + SizeOf(family) + " alt=\"" + alternative +
+         "\"></picture>";
+}
+
+/// The schemes that a widget is drawn in; a theme of its own is one.
+std::vector<std::pair<ColorScheme, const char*>> SchemesOf(const PlacedWidget& widget) {
+  if (widget.theme == widgets::Enum::dark) return {{ColorScheme::dark, ""}};
+  if (widget.theme == widgets::Enum::light) return {{ColorScheme::light, ""}};
+  return {{ColorScheme::dark, " class=\"in-dark\""}, {ColorScheme::light, " class=\"in-light\""}};
+}
+
+std::string VersionQuery(const ShownWidget& shown) { return "&v=" + std::to_string(shown.version); }
+
+std::string PictureOf(const ShownWidget& shown, const std::string& alternative) {
+  const PlacedWidget& widget = shown.widget;
+  const std::string address = "/widget/" + widget.id + ".svg";
+  if (widget.theme == widgets::Enum::system) {
+    return Pictured(address, VersionQuery(shown), widget.family, alternative);
+  }
+  return "<img src=\"" +
+         htmlEscaped(address + "?scheme=" + themeName(widget.theme) + VersionQuery(shown)) + "\"" +
+         SizeOf(widget.family) + " alt=\"" + alternative + "\">";
+}
+
+/// What the edit page's script says and asks, as attributes of <main>.
+std::string EditWords() {
+  std::string attributes;
+  for (const char* const word : {"added", "removed", "undo", "moved", "saved", "failed", "found",
+                                 "nothing_found", "searching"}) {
+    std::string name = word;
+    std::replace(name.begin(), name.end(), '_', '-');
+    attributes += " data-" + name + "=\"" + webText(std::string("web_edit_") + word) + "\"";
+  }
+  return attributes;
+}
+
+std::string Button(const char* action, const std::string& text, const std::string& label,
+                   bool isDisabled = false) {
+  return std::string("<button type=\"button\" data-action=\"") + action + "\"" +
+         Attribute("aria-label", label) + (isDisabled ? " aria-disabled=\"true\"" : "") + ">" +
+         text + "</button>\n";
+}
+
+std::string LabelFor(const char* key, const std::string& name) {
+  return stringWithFormat(localizedString(key, kTableApp), {name});
+}
+
+std::string ThemeChoice(const PlacedWidget& widget, const std::string& name) {
+  std::string html = "<label class=\"choice\"><span>" + webText("web_theme") +
+                     "</span><select data-action=\"theme\"" +
+                     Attribute("aria-label", LabelFor("web_theme_of", name)) + ">";
+  for (const widgets::Enum theme :
+       {widgets::Enum::system, widgets::Enum::dark, widgets::Enum::light}) {
+    html += std::string("<option value=\"") + themeName(theme) + "\"" +
+            (theme == widget.theme ? " selected" : "") + ">" + htmlEscaped(ThemeText(theme)) +
+            "</option>";
+  }
+  return html + "</select></label>\n";
+}
+
+std::string PlacedItem(const ShownWidget& shown, std::size_t index, std::size_t count) {
+  const PlacedWidget& widget = shown.widget;
+  const std::string name = NameOf(widget);
+  // Two of a kind are told apart by their numbers in the list.
+  const std::string title = stringWithFormat(localizedString("web_edit_widget", kTableApp),
+                                             {name, std::to_string(index + 1)});
+  std::string html = "<li class=\"placed " + std::string(familyName(widget.family)) + "\"" +
+                     Attribute("data-id", widget.id) + Attribute("data-name", name) + ">\n";
+  html +=
+      "<div class=\"grip\" aria-hidden=\"true\"><svg width=\"16\" height=\"24\"><path d=\"M3 "
+      "4h2v2h-2zM11 4h2v2h-2zM3 11h2v2h-2zM11 11h2v2h-2zM3 18h2v2h-2zM11 18h2v2h-2z\"/></svg>"
+      "</div>\n<div class=\"thumb\">" +
+      PictureOf(shown, "") + "</div>\n<div class=\"what\"><h3>" + htmlEscaped(name) + "</h3><p>" +
+      htmlEscaped(FamilyText(widget.family)) + "</p></div>\n";
+  html += "<div class=\"choices\">\n";
+  if (IsAboutPlace(widget)) {
+    html += "<div class=\"choice\"><span>" + webText("web_place") +
+            "</span><button type=\"button\" data-action=\"place\" aria-haspopup=\"dialog\"" +
+            Attribute("aria-label", stringWithFormat(localizedString("web_place_of", kTableApp),
+                                                     {name, PlaceText(widget)})) +
+            ">" + bdi(PlaceText(widget)) + "</button></div>\n";
+  }
+  html += ThemeChoice(widget, name) + "</div>\n<div class=\"moves\">\n";
+  html += Button("up", "<span aria-hidden=\"true\">\u2191</span>", LabelFor("web_move_up", title),
+                 index == 0);
+  html += Button("down", "<span aria-hidden=\"true\">\u2193</span>",
+                 LabelFor("web_move_down", title), index + 1 == count);
+  html +=
+      Button("remove", "<span aria-hidden=\"true\">\u00D7</span>", LabelFor("web_remove", title));
+  return html + "</div>\n</li>\n";
+}
+
+std::string Gallery() {
+  std::string html = "<ul class=\"gallery\">\n";
+  for (const auto& configuration : widgets::LumenquestWidgets::configurations()) {
+    for (const widgets::WidgetFamily family : configuration.supportedFamilies) {
+      const std::string size = FamilyText(family);
+      html += std::string("<li class=\"sample ") + familyName(family) +
+              "\">\n<div class=\"thumb\">" +
+              Pictured("/sample/" + configuration.kind + "-" + familyName(family) + ".svg", "",
+                       family, "") +
+              "</div>\n<h3>" + htmlEscaped(configuration.displayName) + " <span>" +
+              htmlEscaped(size) + "</span></h3>\n<p>" + htmlEscaped(configuration.description) +
+              "</p>\n<button type=\"button\" data-action=\"add\"" +
+              Attribute("data-kind", configuration.kind) +
+              Attribute("data-family", familyName(family)) +
+              Attribute("data-name", configuration.displayName) +
+              Attribute("aria-label", stringWithFormat(localizedString("web_add_widget", kTableApp),
+                                                       {configuration.displayName, size})) +
+              ">" + webText("web_add") + "</button>\n</li>\n";
+    }
+  }
+  return html + "</ul>\n";
+}
+
+std::string PlaceDialog() {
+  return "<dialog id=\"places\" aria-labelledby=\"places-title\">\n<h2 id=\"places-title\">" +
+         webText("web_choose_place") +
+         "</h2>\n<input id=\"places-search\" type=\"search\" role=\"combobox\" "
+         "aria-expanded=\"true\" aria-controls=\"places-list\" aria-autocomplete=\"list\" "
+         "autocomplete=\"off\" spellcheck=\"false\" aria-label=\"" +
+         webText("web_search_place") + "\" placeholder=\"" + webText("web_search_place") +
+         "\">\n<div id=\"places-list\" role=\"listbox\" aria-label=\"" +
+         webText("web_choose_place") +
+         "\"></div>\n<p id=\"places-message\" role=\"status\"></p>\n<button type=\"button\" "
+         "data-action=\"cancel\">" +
+         webText("web_cancel") + "</button>\n</dialog>\n";
+}
+
+}  // namespace
+
+std::string widgetItem(const ShownWidget& shown, WidgetPictures& pictures) {
+  const PlacedWidget& widget = shown.widget;
+  const auto schemes = SchemesOf(widget);
+  const WidgetPicture& picture = pictures.pictureOf(shown, schemes.front().first);
+  std::string html = "<li class=\"widget " + std::string(familyName(widget.family)) +
+                     (shown.isPlaceholder ? " is-placeholder" : "") + "\"" +
+                     Attribute("data-id", widget.id) +
+                     Attribute("data-version", std::to_string(shown.version)) + ">\n<h2>" +
+                     htmlEscaped(NameOf(widget)) + "</h2>\n";
+  // Sample data are no news to be read out.
+  const std::string alternative =
+      shown.isPlaceholder ? webText("web_loading") : picture.description;
+  if (!picture.hasInnerLinks || shown.isPlaceholder) {
+    return html + "<a class=\"face\" href=\"" + htmlEscaped(pageOfWidget(widget)) + "\">" +
+           PictureOf(shown, alternative) + "</a>\n</li>\n";
+  }
+  // An image has no links: these stand in the page itself, once a scheme, of which one is shown.
+  html += "<div class=\"face\">";
+  for (const auto& [scheme, attribute] : schemes) {
+    html +=
+        std::string("<div") + attribute + ">" + *pictures.pictureOf(shown, scheme).svg + "</div>";
+  }
+  return html + "</div>\n</li>\n";
+}
+
+WebPage homePage(const std::vector<ShownWidget>& shown, WidgetPictures& pictures) {
+  WebPage page;
+  page.title = "Lumenquest";
+  page.kind = "home";
+  page.script = "home.js";
+  page.refreshSeconds = 60;
+  page.main = "<header class=\"top\"><h1>Lumenquest</h1><a class=\"edit\" href=\"/edit\">" +
+              webText("web_edit") + "</a></header>\n";
+  if (shown.empty()) {
+    page.main += "<ul class=\"grid\"></ul>\n<p class=\"empty\">" + webText("web_empty") +
+                 " <a href=\"/edit\">" + webText("web_add_some") + "</a></p>\n";
+    return page;
+  }
+  // Half a phone's row each.
+  std::size_t cells = 0;
+  std::string items;
+  for (const ShownWidget& one : shown) {
+    cells += one.widget.family == widgets::WidgetFamily::systemSmall    ? 1
+             : one.widget.family == widgets::WidgetFamily::systemMedium ? 2
+                                                                        : 4;
+    items += widgetItem(one, pictures);
+  }
+  constexpr std::size_t kCellsOfFourColumns = 12;
+  page.main += std::string("<ul class=\"grid") + (cells > kCellsOfFourColumns ? " is-full" : "") +
+               "\">\n" + items + "</ul>\n";
+  return page;
+}
+
+WebPage editPage(const std::vector<ShownWidget>& shown) {
+  WebPage page;
+  page.title = localizedString("web_edit_title", kTableApp);
+  page.kind = "editing";
+  page.script = "edit.js";
+  page.attributes = EditWords();
+  page.main = "<header class=\"heading\">\n<h1>" + htmlEscaped(page.title) +
+              "</h1>\n<a class=\"done\" href=\"/\">" + webText("web_done") +
+              "</a></header>\n<noscript><p class=\"card\">" + webText("web_edit_needs_script") +
+              "</p></noscript>\n<p id=\"said\" role=\"status\"></p>\n<p id=\"failed\" "
+              "role=\"alert\"></p>\n";
+  page.main +=
+      "<section aria-labelledby=\"placed-title\">\n<h2 id=\"placed-title\" "
+      "tabindex=\"-1\">" +
+      webText("web_edit_placed") + "</h2>\n<ol id=\"placed\">\n";
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    page.main += PlacedItem(shown[i], i, shown.size());
+  }
+  page.main += "</ol>\n";
+  if (shown.empty()) page.main += "<p class=\"empty\">" + webText("web_empty") + "</p>\n";
+  page.main +=
+      "</section>\n<section aria-labelledby=\"gallery-title\">\n<h2 "
+      "id=\"gallery-title\">" +
+      webText("web_edit_gallery") + "</h2>\n" + Gallery() + "</section>\n" + PlaceDialog();
+  return page;
+}
+
+}  // namespace lumenquest::host

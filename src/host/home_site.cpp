@@ -1,0 +1,262 @@
+#include "host/home_site.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string_view>
+#include <variant>
+
+#include "events/moon_shadow.h"
+#include "host/day_pages.h"
+#include "host/home_pages.h"
+#include "host/plan_pages.h"
+#include "host/web_text.h"
+#include "platform/localized_strings.h"
+#include "platform/location_utils.h"
+#include "platform/ns_user_defaults.h"
+#include "platform/place_zone.h"
+#include "platform/services.h"
+#include "widgets/widget_bundle.h"
+
+namespace lumenquest::host {
+
+namespace {
+
+using platform::ColorScheme;
+using platform::kTableApp;
+using platform::localizedString;
+
+constexpr const char* kSvg = "image/svg+xml";
+
+/// A version of contents, for caches: FNV-1a, 64 bits.
+std::string TagOf(const std::string& contents) {
+  std::uint64_t hash = 0xcbf29ce484222325u;
+  for (const char c : contents) {
+    hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+  }
+  char text[17];
+  std::snprintf(text, sizeof(text), "%016llx", static_cast<unsigned long long>(hash));
+  return text;
+}
+
+std::string ContentTypeOf(const std::string& name) {
+  if (name.ends_with(".css")) return "text/css; charset=utf-8";
+  if (name.ends_with(".js")) return "text/javascript; charset=utf-8";
+  return kSvg;
+}
+
+std::string Parameter(const WebRequest& request, const char* name) {
+  const auto found = request.query.find(name);
+  return found == request.query.end() ? "" : found->second;
+}
+
+ColorScheme SchemeOf(const WebRequest& request) {
+  return Parameter(request, "scheme") == "light" ? ColorScheme::light : ColorScheme::dark;
+}
+
+/// What an entry of the sky says of its place; null for the plans.
+const widgets::LocationWidgetData* LocationDataOf(const AnyEntry& entry) {
+  return std::visit(
+      [](const auto& kind) -> const widgets::LocationWidgetData* {
+        if constexpr (requires { kind.data.locationData; }) {
+          return &kind.data.locationData;
+        } else {
+          return nullptr;
+        }
+      },
+      entry);
+}
+
+std::string CoordinateText(const platform::CLLocation& location) {
+  return platform::LocationUtils::latLonStringWithCoordinate(location.coordinate);
+}
+
+std::optional<platform::NSTimeZone> KnownZone(const std::optional<std::string>& name) {
+  return name ? platform::NSTimeZone::timeZoneWithName(*name) : std::nullopt;
+}
+
+/// Where the device was last.
+std::optional<DayPlace> LastPlace() {
+  const auto location = platform::SavedLocation::load();
+  if (!location) return std::nullopt;
+  const platform::SavedPlace place = platform::SavedLocation::readPlace();
+  return DayPlace{place.address.value_or(CoordinateText(*location)), *location,
+                  KnownZone(place.timeZone).value_or(platform::NSTimeZone::localTimeZone())};
+}
+
+/// Where a widget is; nothing when nobody knows.
+std::optional<DayPlace> PlaceOf(const ShownWidget* shown) {
+  if (shown == nullptr || !shown->widget.place) return LastPlace();
+  const widgets::IntentPlacemark& place = *shown->widget.place;
+  const widgets::LocationWidgetData* const data = LocationDataOf(shown->entry);
+  // The provider has looked up the place's zone; sample data are of another place.
+  const auto zone = data != nullptr && !shown->isPlaceholder ? data->timeZone : std::nullopt;
+  if (!zone && shown->isPlaceholder) return std::nullopt;
+  return DayPlace{place.name.empty() ? CoordinateText(place.location) : place.name, place.location,
+                  zone.value_or(platform::NSTimeZone::localTimeZone())};
+}
+
+/// The Moon's picture as it stands in the sky.
+platform::UIImage MoonImage(const PlaceDay& day) {
+  constexpr double kPoints = 180.0;
+  const auto picture = platform::Services::current().assets().imageNamed("moon");
+  const events::MoonPhaseResult phase =
+      day.values.moonPhaseData.value_or(events::MoonPhaseResult());
+  return events::MoonShadow::drawShadowOnMoonImage(
+      picture.get(), {kPoints, kPoints}, static_cast<double>(phase.zenithAngle), phase.phase,
+      static_cast<double>(phase.sunElevation), static_cast<double>(phase.phaseIllumination), 0.0,
+      day.isSupermoon);
+}
+
+}  // namespace
+
+HomeSite::HomeSite(Scheduler& scheduler, HomeScreenFile& file, HomeSiteOptions options)
+    : scheduler_(scheduler),
+      options_(std::move(options)),
+      pictures_(options_.drawWidget),
+      api_(scheduler, file, [this](const HomeScreen& screen) {
+        scheduler_.show(screen);
+        homeScreenIsNew();
+      }) {}
+
+void HomeSite::entryIsNew(const ShownWidget& shown) {
+  options_.publish(
+      "entry", nlohmann::ordered_json{{"id", shown.widget.id}, {"version", shown.version}}.dump());
+}
+
+void HomeSite::homeScreenIsNew() {
+  pictures_.keepOnly(scheduler_.shown());
+  options_.publish("home", "{}");
+}
+
+WebResponse HomeSite::answer(const WebRequest& request) {
+  const std::string& path = request.path;
+  if (path.starts_with("/api/")) return api_.answer(request);
+  if (request.method == "POST") {
+    WebResponse response = Message(localizedString("web_not_found_title", kTableApp),
+                                   localizedString("web_not_found", kTableApp), 405);
+    response.allow = "GET, HEAD";
+    return response;
+  }
+  if (path == "/") return Page(homePage(scheduler_.shown(), pictures_));
+  if (path == "/edit") return Page(editPage(scheduler_.shown()));
+  if (path == "/sun" || path == "/moon" || path == "/moon.svg") return Day(request);
+  if (path == "/plans") {
+    WebPage page{localizedString("appwidget_plans", platform::kTableCommon), "plans-page",
+                 plansPageContent(), "home.js"};
+    return Page(page);
+  }
+  if (path == "/plan") {
+    const auto content = planPageContent(Parameter(request, "id"));
+    if (!content) return NotFound();
+    return Page({localizedString("appwidget_plans", platform::kTableCommon), "plans-page", *content,
+                 "home.js"});
+  }
+  if (path == "/open") return Open(Parameter(request, "url"));
+  const auto after = [&](std::string_view start) { return path.substr(start.size()); };
+  if (path.starts_with("/widget/")) return Widget(after("/widget/"), request);
+  if (path.starts_with("/sample/")) return Sample(after("/sample/"), request);
+  const auto file = options_.files.find(path.substr(1));
+  if (file == options_.files.end()) return NotFound();
+  WebResponse response;
+  response.contentType = ContentTypeOf(file->first);
+  response.body = file->second;
+  response.etag = TagOf(file->second);
+  return response;
+}
+
+WebResponse HomeSite::Page(const WebPage& page, int status) const {
+  WebResponse response;
+  response.status = status;
+  response.contentType = "text/html; charset=utf-8";
+  response.body = documentOf(page, options_.language);
+  return response;
+}
+
+WebResponse HomeSite::Message(const std::string& title, const std::string& sentence,
+                              int status) const {
+  return Page({title, "message", pageHeading(title, "<p>" + htmlEscaped(sentence) + "</p>\n")},
+              status);
+}
+
+WebResponse HomeSite::NotFound() const {
+  return Message(localizedString("web_not_found_title", kTableApp),
+                 localizedString("web_not_found", kTableApp), 404);
+}
+
+WebResponse HomeSite::SvgOf(const std::shared_ptr<const std::string>& svg) const {
+  WebResponse response;
+  response.contentType = kSvg;
+  response.sharedBody = svg;
+  response.etag = TagOf(*svg);
+  return response;
+}
+
+WebResponse HomeSite::Widget(const std::string& name, const WebRequest& request) {
+  constexpr std::string_view kExtension = ".svg";
+  const bool isPicture = name.ends_with(kExtension);
+  const ShownWidget* const shown =
+      scheduler_.find(isPicture ? name.substr(0, name.size() - kExtension.size()) : name);
+  if (shown == nullptr) return NotFound();
+  if (isPicture) return SvgOf(pictures_.pictureOf(*shown, SchemeOf(request)).svg);
+  WebResponse response;
+  response.contentType = "text/html; charset=utf-8";
+  response.body = widgetItem(*shown, pictures_);
+  return response;
+}
+
+WebResponse HomeSite::Sample(const std::string& name, const WebRequest& request) {
+  for (const auto& configuration : widgets::LumenquestWidgets::configurations()) {
+    for (const widgets::WidgetFamily family : configuration.supportedFamilies) {
+      if (name == configuration.kind + "-" + familyName(family) + ".svg") {
+        return SvgOf(pictures_.sampleOf(configuration.kind, family, SchemeOf(request)).svg);
+      }
+    }
+  }
+  return NotFound();
+}
+
+WebResponse HomeSite::Day(const WebRequest& request) {
+  const std::string id = Parameter(request, "widget");
+  const ShownWidget* const shown = id.empty() ? nullptr : scheduler_.find(id);
+  if (!id.empty() && shown == nullptr) return NotFound();
+  const bool isSun = request.path == "/sun";
+  const std::string title =
+      localizedString(isSun ? "appwidget_sun" : "appwidget_moon", platform::kTableCommon);
+  const std::optional<DayPlace> place = PlaceOf(shown);
+  if (!place) {
+    const bool isComing = shown != nullptr && shown->isPlaceholder && shown->widget.place;
+    WebPage page{title, "message",
+                 pageHeading(title, "<p>" + webText(isComing ? "web_loading" : "web_no_location") +
+                                        "</p>\n"),
+                 "home.js", " data-refresh=\"2\""};
+    page.refreshSeconds = 2;
+    return Page(page);
+  }
+  const platform::PlaceZone zone(place->timeZone);
+  const PlaceDay day = computePlaceDay(*place, isSun ? nullptr : &nextVisibleDates_);
+  if (request.path == "/moon.svg") {
+    return SvgOf(std::make_shared<const std::string>(options_.drawImage(MoonImage(day))));
+  }
+  WebPage page;
+  page.title = title + " \u2013 \u2068" + place->title + "\u2069";
+  page.kind = "day";
+  page.script = "home.js";
+  page.attributes = " data-refresh=\"60\"";
+  page.refreshSeconds = 60;
+  page.main = isSun ? sunPageContent(day, options_.language.isRightToLeft)
+                    : moonPageContent(
+                          day, "/moon.svg" + (id.empty() ? "" : "?widget=" + percentEncoded(id)));
+  return Page(page);
+}
+
+WebResponse HomeSite::Open(const std::string& url) const {
+  const std::string page = pageOfDeepLink(url, "");
+  if (page.empty()) return NotFound();
+  WebResponse response = WebResponse::ofStatus(302);
+  response.location = page;
+  return response;
+}
+
+}  // namespace lumenquest::host
