@@ -73,8 +73,9 @@ std::string List(const HomeCommandOptions& options) {
 }
 
 std::vector<Suggestion> SuggestWidgets(const std::string&) {
+  const HomeScreen screen = homeScreenFile().load();
   std::vector<Suggestion> suggestions;
-  for (const PlacedWidget& widget : homeScreenFile().load().widgets()) {
+  for (const PlacedWidget& widget : screen.widgets()) {
     suggestions.push_back({widget.id, PlaceText(widget)});
   }
   return suggestions;
