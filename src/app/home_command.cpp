@@ -84,6 +84,15 @@ std::string List(const HomeCommandOptions& options) {
   return table.Text();
 }
 
+std::vector<Suggestion> SuggestWidgets(const std::string&) {
+  const HomeScreen screen = homeScreenFile().load();
+  std::vector<Suggestion> suggestions;
+  for (const PlacedWidget& widget : screen.widgets()) {
+    suggestions.push_back({widget.id, PlaceText(widget)});
+  }
+  return suggestions;
+}
+
 /// Counted from 1, as people do.
 std::optional<std::size_t> ParsePosition(const OptionText& text) {
   if (!text) return std::nullopt;

@@ -14,7 +14,7 @@ inline constexpr int kExitFailure = 1;
 inline constexpr int kExitUsage = 2;
 
 /// Adds all commands to the set, whose texts are those of the strings service at this moment. Those
-/// that run on write to `out` as they go.
+/// that go on for long write to `out` as they go.
 void addCommands(CommandSet& commands, std::ostream& out);
 
 /// Runs the command with these arguments (without the program's name): results to `out`, one-line
