@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
@@ -100,13 +101,21 @@ std::optional<DayPlace> PlaceOf(const ShownWidget* shown) {
 /// The Moon's picture as it stands in the sky.
 platform::UIImage MoonImage(const PlaceDay& day) {
   constexpr double kPoints = 180.0;
+  // The shadow reaches a little beyond the disc.
+  constexpr double kMargin = 4.0;
+  const platform::CGRect whole{0.0, 0.0, kPoints, kPoints};
+  const platform::CGRect disc = whole.insetBy(kMargin);
   const auto picture = platform::Services::current().assets().imageNamed("moon");
   const events::MoonPhaseResult phase =
       day.values.moonPhaseData.value_or(events::MoonPhaseResult());
-  return events::MoonShadow::drawShadowOnMoonImage(
-      picture.get(), {kPoints, kPoints}, static_cast<double>(phase.zenithAngle), phase.phase,
-      static_cast<double>(phase.sunElevation), static_cast<double>(phase.phaseIllumination), 0.0,
-      day.isSupermoon);
+  platform::ImageContext context({whole.width, whole.height});
+  context.embedImage(
+      std::make_shared<const platform::UIImage>(events::MoonShadow::drawShadowOnMoonImage(
+          picture.get(), {disc.width, disc.height}, static_cast<double>(phase.zenithAngle),
+          phase.phase, static_cast<double>(phase.sunElevation),
+          static_cast<double>(phase.phaseIllumination), 0.0, day.isSupermoon)),
+      disc, {});
+  return context.image();
 }
 
 }  // namespace
