@@ -70,9 +70,11 @@ void AddRiseSet(Table& table, const events::WidgetAstrolib& values, const char* 
 std::string GalacticCentreEnd(const TodayReport& report, const char* titleKey, double mjd,
                               double tilt) {
   const double azimuth = events::MilkyWay::azimuthOfGalacticCenter(report.location, mjd);
+  // Due north is 0°, and not 360°.
+  const double wholeDegrees = std::fmod(std::round(azimuth), 360.0);
   return stringWithFormat(
       appText("value_galactic_centre_end"),
-      {EphemerisText(titleKey), TimeText(report.values, mjd), Number(azimuth, 0),
+      {EphemerisText(titleKey), TimeText(report.values, mjd), Number(wholeDegrees, 0),
        platform::LocationUtils::cardinalNameForBearing(azimuth),
        Number(tilt * ephemeris::kRadiansToDegrees, 0)});
 }

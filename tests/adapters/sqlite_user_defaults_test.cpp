@@ -20,25 +20,14 @@
 #include <sstream>
 #include <thread>
 
+#include "scratch_folder.h"
+
 namespace lumenquest::adapters {
 namespace {
 
 using platform::NSUserDefaults;
+using testing::ScratchFolder;
 namespace fs = std::filesystem;
-
-/// A folder that goes with the test.
-class Folder {
- public:
-  Folder() {
-    std::string pattern = (fs::temp_directory_path() / "lumenquest-test-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
-  }
-  ~Folder() { fs::remove_all(path_); }
-  std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  fs::path path_;
-};
 
 std::string Bytes(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
@@ -64,7 +53,7 @@ int Wait(pid_t child) {
 }
 
 TEST(SqliteUserDefaults, HoldsEveryTypeAndText) {
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string path = folder / "a folder/settings.sqlite";
   const NSUserDefaults::Dictionary values{
       {"flag", true},
@@ -97,7 +86,7 @@ TEST(SqliteUserDefaults, HoldsEveryTypeAndText) {
 }
 
 TEST(SqliteUserDefaults, LeavesForeignFilesAlone) {
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string foreign = folder / "foreign.sqlite";
   sqlite3* database = nullptr;
   sqlite3_open(foreign.c_str(), &database);
@@ -139,7 +128,7 @@ TEST(SqliteUserDefaults, LeavesForeignFilesAlone) {
 }
 
 TEST(SqliteUserDefaults, KeepsTheOldValueWhenTheDiskIsFull) {
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string path = folder / "settings.sqlite";
   SqliteUserDefaults(path).setObject(std::string("old"), "key");
   const int status = Wait(Fork([&] {
@@ -156,7 +145,7 @@ TEST(SqliteUserDefaults, KeepsTheOldValueWhenTheDiskIsFull) {
 }
 
 TEST(SqliteUserDefaults, TwoWritersLoseNoKey) {
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string path = folder / "settings.sqlite";  // made by whoever comes first
   constexpr int kKeys = 60;
   std::vector<pid_t> children;
@@ -181,7 +170,7 @@ TEST(SqliteUserDefaults, SurvivesAKillAtAnyMoment) {
   // and nothing is torn. LUMENQUEST_SOAK sets the number of kills.
   const char* soak = std::getenv("LUMENQUEST_SOAK");
   const int kills = soak != nullptr ? std::atoi(soak) : 40;
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string path = folder / "settings.sqlite";
   std::mt19937 random(4);
   std::int64_t acknowledged = 0;

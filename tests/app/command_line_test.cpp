@@ -21,8 +21,8 @@ namespace {
 using Json = nlohmann::json;
 
 using testing::Call;
-using testing::Folder;
 using testing::Result;
+using testing::ScratchFolder;
 
 /// The user's own settings stay out of the tests.
 const int kNoSettings = setenv("XDG_DATA_HOME", "/nonexistent", 1);
@@ -85,7 +85,7 @@ TEST(CommandLine, WrongUseIsOneLineThatSaysWhatWouldBeRight) {
 }
 
 TEST(Settings, ListGetAndSet) {
-  const Folder data;
+  const ScratchFolder data;
   setenv("XDG_DATA_HOME", data.path().c_str(), 1);
   const auto call = [](std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), "settings");
@@ -123,7 +123,7 @@ TEST(Settings, ListGetAndSet) {
   }
 
   // A file that is something else is named, left alone, and does not keep the day from being shown.
-  const Folder other;
+  const ScratchFolder other;
   setenv("XDG_DATA_HOME", other.path().c_str(), 1);
   const std::filesystem::path foreign =
       other.path() + "/lumenquest/group.lumenquest.lumenquest/settings.sqlite";

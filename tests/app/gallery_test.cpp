@@ -148,7 +148,7 @@ TEST(Gallery, HostileWordsStayInTheirBoxes) {
 
 TEST(Gallery, DrawsAllIntoAFolder) {
   const DataFolder data;
-  const testing::Folder folder;
+  const testing::ScratchFolder folder;
   const std::string target = folder.path() + "/new/pictures";
   const Result result = Call({"gallery", target, "--locale", "en", "--scale", "1"});
   EXPECT_EQ(result.code, 0) << result.err;

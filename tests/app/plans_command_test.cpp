@@ -17,8 +17,8 @@ namespace {
 using Json = nlohmann::json;
 using testing::Call;
 using testing::DataFolder;
-using testing::Folder;
 using testing::Result;
+using testing::ScratchFolder;
 
 platform::NSDate Instant(const std::string& text) { return adapters::parseRfc3339(text).value(); }
 
@@ -145,7 +145,7 @@ TEST(Plans, WrongUseSaysWhatWouldBeRightAndMakesNoStore) {
 }
 
 TEST(Plans, ImportExport) {
-  const Folder files;
+  const ScratchFolder files;
   const std::string calendar = files.path() + "/plans.ics";
   Json before;
   {

@@ -18,11 +18,11 @@ using ::testing::AllOf;
 using testing::Call;
 using ::testing::Contains;
 using testing::DataFolder;
-using testing::Folder;
 using ::testing::HasSubstr;
 using ::testing::Not;
 using testing::Pixels;
 using testing::Result;
+using testing::ScratchFolder;
 using testing::XmlContents;
 
 using Arguments = std::vector<std::string>;
@@ -45,7 +45,7 @@ std::string Contents(const std::string& path) {
 
 TEST(Render, WritesPicturesInEverySize) {
   const DataFolder data;
-  const Folder folder;
+  const ScratchFolder folder;
   struct Case {
     Arguments arguments;
     int width;
@@ -99,7 +99,7 @@ TEST(Render, SchemesAreSeen) {
 
 TEST(Render, SvgKeepsWordsAndLinks) {
   const DataFolder data;
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string file = folder.path() + "/widget.svg";
   const Result result = Render(Bled({"LumenquestWidget", "-o", file}));
   ASSERT_EQ(result.code, 0) << result.err;
@@ -133,7 +133,7 @@ TEST(Render, SvgKeepsWordsAndLinks) {
 
 TEST(Render, AllOfThem) {
   const DataFolder data;
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string target = folder.path() + "/of mine/now";
   const Result result = Render(Bled({"all", "-o", target}));
   EXPECT_EQ(result.code, 0) << result.err;
@@ -151,7 +151,7 @@ TEST(Render, AllOfThem) {
 
 TEST(Render, WrongUseIsOneLineAndNoFile) {
   const DataFolder data;
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string png = folder.path() + "/a.png";
   struct Case {
     Arguments arguments;
@@ -199,7 +199,7 @@ TEST(Render, WrongUseIsOneLineAndNoFile) {
 
 TEST(Render, WhatCannotBeWrittenLeavesNothingBehind) {
   const DataFolder data;
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string taken = folder.path() + "/taken.png";
   std::filesystem::create_directory(taken);
   const std::string kept = folder.path() + "/kept";
@@ -234,7 +234,7 @@ TEST(Render, WhatCannotBeWrittenLeavesNothingBehind) {
 
 TEST(Gallery, WrongUseIsOneLine) {
   const DataFolder data;
-  const Folder folder;
+  const ScratchFolder folder;
   const std::string target = folder.path() + "/pictures";
   for (const auto& [arguments, mention] : std::vector<std::pair<Arguments, const char*>>{
            {{}, "DIR"},

@@ -15,8 +15,8 @@ namespace {
 using Json = nlohmann::ordered_json;
 using testing::Call;
 using testing::DataFolder;
-using testing::Folder;
 using testing::Result;
+using testing::ScratchFolder;
 
 Result CallTimeline(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), "timeline");
@@ -119,7 +119,7 @@ TEST(Timeline, TheSharedSettingsKeepTheLastPlace) {
 
   // A device that never moves says where it is in its configuration.
   {
-    const Folder configuration;
+    const ScratchFolder configuration;
     setenv("XDG_CONFIG_HOME", configuration.path().c_str(), 1);
     const std::string folder = configuration.path() + "/lumenquest";
     std::filesystem::create_directory(folder);

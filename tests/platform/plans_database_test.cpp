@@ -132,73 +132,48 @@ TEST(Database, DuplicatesComeOnceForEachEarlierEqual) {
 }
 
 TEST(Database, RemovesWhatIsEqualAndNothingElse) {
+  // Names, dates and missing places of plans: below, in any combination.
   const Values plan{{"name", std::string("Bled")},
                     {"date", NSDate(1000.0)},
                     {"latitude", 46.0},
                     {"longitude", 14.0}};
-  const Values poi{{"name", std::string("Hut")}, {"latitude", 1.0}, {"longitude", 2.0}};
-  Values poiAtZero = poi;
-  poiAtZero["longitude"] = 0.0;
+  const Values poi{{"name", std::string("Hut")}, {"latitude", 1.0}, {"longitude", 0.0}};
   const Values camera{{"model", std::string("Field")},
                       {"sensorWidth", 36.0},
                       {"sensorHeight", 24.0},
                       {"megapixels", 45.0}};
-  struct Case {
+  const struct {
     const char* name;
     const char* entity;
     Values first;
     Values change;  // of the second against the first
     std::vector<std::string> images;
-    std::size_t left;
+    bool isEqual;
+  } cases[] = {
+      {"equal", "Planning", plan, {}, {}, true},
+      {"another zone", "Planning", plan, {{"timezone", std::string("UTC")}}, {}, true},
+      {"another date", "Planning", plan, {{"date", NSDate(1000.001)}}, {}, false},
+      {"an image", "Planning", plan, {}, {"a.jpg"}, false},
+      {"poi", "CustomPoi", poi, {}, {}, true},
+      {"exactly 1e-7", "CustomPoi", poi, {{"longitude", 1e-7}}, {}, false},
+      {"poi of another name", "CustomPoi", poi, {{"name", std::string("Hütte")}}, {}, false},
+      {"camera", "CustomCamera", camera, {}, {}, true},
+      {"camera without model", "CustomCamera", camera, {{"model", {}}}, {}, false},
+      {"camera of another size", "CustomCamera", camera, {{"sensorWidth", 36.00000001}}, {}, false},
   };
-  const AttributeValue absent;
-  const Case cases[] = {
-      {"equal", "Planning", plan, {}, {}, 1},
-      {"5e-8 degrees", "Planning", plan, {{"latitude", 46.0 + 5e-8}}, {}, 1},
-      {"1e-7 degrees", "Planning", plan, {{"latitude", 46.0 + 1.0001e-7}}, {}, 2},
-      {"exactly 1e-7", "CustomPoi", poiAtZero, {{"longitude", 1e-7}}, {}, 2},
-      {"another date", "Planning", plan, {{"date", NSDate(1000.001)}}, {}, 2},
-      {"another zone", "Planning", plan, {{"timezone", std::string("UTC")}}, {}, 1},
-      {"another name", "Planning", plan, {{"name", std::string("bled")}}, {}, 2},
-      {"an image", "Planning", plan, {}, {"a.jpg"}, 2},
-      {"right name absent", "Planning", plan, {{"name", absent}}, {}, 2},
-      {"right date absent", "Planning", plan, {{"date", absent}}, {}, 2},
-      {"both names absent",
-       "Planning",
-       {{"date", NSDate(1.0)}, {"latitude", 1.0}, {"longitude", 1.0}},
-       {},
-       {},
-       2},
-      {"both dates absent",
-       "Planning",
-       {{"name", std::string("x")}, {"latitude", 1.0}, {"longitude", 1.0}},
-       {},
-       {},
-       2},
-      {"no place is not 0, 0",
-       "Planning",
-       {{"name", std::string("x")}, {"date", NSDate(1.0)}, {"latitude", 0.0}, {"longitude", 0.0}},
-       {{"latitude", absent}},
-       {},
-       2},
-      {"poi", "CustomPoi", poi, {}, {}, 1},
-      {"poi of another name", "CustomPoi", poi, {{"name", std::string("Hütte")}}, {}, 2},
-      {"camera", "CustomCamera", camera, {}, {}, 1},
-      {"camera without model", "CustomCamera", camera, {{"model", absent}}, {}, 2},
-      {"camera of another size", "CustomCamera", camera, {{"sensorWidth", 36.00000001}}, {}, 2},
-  };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     const ScratchFolder folder;
     const PlansServices services(folder / "group");
     Add(c.entity, c.first);
-    Values second = c.first;
-    for (const auto& [key, value] : c.change) second[key] = value;
+    Values second = c.change;
+    second.insert(c.first.begin(), c.first.end());
     Add(c.entity, second, c.images);
     const auto context = Database::sharedInstance().managedObjectContext();
     ASSERT_FALSE(context->save());
     // Something unsaved: it is saved along with a deletion, and left when there is none.
-    Add("CustomPoi", {{"name", std::string("unsaved")}});
+    const std::string other = c.entity == std::string("Planning") ? "CustomPoi" : "Planning";
+    Add(other, {});
     int completions = 0;
     Database::sharedInstance().removeDuplicatesWithCompletion([&](const auto& error) {
       EXPECT_FALSE(error);
@@ -207,13 +182,9 @@ TEST(Database, RemovesWhatIsEqualAndNothingElse) {
     EXPECT_EQ(completions, 0);
     services.queue->RunAll();
     EXPECT_EQ(completions, 1);
-    EXPECT_EQ(context->hasChanges(), c.left == 2);
     context->reset();
-    std::size_t left = 0;
-    for (const auto& object : All(c.entity)) {
-      if (object->entity().name != "CustomPoi" || object->stringForKey("name") != "unsaved") ++left;
-    }
-    EXPECT_EQ(left, c.left);
+    EXPECT_EQ(All(c.entity).size(), c.isEqual ? 1U : 2U);
+    EXPECT_EQ(All(other).size(), c.isEqual ? 1U : 0U);
   }
 }
 
@@ -272,32 +243,24 @@ TEST(Database, RemovesExactlyWhatTheComparisonOfAllPairsFinds) {
 
 TEST(Database, RemovesDuplicatesOfManyPlansInTimeThatGrowsWithTheirNumber) {
   // All the same; and as many, all in one spot of some centimetres, with few equals among them.
-  constexpr int kPlans = 40000;
   const ScratchFolder folder;
   const PlansServices services(folder / "group");
-  const auto context = Database::sharedInstance().managedObjectContext();
-  for (int i = 0; i < kPlans; ++i) {
-    const double step = i % 2 == 0 ? 0.0 : 3e-8 * (i % 317);
-    Add("Planning", {{"latitude", 46.0 + step},
-                     {"longitude", 14.0 + (i % 2 == 0 ? 0.0 : 3e-8 * (i / 317))},
+  for (int i = 0; i < 40000; ++i) {
+    const bool isSame = i % 2 == 0;
+    Add("Planning", {{"latitude", 46.0 + (isSame ? 0.0 : 3e-8 * (i % 317))},
+                     {"longitude", 14.0 + (isSame ? 0.0 : 3e-8 * (i / 317))},
                      {"date", NSDate(1.0)},
-                     {"name", std::string(i % 2 == 0 ? "same" : "crowd")}});
+                     {"name", std::string(isSame ? "same" : "crowd")}});
   }
-  ASSERT_FALSE(context->save());
-  const auto plans = All("Planning");
+  ASSERT_FALSE(Database::sharedInstance().managedObjectContext()->save());
   Database::sharedInstance().removeDuplicatesWithCompletion(
       [](const auto& error) { EXPECT_FALSE(error); });
   const auto start = std::chrono::steady_clock::now();
   services.queue->RunAll();
-  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
-  RecordProperty("seconds", std::to_string(seconds.count()));
   // A quarter of a second, where every pair would take more than a minute.
-  EXPECT_LT(seconds.count(), 30.0);
-  const auto left = All("Planning");
-  EXPECT_EQ(left.front(), plans.front());
-  EXPECT_EQ(std::count_if(left.begin(), left.end(),
-                          [](const auto& plan) { return plan->stringForKey("name") == "same"; }),
-            1);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+  const std::vector<std::string> left = Names(All("Planning"));
+  EXPECT_EQ(std::count(left.begin(), left.end(), "same"), 1);
 }
 
 TEST(Database, BringsAStoreFromVersion3To4) {
@@ -327,10 +290,8 @@ TEST(Database, BringsAStoreFromVersion3To4) {
     // The widgets read it as it is.
     const std::string before = testing::Contents(url);
     const PlansServices services(folder / "group", Role::reader);
-    EXPECT_TRUE(Database::sharedInstance().isMigrationNeeded());
     const auto plans = All("Planning");
-    ASSERT_EQ(plans.size(), 1U);
-    EXPECT_EQ(plans[0]->stringForKey("name"), "old");
+    ASSERT_THAT(Names(plans), ElementsAre("old"));
     EXPECT_FALSE(plans[0]->stringForKey("uniqueIdentifier"));
     plans[0]->setValue(std::string("new"), "name");
     EXPECT_TRUE(Database::sharedInstance().managedObjectContext()->save());
@@ -412,38 +373,28 @@ TEST(Database, TheModelMayBeOfOneVersion) {
   const fs::path models = folder / "bundle/models";
   fs::create_directories(models);
   const PlansServices services(folder / "");
-  {
-    // Without a model there is no store.
-    Database without;
-    EXPECT_EQ(without.modelURL(), "");
-    EXPECT_EQ(without.managedObjectContext()->persistentStoreCoordinator()->persistentStore(),
-              nullptr);
-  }
+  Database database;
+  EXPECT_EQ(database.modelURL(), "");
+  EXPECT_EQ(database.managedObjectContext()->persistentStoreCoordinator()->persistentStore(),
+            nullptr);
   std::ofstream(models / "Lumenquest.mom")
       << R"({"model": "Lumenquest", "current": 4, "versions": [{"version": 4, "entities":
            [{"name": "Planning", "class": "Planning",
              "attributes": {"uniqueIdentifier": "string", "name": "string"}}]}]})";
-  Database& database = Database::sharedInstance();
-  EXPECT_EQ(database.modelURL().filename(), "Lumenquest.mom");
+  EXPECT_EQ(Database::sharedInstance().modelURL().filename(), "Lumenquest.mom");
   Add("Planning", {{"name", std::string("Bled")}});
-  ASSERT_FALSE(database.managedObjectContext()->save());
-  EXPECT_EQ(Names(All("Planning")), std::vector<std::string>{"Bled"});
+  EXPECT_FALSE(Database::sharedInstance().managedObjectContext()->save());
   // One of several versions goes before it.
   fs::copy_file(fs::path(LUMENQUEST_TEST_RESOURCES) / "models/Lumenquest.momd",
                 models / "Lumenquest.momd");
-  EXPECT_EQ(database.modelURL().filename(), "Lumenquest.momd");
+  EXPECT_EQ(Database::sharedInstance().modelURL().filename(), "Lumenquest.momd");
 }
 
 TEST(Database, TheStaticStoreHoldsSensorFormatsToBeReadOnly) {
   const ScratchFolder folder;
-  const fs::path shipped = fs::path(LUMENQUEST_TEST_RESOURCES) / "models";
-  const auto names = [](const fs::path& in) {
-    std::set<std::string> files;
-    for (const auto& entry : fs::directory_iterator(in)) files.insert(entry.path().filename());
-    return files;
-  };
-  const auto before = names(shipped);
-  const std::string bytes = testing::Contents(shipped / "LumenquestStatic.sqlite");
+  const fs::path shipped =
+      fs::path(LUMENQUEST_TEST_RESOURCES) / "models" / "LumenquestStatic.sqlite";
+  const std::string bytes = testing::Contents(shipped);
   for (const Role role : {Role::owner, Role::reader}) {
     const PlansServices services(folder / "", role);
     const auto context = Database::sharedInstance().staticManagedObjectContext();
@@ -462,17 +413,14 @@ TEST(Database, TheStaticStoreHoldsSensorFormatsToBeReadOnly) {
       const double pixel =
           1000.0 * std::sqrt(width * height / (format->numberForKey("megapixels").value() * 1e6));
       EXPECT_TRUE(pixel > 1.0 && pixel < 8.0) << model << ' ' << pixel;
-      if (model == "Full frame") {
-        EXPECT_EQ(width, 36.0);
-        EXPECT_EQ(height, 24.0);
-      }
     }
-    EXPECT_TRUE(models.contains("Full frame"));
     context->deleteObject(found.value[0]);
     EXPECT_TRUE(context->save());
   }
-  EXPECT_EQ(testing::Contents(shipped / "LumenquestStatic.sqlite"), bytes);
-  EXPECT_EQ(names(shipped), before) << "reading leaves no file";
+  EXPECT_EQ(testing::Contents(shipped), bytes);
+  for (const char* beside : {"-wal", "-shm", "-journal"}) {
+    EXPECT_FALSE(fs::exists(shipped.string() + beside)) << beside;
+  }
 
   fs::create_directories(folder / "bundle");
   const PlansServices services(folder / "");

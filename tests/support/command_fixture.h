@@ -1,36 +1,20 @@
 #pragma once
 
 #include <cstdlib>
-#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "app/command_line.h"
+#include "scratch_folder.h"
 
 namespace lumenquest::testing {
-
-/// A folder that goes with the test.
-class Folder {
- public:
-  Folder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "lumenquest-XXXXXX").string();
-    path_ = mkdtemp(pattern.data());
-  }
-  ~Folder() { std::filesystem::remove_all(path_); }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  const std::string& path() const { return path_; }
-
- private:
-  std::string path_;
-};
 
 /// The user's own configuration stays out of the tests.
 inline const int kNoConfiguration = setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
 
 /// A data folder of the test's own, for settings and plans; the user's stay out of the tests.
-class DataFolder : public Folder {
+class DataFolder : public ScratchFolder {
  public:
   DataFolder() { setenv("XDG_DATA_HOME", path().c_str(), 1); }
   ~DataFolder() { setenv("XDG_DATA_HOME", "/nonexistent", 1); }

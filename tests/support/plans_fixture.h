@@ -1,7 +1,5 @@
 #pragma once
 
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -15,23 +13,10 @@
 #include "platform/database.h"
 #include "platform/planning.h"
 #include "queue_in_memory.h"
+#include "scratch_folder.h"
 #include "test_services.h"
 
 namespace lumenquest::testing {
-
-/// A folder of the test's own, gone with it.
-class ScratchFolder {
- public:
-  ScratchFolder() {
-    std::string pattern = (std::filesystem::temp_directory_path() / "plans-XXXXXX").string();
-    path_ = ::mkdtemp(pattern.data());
-  }
-  ~ScratchFolder() { std::filesystem::remove_all(path_); }
-  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-
- private:
-  std::filesystem::path path_;
-};
 
 inline std::string Contents(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);

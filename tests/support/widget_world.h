@@ -133,7 +133,7 @@ class ScriptedGeocoder final : public platform::Geocoder {
     waiting_.push_back({location, std::move(completion)});
     if (answersAtOnce) Answer(waiting_.size() - 1);
   }
-  void geocodeAddressString(const std::string&, Completion) override { ++searches; }
+  void geocodeAddressString(const std::string&, Completion) override {}
 
   std::size_t waiting() const { return waiting_.size(); }
   /// Lets the answer to the n-th of those that wait go, onto the main queue.
@@ -155,7 +155,6 @@ class ScriptedGeocoder final : public platform::Geocoder {
   bool fails = false;
   bool answersAtOnce = true;
   int requests = 0;
-  int searches = 0;
 
  private:
   struct Request {

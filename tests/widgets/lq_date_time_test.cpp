@@ -39,62 +39,41 @@ LQDateTime DateTime(Integer year, Integer month, Integer day, Integer hour = 0,
   return result;
 }
 
-double DayOfMonth(const LQDateTime& dateTime) {
-  return static_cast<double>(dateTime.getDay()) + dateTime.time() / 24.0;
-}
-
-TEST(LQDateTime, JulianDaysOfTheBook) {
+TEST(LQDateTime, JulianDaysOfTheBookAndTheCalendarChange) {
   // Meeus, Astronomical Algorithms, chapter 7: examples 7.a to 7.c and the table after them.
-  struct Case {
+  const struct {
     Integer year, month;
     double day;
     double jd;
-  };
-  const Case cases[] = {
-      {1957, 10, 4.81, 2436116.31}, {333, 1, 27.5, 1842713.0},   {-584, 5, 28.63, 1507900.13},
-      {2000, 1, 1.5, 2451545.0},    {1999, 1, 1.0, 2451179.5},   {1987, 1, 27.0, 2446822.5},
-      {1987, 6, 19.5, 2446966.0},   {1988, 1, 27.0, 2447187.5},  {1988, 6, 19.5, 2447332.0},
-      {1900, 1, 1.0, 2415020.5},    {1600, 1, 1.0, 2305447.5},   {1600, 12, 31.0, 2305812.5},
-      {837, 4, 10.3, 2026871.8},    {-123, 12, 31.0, 1676496.5}, {-122, 1, 1.0, 1676497.5},
-      {-1000, 7, 12.5, 1356001.0},  {-1000, 2, 29.0, 1355866.5}, {-1001, 8, 17.9, 1355671.4},
+    bool isOneWay = false;
+  } cases[] = {
+      {1957, 10, 4.81, 2436116.31},
+      {333, 1, 27.5, 1842713.0},
+      {-584, 5, 28.63, 1507900.13},
+      {2000, 1, 1.5, 2451545.0},
+      {1600, 12, 31.0, 2305812.5},
+      {-1000, 2, 29.0, 1355866.5},
       {-4712, 1, 1.5, 0.0},
+      {1582, 10, 4.0, 2299159.5},         // the last Julian day
+      {1582, 10, 5.0, 2299150.5, true},   // Gregorian, as the ten days that did not exist
+      {1582, 10, 14.0, 2299159.5, true},  //
+      {1582, 10, 15.0, 2299160.5},        // the day after October 4
+      {1582, 2, 1.0, 2298914.5},          // counts as the 14th month of the year before
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     const double wholeDay = std::floor(c.day);
     const LQDateTime dateTime =
         DateTime(c.year, c.month, static_cast<Integer>(wholeDay), 0, (c.day - wholeDay) * 1440.0);
     EXPECT_NEAR(dateTime.julianDay(), c.jd, 1e-8) << c.jd;
     EXPECT_NEAR(dateTime.modifiedJulianDay(), c.jd - 2400000.5, 1e-8) << c.jd;
+    if (c.isOneWay) continue;
     LQDateTime back;
     back.fromJulianDay(c.jd);
     EXPECT_EQ(back.getYear(), c.year) << c.jd;
     EXPECT_EQ(back.getMonth(), c.month) << c.jd;
-    EXPECT_NEAR(DayOfMonth(back), c.day, 1e-8) << c.jd;
+    EXPECT_NEAR(static_cast<double>(back.getDay()) + back.time() / 24.0, c.day, 1e-8) << c.jd;
   }
   EXPECT_EQ(DateTime(2000, 1, 1, 12).modifiedJulianDay(), MJD_J2000);
-}
-
-TEST(LQDateTime, CalendarChange) {
-  struct Case {
-    Integer year, month, day;
-    double mjd;
-  };
-  const Case cases[] = {
-      {1582, 10, 4, -100841.0},   // the last Julian day
-      {1582, 10, 5, -100850.0},   // Gregorian, as the ten days after it that did not exist
-      {1582, 10, 14, -100841.0},  //
-      {1582, 10, 15, -100840.0},  // the day after October 4
-      {1582, 2, 1, -101086.0},    // counts as the 14th month of the year before
-      {1583, 1, 1, -100762.0},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(DateTime(c.year, c.month, c.day).modifiedJulianDay(), c.mjd) << c.mjd;
-  }
-  for (const Case& c : {cases[0], cases[3], cases[4], cases[5]}) {
-    LQDateTime back;
-    back.fromModifiedJulianDay(c.mjd);
-    EXPECT_EQ(back, DateTime(c.year, c.month, c.day)) << c.mjd;
-  }
 }
 
 TEST(LQDateTime, RoundTripsAndTheEnginesDates) {
@@ -124,47 +103,35 @@ TEST(LQDateTime, RoundTripsAndTheEnginesDates) {
 }
 
 TEST(LQDateTime, SiderealTime) {
-  const auto hours = [](double h, double m, double s) { return h + m / 60.0 + s / 3600.0; };
-  struct Case {
-    double mjd;
-    double gmst;
-    double tolerance;
-  };
-  const Case cases[] = {
-      // Meeus, examples 12.a and 12.b.
-      {DateTime(1987, 4, 10).modifiedJulianDay(), hours(13, 10, 46.3668), 1e-4 / 3600.0},
-      {DateTime(1987, 4, 10, 19, 21.0).modifiedJulianDay(), hours(8, 34, 57.0896), 1e-4 / 3600.0},
-      // Whole days are taken towards zero, also before the epoch.
-      {-0.25, ephemeris::PtDateTime::SiderealTimeAtGreenwich(-0.25), 1e-12},
-      {-40000.75, ephemeris::PtDateTime::SiderealTimeAtGreenwich(-40000.75), 1e-12},
-  };
-  for (const Case& c : cases) {
-    EXPECT_NEAR(LQDateTime::siderealTimeAtGreenwich(c.mjd), c.gmst, c.tolerance) << c.mjd;
+  // Meeus, examples 12.a and 12.b.
+  EXPECT_NEAR(LQDateTime::siderealTimeAtGreenwich(DateTime(1987, 4, 10).modifiedJulianDay()),
+              13.0 + 10.0 / 60.0 + 46.3668 / 3600.0, 1e-4 / 3600.0);
+  EXPECT_NEAR(
+      LQDateTime::siderealTimeAtGreenwich(DateTime(1987, 4, 10, 19, 21.0).modifiedJulianDay()),
+      8.0 + 34.0 / 60.0 + 57.0896 / 3600.0, 1e-4 / 3600.0);
+  // Whole days are taken towards zero, also before the epoch.
+  for (const double mjd : {-0.25, -40000.75}) {
+    EXPECT_NEAR(LQDateTime::siderealTimeAtGreenwich(mjd),
+                ephemeris::PtDateTime::SiderealTimeAtGreenwich(mjd), 1e-12);
   }
 }
 
 TEST(LQDateTime, DeltaTOfThePublishedTables) {
-  struct Case {
+  // Espenak and Meeus (2006), tables of values from which the expressions come; the last ones from
+  // their text and from the parabola for the far future.
+  const struct {
     Integer year;
     double seconds;
     double tolerance;
+  } cases[] = {
+      {-1000, 25400, 50}, {-500, 17190, 15},  {-200, 12790, 5},   {0, 10580, 5},
+      {300, 7680, 5},     {500, 5710, 5},     {900, 2200, 5},     {1300, 490, 5},
+      {1600, 120, 5},     {1700, 9, 0.5},     {1750, 13, 0.5},    {1850, 7, 0.5},
+      {1900, -3, 0.5},    {1950, 29, 0.5},    {1955, 31.1, 0.11}, {1970, 40.2, 0.11},
+      {1990, 56.9, 0.11}, {2005, 64.7, 0.11}, {2050, 93, 0.5},    {2100, 202.7, 0.1},
+      {2200, 442.1, 0.1},
   };
-  // Espenak and Meeus (2006), tables of values from which the expressions come; the last ones from
-  // their text and from the parabola for the far future.
-  const Case cases[] = {
-      {-1000, 25400, 50}, {-500, 17190, 15},  {-400, 15530, 5},   {-300, 14080, 5},
-      {-200, 12790, 5},   {-100, 11640, 5},   {0, 10580, 5},      {100, 9600, 5},
-      {200, 8640, 5},     {300, 7680, 5},     {400, 6700, 5},     {500, 5710, 5},
-      {600, 4740, 5},     {700, 3810, 5},     {800, 2960, 5},     {900, 2200, 5},
-      {1000, 1570, 5},    {1100, 1090, 5},    {1200, 740, 5},     {1300, 490, 5},
-      {1400, 320, 5},     {1500, 200, 5},     {1600, 120, 5},     {1700, 9, 0.5},
-      {1750, 13, 0.5},    {1800, 14, 0.5},    {1850, 7, 0.5},     {1900, -3, 0.5},
-      {1950, 29, 0.5},    {1955, 31.1, 0.11}, {1960, 33.2, 0.11}, {1965, 35.7, 0.11},
-      {1970, 40.2, 0.11}, {1975, 45.5, 0.11}, {1980, 50.5, 0.11}, {1985, 54.3, 0.11},
-      {1990, 56.9, 0.11}, {1995, 60.8, 0.11}, {2000, 63.8, 0.11}, {2005, 64.7, 0.11},
-      {2050, 93, 0.5},    {2100, 202.7, 0.1}, {2200, 442.1, 0.1},
-  };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     EXPECT_NEAR(DateTime(c.year, 1, 1).deltaT() * 86400.0, c.seconds, c.tolerance) << c.year;
   }
   // Where two expressions meet they agree: to a second, in antiquity to twenty.
@@ -183,15 +150,15 @@ TEST(LQDateTime, DeltaTOfThePublishedTables) {
 TEST(LQDateTime, YearsComparisonAndValidity) {
   EXPECT_EQ(DateTime(2023, 7, 15).decimalYear(), 2023.0 + 195.0 / 365.0);
   EXPECT_EQ(DateTime(2024, 3, 1).decimalYear(), 2024.0 + 61.0 / 365.0);
-  EXPECT_EQ(DateTime(2024, 2, 29).decimalYear(), 2024.0 + 60.0 / 365.0);
   EXPECT_EQ(DateTime(2024, 12, 31).decimalYear(), 2025.0);
   EXPECT_EQ(DateTime(2023, 0, 5).decimalYear(), 2023.0 + 5.0 / 365.0);
-  for (const auto& [year, leap] : std::vector<std::pair<Integer, bool>>{
-           {2024, true}, {2023, false}, {1900, false}, {2000, true}, {0, true}, {-4, true}}) {
-    EXPECT_EQ(DateTime(year, 1, 1).isLeapYear(), leap) << year;
+  for (const Integer leap : {2024, 2000, 0, -4}) {
+    EXPECT_TRUE(DateTime(leap, 1, 1).isLeapYear()) << leap;
+  }
+  for (const Integer common : {2023, 1900}) {
+    EXPECT_FALSE(DateTime(common, 1, 1).isLeapYear()) << common;
   }
 
-  EXPECT_EQ(LQDateTime(), DateTime(0, 0, 0));
   EXPECT_TRUE(LQDateTime().isValid());
   EXPECT_TRUE(DateTime(2024, 1, 1, -1).isValid());
   for (const LQDateTime& unset :
@@ -210,49 +177,32 @@ TEST(LQDateTime, YearsComparisonAndValidity) {
       EXPECT_EQ(times[i].afterOrEquals(times[j]), i >= j) << i << " " << j;
     }
   }
-  LQDateTime noon;
-  noon.fromJulianDay(2451545.0);
-  EXPECT_EQ(noon.comapreTo(DateTime(2000, 1, 1, 12)), 0);
 }
 
 TEST(LQDateTime, ProgrammingErrors) {
   const Integer largest = std::numeric_limits<Integer>::max();
-  const Integer smallest = std::numeric_limits<Integer>::min();
-  const LQDateTime overflowing[] = {DateTime(largest, 5, 1), DateTime(smallest, 1, 1),
-                                    DateTime(largest / 10000 + 1, 5, 1), DateTime(1, largest, 1),
-                                    DateTime(2024, 5, largest)};
-  for (const LQDateTime& dateTime : overflowing) {
-    EXPECT_DEATH(dateTime.modifiedJulianDay(), "Assertion failed");
+  for (const LQDateTime& overflowing :
+       {DateTime(largest / 10000 + 1, 5, 1), DateTime(-largest - 1, 1, 1), DateTime(1, largest, 1),
+        DateTime(2024, 5, largest)}) {
+    EXPECT_DEATH(overflowing.modifiedJulianDay(), "Assertion failed");
   }
   EXPECT_DEATH(DateTime(2024, 13, 1).decimalYear(), "month_ <= 12");
   EXPECT_DEATH(DateTime(2024, -1, 1).deltaT(), "month_");
-  for (const double bad : {double{NAN}, double{INFINITY}, 1e19, -1e19}) {
+  for (const double bad : {double{NAN}, 1e19}) {
     EXPECT_DEATH(LQDateTime::siderealTimeAtGreenwich(bad), "IntegerPart");
     EXPECT_DEATH(LQDateTime().fromJulianDay(bad), "IntegerPart");
-    EXPECT_DEATH(DateTime(2024, 1, 1, 0, bad).toDate(), "IntegerPart");
     EXPECT_DEATH(DateTime(2024, 1, 1, 0, bad).toDate(true), "IntegerPart");
   }
 }
 
 TEST(LQDateTime, InstantsOfThePlatform) {
   const TestServices services("2024-03-05T12:00:00Z", "Europe/Berlin");
-  struct Case {
-    LQDateTime dateTime;
-    bool withSeconds;
-    const char* instant;
-  };
-  const Case cases[] = {
-      {DateTime(2024, 3, 5, 10, 15.5), false, "2024-03-05T10:16:00Z"},
-      {DateTime(2024, 3, 5, 10, 15.5), true, "2024-03-05T10:15:30Z"},
-      {DateTime(2024, 3, 5, 10, 15.999), true, "2024-03-05T10:15:59Z"},
-      {DateTime(2024, 12, 31, 23, 59.6), false, "2025-01-01T00:00:00Z"},
-  };
-  for (const Case& c : cases) {
-    EXPECT_EQ(c.dateTime.toDate(c.withSeconds), Instant(c.instant)) << c.instant;
-    if (!c.withSeconds) {
-      EXPECT_EQ(c.dateTime.toDate(), Instant(c.instant)) << c.instant;
-    }
-  }
+  const LQDateTime half = DateTime(2024, 3, 5, 10, 15.5);
+  EXPECT_EQ(half.toDate(), Instant("2024-03-05T10:16:00Z"));
+  EXPECT_EQ(half.toDate(false), half.toDate());
+  EXPECT_EQ(half.toDate(true), Instant("2024-03-05T10:15:30Z"));
+  EXPECT_EQ(DateTime(2024, 3, 5, 10, 15.999).toDate(true), Instant("2024-03-05T10:15:59Z"));
+  EXPECT_EQ(DateTime(2024, 12, 31, 23, 59.6).toDate(), Instant("2025-01-01T00:00:00Z"));
   const Integer beyondInt = Integer{1} << 40;
   for (const LQDateTime& beyond :
        {DateTime(3000000, 1, 1), DateTime(-3000000, 1, 1), DateTime(beyondInt, 1, 1),
@@ -260,8 +210,6 @@ TEST(LQDateTime, InstantsOfThePlatform) {
         DateTime(2024, 1, 1, 0, 1e12), DateTime(std::numeric_limits<Integer>::max(), 1, 1)}) {
     EXPECT_EQ(beyond.toDate(), std::nullopt);
   }
-  // The largest years that convert do so without a wrap.
-  EXPECT_GT(DateTime(1900000, 1, 1).toDate(), Instant("9999-01-01T00:00:00Z"));
 }
 
 TEST(UniversalTimeDates, ConvertAndAddDaysWithoutTheUsersZone) {

@@ -36,7 +36,7 @@ struct LocationWrapper::Request {
   bool isAnswered() const { return completion == nullptr; }
   void CompleteWithSaved() { Complete(savedLocation, savedPlace); }
   void Complete(const std::optional<CLLocation>& location, const SavedPlace& place) {
-    // The completion may own the wrapper, whose handler owns this request: it must not stay.
+    // Whatever it owns goes with the answer, though the wrapper's handler may keep this request.
     if (const Completion answer = std::exchange(completion, nullptr)) {
       answer(location, place.address, place.timeZone);
     }

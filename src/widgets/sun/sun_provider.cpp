@@ -1,20 +1,11 @@
 #include "widgets/sun/sun_provider.h"
 
-#include <utility>
+#include "platform/assertion.h"
+#include "widgets/lq_date_time.h"
 
 namespace lumenquest::widgets {
 
-namespace {
-
-SunTimelineEntry EntryOf(const AstronomyEntry& made, WidgetFamily family) {
-  SunTimelineEntry entry{made.date, SunLightWidgetData(made.sources), {}, {}, made.theme};
-  const bool isRefused = made.sources.calculator == nullptr;
-  if (isRefused || family == WidgetFamily::systemLarge) entry.moonData.emplace(made.sources);
-  if (!isRefused && family == WidgetFamily::systemLarge) entry.gcData.emplace(made.sources);
-  return entry;
-}
-
-}  // namespace
+using platform::NSDate;
 
 unsigned SunProvider::maskFor(WidgetFamily family) {
   switch (family) {
@@ -29,30 +20,34 @@ unsigned SunProvider::maskFor(WidgetFamily family) {
          events::WidgetDataGalacticCenter;
 }
 
-SunTimelineEntry SunProvider::placeholder(const TimelineProviderContext& context) {
-  // The intervals are computed for every family here.
-  const unsigned mask = maskFor(context.family) | events::WidgetDataSunIntervals;
-  return EntryOf(sampleEntry(tools_, mask, ThemeStyleEnum::themeSystem, {kSampleTimeZone}),
-                 context.family);
+unsigned SunProvider::placeholderMask(WidgetFamily family) {
+  return maskFor(family) | events::WidgetDataSunIntervals;
 }
 
-void SunProvider::getSnapshot(const Intent& configuration, const TimelineProviderContext& context,
-                              SnapshotCompletion completion) {
-  completion(EntryOf(sampleEntry(tools_, maskFor(context.family), themeStyleOf(configuration.theme),
-                                 platform::NSTimeZone::localTimeZone()),
-                     context.family));
+SunTimelineEntry SunProvider::entryOf(const AstronomyEntry& made, WidgetFamily family) {
+  SunTimelineEntry entry{made.date, SunLightWidgetData(made.sources), {}, {}, made.theme};
+  const bool isRefused = made.sources.calculator == nullptr;
+  if (isRefused || family == WidgetFamily::systemLarge) entry.moonData.emplace(made.sources);
+  if (!isRefused && family == WidgetFamily::systemLarge) entry.gcData.emplace(made.sources);
+  return entry;
 }
 
-void SunProvider::getTimeline(const Intent& configuration, const TimelineProviderContext& context,
-                              TimelineCompletion completion) {
-  const auto deliver = [family = context.family,
-                        completion = std::move(completion)](const AstronomyEntry& made) {
-    SunTimelineEntry entry = EntryOf(made, family);
-    const platform::NSDate reload =
-        sunReloadDate(made.date, made.refreshDate, entry.data.nextEventMjd);
-    completion({{std::move(entry)}, TimelineReloadPolicy::after(reload)});
-  };
-  makeTimelineEntry(tools_, configuration, maskFor(context.family), deliver);
+NSDate SunProvider::reloadDate(const AstronomyEntry& made, const SunTimelineEntry& entry) {
+  return sunReloadDate(made.date, made.refreshDate, entry.data.nextEventMjd);
+}
+
+NSDate sunReloadDate(NSDate now, NSDate refreshDate, double nextEventMjd) {
+  constexpr double kMostMinutesAfterRefresh = 30.0;
+  if (!(nextEventMjd > 0.0)) return refreshDate;
+  LQDateTime event;
+  event.fromModifiedJulianDay(nextEventMjd);
+  const auto date = event.toDate(false);
+  LUMENQUEST_ASSERT(date.has_value());
+  if (*date <= now) return refreshDate;
+  if (refreshDate >= *date) return *date;
+  const double seconds =
+      date->timeIntervalSinceReferenceDate() - refreshDate.timeIntervalSinceReferenceDate();
+  return seconds > 0.0 && seconds / 60.0 < kMostMinutesAfterRefresh ? *date : refreshDate;
 }
 
 }  // namespace lumenquest::widgets

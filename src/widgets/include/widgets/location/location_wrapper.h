@@ -64,7 +64,8 @@ class LocationWrapper final : public platform::CLLocationManagerDelegate,
   /// status holds what the user allows by then (a configured place needs no permission). While he
   /// has not decided yet the call may stay unanswered. A place found is saved as the last known
   /// one, and its title and zone are looked up unless it lies near the one before. What answers a
-  /// call also answers the earlier ones that still wait.
+  /// call also answers the earlier ones that still wait. Calls that wait for the device go with
+  /// this object, so that a completion must not own it.
   void getLocation(const LocationSelectorIntent* intent, ErrorReporter errorReporter,
                    std::shared_ptr<platform::CLAuthorizationStatus> status, Completion completion);
 

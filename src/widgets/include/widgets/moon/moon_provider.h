@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "widgets/astronomy_timeline.h"
+#include "widgets/astronomy_provider.h"
 #include "widgets/galactic_center/galactic_center_widget_data.h"
 #include "widgets/moon/moon_widget_data.h"
 
@@ -17,20 +17,10 @@ struct MoonTimelineEntry {
 };
 
 /// The Moon as it looks now, with tonight's galactic centre in the medium family.
-class MoonProvider final
-    : public IntentTimelineProvider<MoonTimelineEntry, LocationSelectorIntent> {
+class MoonProvider final : public AstronomyProvider<MoonProvider, MoonTimelineEntry> {
  public:
-  Entry placeholder(const TimelineProviderContext& context) override;
-  void getSnapshot(const Intent& configuration, const TimelineProviderContext& context,
-                   SnapshotCompletion completion) override;
-  void getTimeline(const Intent& configuration, const TimelineProviderContext& context,
-                   TimelineCompletion completion) override;
-
-  /// What is computed for a family: a sum of events::WidgetData.
   static unsigned maskFor(WidgetFamily family);
-
- private:
-  AstronomyTools tools_;
+  static MoonTimelineEntry entryOf(const AstronomyEntry& made, WidgetFamily family);
 };
 
 }  // namespace lumenquest::widgets

@@ -2,7 +2,7 @@
 
 #include <optional>
 
-#include "widgets/astronomy_timeline.h"
+#include "widgets/astronomy_provider.h"
 #include "widgets/galactic_center/galactic_center_widget_data.h"
 #include "widgets/moon/moon_widget_data.h"
 #include "widgets/sun/sun_light_widget_data.h"
@@ -19,19 +19,18 @@ struct SunTimelineEntry {
 };
 
 /// The light of the day, for the Sun widgets; with Moon and galactic centre for the large one.
-class SunProvider final : public IntentTimelineProvider<SunTimelineEntry, LocationSelectorIntent> {
+class SunProvider final : public AstronomyProvider<SunProvider, SunTimelineEntry> {
  public:
-  Entry placeholder(const TimelineProviderContext& context) override;
-  void getSnapshot(const Intent& configuration, const TimelineProviderContext& context,
-                   SnapshotCompletion completion) override;
-  void getTimeline(const Intent& configuration, const TimelineProviderContext& context,
-                   TimelineCompletion completion) override;
-
-  /// What is computed for a family: a sum of events::WidgetData.
   static unsigned maskFor(WidgetFamily family);
-
- private:
-  AstronomyTools tools_;
+  static SunTimelineEntry entryOf(const AstronomyEntry& made, WidgetFamily family);
+  /// The intervals are computed for every family here.
+  static unsigned placeholderMask(WidgetFamily family);
+  static platform::NSDate reloadDate(const AstronomyEntry& made, const SunTimelineEntry& entry);
 };
+
+/// When to ask for the Sun again: at its next change of light (MJD, UT) when that is less than an
+/// hour off, so that the shown light changes on time; else at the refresh date.
+platform::NSDate sunReloadDate(platform::NSDate now, platform::NSDate refreshDate,
+                               double nextEventMjd);
 
 }  // namespace lumenquest::widgets
