@@ -143,8 +143,8 @@ WebResponse HomeSite::answer(const WebRequest& request) {
   const std::string& path = request.path;
   if (path.starts_with("/api/")) return api_.answer(request);
   if (request.method == "POST") {
-    WebResponse response = Message(localizedString("web_not_found_title", kTableApp),
-                                   localizedString("web_not_found", kTableApp), 405);
+    WebResponse response = Message(localizedString("web_page_missing_title", kTableApp),
+                                   localizedString("web_page_missing", kTableApp), 405);
     response.allow = "GET, HEAD";
     return response;
   }
@@ -190,8 +190,8 @@ WebResponse HomeSite::Message(const std::string& title, const std::string& sente
 }
 
 WebResponse HomeSite::NotFound() const {
-  return Message(localizedString("web_not_found_title", kTableApp),
-                 localizedString("web_not_found", kTableApp), 404);
+  return Message(localizedString("web_page_missing_title", kTableApp),
+                 localizedString("web_page_missing", kTableApp), 404);
 }
 
 WebResponse HomeSite::SvgOf(const std::shared_ptr<const std::string>& svg) const {

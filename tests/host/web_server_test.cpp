@@ -1,0 +1,445 @@
+#include "host/web_server.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "running_web_server.h"
+#include "test_services.h"
+#include "web_client.h"
+
+namespace lumenquest::host {
+namespace {
+
+using namespace std::chrono_literals;
+using lumenquest::testing::RunningWebServer;
+using lumenquest::testing::TestServices;
+using lumenquest::testing::WebClient;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+constexpr std::size_t kLarge = 24 << 20;
+
+/// Says what it was asked for.
+WebResponse Echo(const WebRequest& request) {
+  WebResponse response;
+  if (request.path == "/none") return WebResponse::ofStatus(404);
+  if (request.path == "/throws") throw std::runtime_error("out of stars");
+  if (request.path == "/throws/oddly") throw 5;
+  if (request.path == "/splits") response.location = "/\r\nSet-Cookie: a=b";
+  if (request.path == "/picture") {
+    response.etag = "v1";
+    response.contentType = "image/png";
+    response.sharedBody = std::make_shared<const std::string>("pixels");
+    return response;
+  }
+  response.contentType = "text/plain; charset=utf-8";
+  if (request.path == "/large") {
+    response.body.assign(kLarge, 'x');
+    return response;
+  }
+  response.body = request.method + ' ' + request.path;
+  for (const auto& [name, value] : request.query) response.body += ' ' + name + '=' + value;
+  response.body += " [" + request.body + "] " + request.header("accept-language");
+  return response;
+}
+
+class WebServerTest : public ::testing::Test {
+ protected:
+  /// Waits until the count is as said.
+  template <typename Count>
+  static void Expect(std::size_t expected, Count count) {
+    for (int i = 0; i < 200 && count() != expected; ++i) std::this_thread::sleep_for(50ms);
+    EXPECT_EQ(count(), expected);
+  }
+
+  static std::string Get(const RunningWebServer& server, const std::string& target,
+                         const std::string& more = "") {
+    return "GET " + target + " HTTP/1.1\r\nHost: " + server.authority() + "\r\n" + more + "\r\n";
+  }
+  static std::string Post(const RunningWebServer& server, const std::string& headers,
+                          const std::string& body) {
+    return "POST /do HTTP/1.1\r\nHost: " + server.authority() + "\r\n" + headers +
+           "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+  }
+  static std::string Json(const RunningWebServer& server) {
+    return "Origin: http://" + server.authority() + "\r\nContent-Type: application/json\r\n";
+  }
+
+  TestServices services_{"2026-06-20T22:00:00Z"};
+};
+
+TEST_F(WebServerTest, AnswersUnderHeadersThatKeepOthersOut) {
+  RunningWebServer server({}, Echo);
+  const auto ask = [&](const std::string& request) {
+    WebClient client(server.port());
+    auto answer = client.Ask(request);
+    EXPECT_EQ(answer.header("Connection"), "close");
+    EXPECT_TRUE(client.WaitForEnd());
+    return answer;
+  };
+  auto response = ask(Get(server, "/a%20b/%C3%A9?q=a+b%26c&r", "Accept-Language: de\r\n"));
+  EXPECT_EQ(response.status, 200);
+  EXPECT_EQ(response.body, "GET /a b/é q=a b&c r= [] de");
+  EXPECT_THAT(response.header("Content-Security-Policy"), StartsWith("default-src 'none'; "));
+  EXPECT_EQ(response.header("X-Content-Type-Options"), "nosniff");
+  EXPECT_EQ(response.header("Cross-Origin-Resource-Policy"), "same-origin");
+  EXPECT_EQ(response.header("Referrer-Policy"), "no-referrer");
+  EXPECT_EQ(response.header("Cache-Control"), "no-store");
+  EXPECT_EQ(response.header("Server"), "");
+  EXPECT_NE(response.header("Date"), "");
+
+  response = ask("HEAD /abc HTTP/1.1\r\nHost: " + server.authority() + "\r\n\r\n");
+  EXPECT_EQ(response.status, 200);
+  EXPECT_EQ(response.header("Content-Length"), "13");
+  EXPECT_EQ(ask(Post(server, Json(server), "{\"a\": 1}")).body, "POST /do [{\"a\": 1}] ");
+  response = ask(Get(server, "/picture"));
+  EXPECT_EQ(response.body, "pixels");
+  EXPECT_EQ(response.header("ETag"), "\"v1\"");
+  EXPECT_EQ(response.header("Cache-Control"), "no-cache");
+  for (const char* tags : {"\"v1\"", "W/\"v0\", W/\"v1\"", "*"}) {
+    response = ask(Get(server, "/picture", "If-None-Match: " + std::string(tags) + "\r\n"));
+    EXPECT_EQ(response.status, 304) << tags;
+    EXPECT_NE(response.header("Content-Security-Policy"), "");
+  }
+  EXPECT_EQ(ask(Get(server, "/picture", "If-None-Match: \"v\"\r\n")).status, 200);
+  // Ranges make no answer larger.
+  response = ask(Get(server, "/picture", "Range: bytes=0-,0-,0-,1-1\r\n"));
+  EXPECT_EQ(response.status, 200);
+  EXPECT_EQ(response.body, "pixels");
+
+  // The root has nothing above it.
+  for (const char* path : {"/../b", "/a/../../b", "/a/%2e%2E/.%2e/b"}) {
+    EXPECT_EQ(ask(Get(server, path)).body, "GET /b [] ") << path;
+  }
+
+  WebClient old(server.port());
+  EXPECT_EQ(old.Ask("GET /old HTTP/1.0\r\n\r\n").body, "GET /old [] ");
+  EXPECT_TRUE(old.WaitForEnd());
+  WebClient chunked(server.port());
+  EXPECT_EQ(chunked
+                .Ask("POST /do HTTP/1.1\r\nHost: localhost:" + std::to_string(server.port()) +
+                     "\r\nSec-Fetch-Site: same-origin\r\n"
+                     "Content-Type: application/x-www-form-urlencoded; charset=utf-8\r\n"
+                     "Transfer-Encoding: chunked\r\n\r\n3\r\na=1\r\n2\r\n&b\r\n0\r\n\r\n")
+                .body,
+            "POST /do [a=1&b] ");
+}
+
+TEST_F(WebServerTest, AHandlerThatFailsGivesAPageAndALineInTheLog) {
+  RunningWebServer server({}, Echo);
+  const auto ask = [&](const char* path) {
+    return WebClient(server.port()).Ask(Get(server, path));
+  };
+  for (const char* path : {"/throws", "/throws/oddly", "/splits"}) {
+    const auto response = ask(path);
+    EXPECT_EQ(response.status, 500);
+    EXPECT_THAT(response.body, HasSubstr("<p>&lt;web_failed&gt;</p>"));
+    EXPECT_THAT(response.body, Not(HasSubstr("stars")));
+    EXPECT_EQ(response.header("Set-Cookie"), "");
+  }
+  EXPECT_THAT(ask("/none").body, HasSubstr("web_not_found"));
+  EXPECT_EQ(ask("/well").status, 200);
+  server.OnLoop([&] {
+    ASSERT_EQ(services_.log->messages.size(), 3u);
+    EXPECT_EQ(services_.log->messages[0], "web server: GET /throws: out of stars");
+  });
+}
+
+TEST_F(WebServerTest, WhatIsWrongIsRefusedAndNothingElseSuffers) {
+  RunningWebServer server({}, Echo);
+  const std::string host = "Host: " + server.authority() + "\r\n";
+  const std::string port = std::to_string(server.port());
+  const auto get = [&](const std::string& target) { return Get(server, target); };
+  const std::string origin = "Origin: http://" + server.authority() + "\r\n";
+  const std::string form = "Content-Type: application/x-www-form-urlencoded\r\n";
+  const std::string zeros(4, '\0');
+  struct Case {
+    const char* what;
+    std::string request;
+    /// 0: the connection ends without an answer.
+    std::vector<int> statuses;
+  };
+  const std::vector<Case> cases{
+      {"no request", "hello\r\n\r\n", {400}},
+      {"a greeting of TLS",
+       std::string("\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03\n\n", 13),
+       {400}},
+      {"NULs", "GET / HTTP/1.1\r\n" + host + "X: " + zeros + "\r\n\r\n", {400}},
+      {"another version", "GET / HTTP/2.0\r\n" + host + "\r\n", {505}},
+      {"no host", "GET / HTTP/1.1\r\n\r\n", {400}},
+      {"two hosts", "GET / HTTP/1.1\r\n" + host + "Host: evil.example\r\n\r\n", {400}},
+      {"another's host", "GET / HTTP/1.1\r\nHost: evil.example:" + port + "\r\n\r\n", {421}},
+      {"another port", "GET / HTTP/1.1\r\nHost: 127.0.0.1:1\r\n\r\n", {421}},
+      {"localhost's namesake",
+       "GET / HTTP/1.1\r\nHost: localhost.evil.example:" + port + "\r\n\r\n",
+       {421}},
+      {"another's address", "GET http://evil.example/ HTTP/1.1\r\n" + host + "\r\n", {421}},
+      {"a user", "GET http://a@127.0.0.1:" + port + "/ HTTP/1.1\r\n" + host + "\r\n", {400}},
+      {"upwards between slashes", get("/a/..%2f../b"), {400}},
+      {"upwards, escaped twice", get("/%252e%252e/etc/passwd"), {400}},
+      {"escaped slash", get("/a%2fb"), {400}},
+      {"empty segment", get("//etc/passwd"), {400}},
+      {"backslash", get("/..\\etc\\passwd"), {400}},
+      {"escaped backslash", get("/a%5c..%5cb"), {400}},
+      {"NUL", get("/a%00.png"), {400}},
+      {"line break", get("/a%0d%0aSet-Cookie:%20x"), {400}},
+      {"no UTF-8", get("/%ff%fe"), {400}},
+      {"overlong UTF-8", get("/%c0%ae%c0%ae/"), {400}},
+      {"broken escape", get("/%zz"), {400}},
+      {"broken escape in the query", get("/?a=%4"), {400}},
+      {"long path", get("/" + std::string(3000, 'a')), {414}},
+      {"large headers", Get(server, "/", "X: " + std::string(20000, 'a') + "\r\n"), {431}},
+      {"many headers",
+       Get(server, "/",
+           [] {
+             std::string headers;
+             for (int i = 0; i < 200; ++i) headers += "X" + std::to_string(i) + ": a\r\n";
+             return headers;
+           }()),
+       {431}},
+      {"endless header", "GET / HTTP/1.1\r\nX: " + std::string(200000, 'a'), {0, 400}},
+      {"PUT", "PUT / HTTP/1.1\r\n" + host + "Content-Length: 3\r\n\r\nabc", {405}},
+      {"OPTIONS", "OPTIONS * HTTP/1.1\r\n" + host + "\r\n", {405}},
+      {"CONNECT", "CONNECT evil.example:80 HTTP/1.1\r\n" + host + "\r\n", {405}},
+      {"small letters", "get / HTTP/1.1\r\n" + host + "\r\n", {405}},
+      {"TRACE", "TRACE / HTTP/1.1\r\n" + host + "\r\n", {405}},
+      {"posting events",
+       "POST /events HTTP/1.1\r\n" + host + origin + form + "Content-Length: 0\r\n\r\n",
+       {405}},
+      {"nobody's post", Post(server, form, "a=1"), {403}},
+      {"another site's post", Post(server, form + "Origin: http://evil.example\r\n", "a=1"), {403}},
+      {"another port's post", Post(server, form + "Origin: http://127.0.0.1:1\r\n", "a=1"), {403}},
+      {"a post from nowhere", Post(server, form + "Origin: null\r\n", "a=1"), {403}},
+      {"a post across sites",
+       Post(server, form + "Sec-Fetch-Site: cross-site\r\n" + origin, "a=1"),
+       {403}},
+      {"a post within the site",
+       Post(server, form + "Sec-Fetch-Site: same-site\r\n", "a=1"),
+       {403}},
+      {"a plain text", Post(server, origin + "Content-Type: text/plain\r\n", "{}"), {415}},
+      {"no type", Post(server, origin, "{}"), {415}},
+      {"a large body", Post(server, origin + form, std::string(70000, 'a')), {413}},
+      {"a huge body",
+       "POST / HTTP/1.1\r\n" + host + origin + form + "Content-Length: 99999999999\r\n\r\n",
+       {413}},
+      {"a huge body, asked for first",
+       "POST / HTTP/1.1\r\n" + host + origin + form +
+           "Expect: 100-continue\r\nContent-Length: 99999999\r\n\r\n",
+       {413}},
+      {"a negative body",
+       "POST / HTTP/1.1\r\n" + host + origin + form + "Content-Length: -1\r\n\r\n",
+       {400}},
+      {"two lengths",
+       "POST / HTTP/1.1\r\n" + host + origin + form +
+           "Content-Length: 1\r\nContent-Length: 2\r\n\r\nab",
+       {400}},
+      {"endless chunks",
+       "POST / HTTP/1.1\r\n" + host + origin + form + "Transfer-Encoding: chunked\r\n\r\n" +
+           [] {
+             std::string chunks;
+             for (int i = 0; i < 20; ++i) chunks += "1000\r\n" + std::string(4096, 'a') + "\r\n";
+             return chunks;
+           }(),
+       {413}},
+      {"unknown coding",
+       "POST / HTTP/1.1\r\n" + host + origin + form + "Transfer-Encoding: sieve\r\n\r\nabc",
+       {400, 501}},
+      {"events for another site", Get(server, "/events", "Sec-Fetch-Site: cross-site\r\n"), {403}},
+  };
+  for (const Case& wrong : cases) {
+    WebClient client(server.port());
+    const auto response = client.Ask(wrong.request);
+    EXPECT_THAT(wrong.statuses, ::testing::Contains(response.status)) << wrong.what;
+    if (response.status != 0) {
+      EXPECT_NE(response.header("Content-Security-Policy"), "") << wrong.what;
+      EXPECT_EQ(response.header("X-Content-Type-Options"), "nosniff") << wrong.what;
+      EXPECT_THAT(response.body, HasSubstr("&lt;web_")) << wrong.what;
+    }
+    EXPECT_EQ(response.status == 405, !response.header("Allow").empty()) << wrong.what;
+    EXPECT_TRUE(client.WaitForEnd()) << wrong.what;
+    EXPECT_EQ(WebClient(server.port()).Ask(Get(server, "/")).status, 200) << wrong.what;
+  }
+  Expect(0, [&] { return server.Connections(); });
+}
+
+TEST_F(WebServerTest, WhoIsSlowIsCutOff) {
+  WebServerOptions options;
+  options.requestTime = 600ms;
+  options.answerTime = 900ms;
+  RunningWebServer server(options, Echo);
+  WebClient silent(server.port());
+  WebClient deaf(server.port(), 4096);
+  deaf.Send(Get(server, "/large"));
+  WebClient slowBody(server.port());
+  slowBody.Send("POST /do HTTP/1.1\r\nHost: " + server.authority() + "\r\n" + Json(server) +
+                "Content-Length: 1000\r\n\r\n{");
+  // A few bytes now and then keep nothing open.
+  WebClient dribbling(server.port());
+  const std::string request = Get(server, "/" + std::string(200, 'a'));
+  std::size_t sent = 0;
+  while (sent < request.size() && dribbling.Send(request.substr(sent, 1))) {
+    ++sent;
+    std::this_thread::sleep_for(20ms);
+  }
+  EXPECT_LT(sent, request.size());
+  EXPECT_EQ(dribbling.Read().status, 0);
+  for (WebClient* client : {&silent, &slowBody}) EXPECT_TRUE(client->WaitForEnd());
+  Expect(0, [&] { return server.Connections(); });
+}
+
+TEST_F(WebServerTest, EventsReachEveryStream) {
+  WebServerOptions options;
+  options.heartbeat = 200ms;
+  options.requestTime = 300ms;
+  RunningWebServer server(options, Echo);
+  WebClient head(server.port());
+  EXPECT_EQ(head.Ask("HEAD /events HTTP/1.1\r\nHost: " + server.authority() + "\r\n\r\n").status,
+            200);
+  EXPECT_TRUE(head.WaitForEnd());
+  std::vector<WebClient> clients;
+  for (int i = 0; i < 3; ++i) {
+    clients.emplace_back(server.port());
+    clients.back().Send(Get(server, "/events", "Sec-Fetch-Site: same-origin\r\n"));
+    EXPECT_THAT(clients.back().WaitFor("\n\n"), HasSubstr("Content-Type: text/event-stream\r\n"));
+    EXPECT_THAT(clients.back().WaitFor("retry: 3000\n\n"), HasSubstr("Security-Policy"));
+  }
+  EXPECT_EQ(server.Streams(), 3u);
+  server.Publish("widget", "one\r\ntwo\nthree\n");
+  server.Publish("gone", "");
+  for (WebClient& client : clients) {
+    EXPECT_THAT(client.WaitFor("gone\ndata: \n\n"),
+                HasSubstr("id: 1\nevent: widget\ndata: one\ndata: two\ndata: three\ndata: \n\n"
+                          "id: 2\nevent: gone\ndata: \n\n"));
+    EXPECT_THAT(client.WaitFor("\n\n: here\n\n"), HasSubstr(": here"));
+  }
+  // No time limit ends a stream; who hangs up is gone at once.
+  std::this_thread::sleep_for(700ms);
+  EXPECT_EQ(server.Streams(), 3u);
+  clients.pop_back();
+  Expect(2, [&] { return server.Streams(); });
+  // Nor does a stream listen to what it is told.
+  clients.back().Send(std::string(100'000, 'a'));
+  Expect(1, [&] { return server.Streams(); });
+  Expect(1, [&] { return server.Connections(); });
+}
+
+TEST_F(WebServerTest, AStreamThatNobodyReadsIsDropped) {
+  WebServerOptions options;
+  RunningWebServer server(options, Echo);
+  WebClient deaf(server.port(), 4096);
+  deaf.Send(Get(server, "/events"));
+  WebClient reader(server.port());
+  reader.Send(Get(server, "/events"));
+  reader.WaitFor("retry");
+  Expect(2, [&] { return server.Streams(); });
+  const std::string data(8000, 'd');
+  for (int i = 0; i < 100; ++i) {
+    server.Publish("large", data);
+    // Its own size, and the kernel's, are all that waits for one who does not read.
+    const std::string last = "id: " + std::to_string(i + 1) + "\n";
+    ASSERT_THAT(reader.WaitFor(last), HasSubstr(last));
+  }
+  EXPECT_EQ(server.Streams(), 1u);
+  EXPECT_EQ(server.Connections(), 1u);
+}
+
+TEST_F(WebServerTest, PlacesAreLimitedAndFreedAgain) {
+  WebServerOptions options;
+  options.maxStreams = 2;
+  options.maxConnections = 3;
+  RunningWebServer server(options, Echo);
+  std::vector<WebClient> streams;
+  for (int i = 0; i < 2; ++i) {
+    streams.emplace_back(server.port());
+    streams.back().Send(Get(server, "/events"));
+    streams.back().WaitFor("retry");
+  }
+  WebClient third(server.port());
+  auto response = third.Ask(Get(server, "/events"));
+  EXPECT_EQ(response.status, 503);
+  EXPECT_EQ(response.header("Retry-After"), "5");
+  EXPECT_TRUE(third.WaitForEnd());
+  Expect(2, [&] { return server.Connections(); });
+  // Three that keep all other places busy.
+  std::vector<WebClient> askers;
+  for (int i = 0; i < 3; ++i) {
+    askers.emplace_back(server.port());
+    askers.back().Send("GET / HTTP/1.1\r\n");
+  }
+  Expect(5, [&] { return server.Connections(); });
+  WebClient surplus(server.port());
+  response = surplus.Ask(Get(server, "/"));
+  EXPECT_EQ(response.status, 503);
+  EXPECT_EQ(response.header("Retry-After"), "5");
+  EXPECT_THAT(response.body, HasSubstr("web_busy"));
+  for (WebClient& asker : askers) {
+    EXPECT_EQ(asker.Ask("Host: " + server.authority() + "\r\n\r\n").status, 200);
+  }
+  EXPECT_EQ(WebClient(server.port()).Ask(Get(server, "/")).status, 200);
+  EXPECT_EQ(streams.size(), server.Streams());
+}
+
+TEST_F(WebServerTest, AThousandStreamsAndTheRequestsBesideThem) {
+  RunningWebServer server({}, Echo);
+  std::vector<WebClient> streams;
+  for (int i = 0; i < 1000; ++i) {
+    streams.emplace_back(server.port());
+    ASSERT_TRUE(streams.back().isConnected());
+  }
+  for (WebClient& stream : streams) ASSERT_TRUE(stream.Send(Get(server, "/events")));
+  Expect(1000, [&] { return server.Streams(); });
+  for (int i = 0; i < 500; ++i) {
+    if (i % 100 == 0) server.Publish("tick", std::to_string(i));
+    ASSERT_EQ(WebClient(server.port()).Ask(Get(server, "/" + std::to_string(i))).status, 200);
+  }
+  for (WebClient& stream : streams) {
+    ASSERT_THAT(stream.WaitFor("data: 400\n\n"), HasSubstr("data: 0\n\n"));
+  }
+  WebClient silent(server.port());
+  Expect(1001, [&] { return server.Connections(); });
+  server.Stop();
+  for (WebClient& stream : streams) ASSERT_TRUE(stream.WaitForEnd(1s));
+  EXPECT_TRUE(silent.WaitForEnd(1s));
+  EXPECT_FALSE(WebClient(server.port()).isConnected());
+}
+
+TEST_F(WebServerTest, ListensWhereItIsTold) {
+  for (const auto& [text, host, port] : std::vector<std::tuple<const char*, const char*, int>>{
+           {"127.0.0.1:8080", "127.0.0.1", 8080},
+           {"[::1]:0", "::1", 0},
+           {"LocalHost:65535", "localhost", 65535}}) {
+    const auto address = parseListenAddress(text);
+    ASSERT_TRUE(address) << text;
+    EXPECT_EQ(address->host, host);
+    EXPECT_EQ(address->port, port);
+  }
+  for (const char* text : {"", "8080", "127.0.0.1", "127.0.0.1:", ":8080", "127.0.0.1:65536",
+                           "127.0.0.1:-1", "127.0.0.1:8o", "::1:80", "[::1]", "[::1:80",
+                           "[127.0.0.1]:80", "[]:80", "a b:80", "http://localhost:80"}) {
+    EXPECT_FALSE(parseListenAddress(text)) << text;
+  }
+
+  RunningWebServer server({.listen = {"localhost", 0}}, Echo);
+  WebClient client(server.port());
+  EXPECT_EQ(client.Ask(Get(server, "/")).status, 200);
+  const auto messageOf = [](const ListenAddress& address) -> std::string {
+    try {
+      WebServer second({.listen = address}, Echo);
+      return "listens";
+    } catch (const WebServerError& error) {
+      return error.what();
+    }
+  };
+  EXPECT_THAT(messageOf({"127.0.0.1", server.port()}), HasSubstr("error_listen_in_use"));
+  EXPECT_THAT(messageOf({"192.0.2.1", 0}), HasSubstr("error_listen"));
+  EXPECT_THAT(messageOf({"no-such-host.invalid", 0}), HasSubstr("error_listen_unknown_host"));
+}
+
+}  // namespace
+}  // namespace lumenquest::host
