@@ -215,14 +215,19 @@
   }
 
   function show(places) {
-    const rows = [];
+    const groups = [];
     let count = 0;
     for (const section of places.sections) {
+      const group = document.createElement("div");
+      group.setAttribute("role", "group");
+      groups.push(group);
       if (section.title) {
+        group.setAttribute("aria-label", section.title);
         const title = document.createElement("div");
-        title.setAttribute("role", "presentation");
+        title.className = "title";
+        title.setAttribute("aria-hidden", "true");
         title.textContent = section.title;
-        rows.push(title);
+        group.append(title);
       }
       for (const place of section.items) {
         const option = document.createElement("div");
@@ -234,10 +239,10 @@
         option.append(name);
         option.addEventListener("click", () => choose(place));
         option.place = place;
-        rows.push(option);
+        group.append(option);
       }
     }
-    options.replaceChildren(...rows);
+    options.replaceChildren(...groups);
     // What was searched for comes first; without a search there is one entry alone.
     const all = options.querySelectorAll("[role=option]");
     select(all[search.value.trim() !== "" && all.length > 1 ? 1 : 0]);

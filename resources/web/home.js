@@ -2,7 +2,7 @@
 "use strict";
 
 (() => {
-  const grid = document.querySelector(".grid");
+  let grid = document.querySelector(".grid");
   const toDocument = (html) => new DOMParser().parseFromString(html, "text/html");
 
   async function load(address) {
@@ -11,11 +11,13 @@
     return toDocument(await response.text());
   }
 
-  /** Takes an element's place once its pictures can be shown, so that nothing flickers. */
+  /** Waits for the pictures of an element, so that nothing flickers when it is put in its place. */
+  const shown = (element) =>
+    Promise.all([...element.querySelectorAll("img")].map((image) => image.decode().catch(() => {})));
+
   async function swap(old, parsed) {
     const fresh = document.importNode(parsed, true);
-    const images = [...fresh.querySelectorAll("img")];
-    await Promise.all(images.map((image) => image.decode().catch(() => {})));
+    await shown(fresh);
     if (!old.isConnected) return;
     const links = [...old.querySelectorAll("a")];
     const focused = links.indexOf(document.activeElement);
@@ -29,36 +31,32 @@
     const old = itemOf(document, id);
     if (!old) return refreshAll();
     if (old.dataset.version === String(version)) return;
-    const fresh = (await load(`/widget/${encodeURIComponent(id)}`)).querySelector("li");
+    const fresh = (await load(`/widget/${encodeURIComponent(id)}`)).querySelector("[data-id]");
     if (fresh) await swap(old, fresh);
   }
 
   /** Brings the whole grid up to date; widgets that stand as they stood are left alone. */
   async function refreshAll() {
+    const response = await fetch("/api/home", { cache: "no-cache" });
+    const { widgets } = await response.json();
+    const isSame =
+      grid.dataset.order === widgets.map((one) => one.id).join(" ") &&
+      widgets.every((one) => itemOf(grid, one.id)?.dataset.version === String(one.version));
+    if (isSame) return;
     const parsed = await load("/");
-    const fresh = parsed.querySelector(".grid");
-    const main = document.querySelector("main");
-    const ids = new Set([...fresh.children].map((item) => item.dataset.id));
-    for (const old of [...grid.children]) {
-      if (!ids.has(old.dataset.id)) old.remove();
+    const fresh = document.importNode(parsed.querySelector(".grid"), true);
+    const focused = document.activeElement?.closest?.("[data-id]")?.dataset.id;
+    for (const item of fresh.querySelectorAll("[data-id]")) {
+      const old = itemOf(grid, item.dataset.id);
+      if (old && old.dataset.version === item.dataset.version) item.replaceWith(old.cloneNode(true));
     }
-    grid.className = fresh.className;
-    main.querySelector(".empty")?.remove();
+    await shown(fresh);
+    document.querySelector("main > .empty")?.remove();
     const empty = parsed.querySelector(".empty");
-    if (empty) main.append(document.importNode(empty, true));
-    const swaps = [];
-    [...fresh.children].forEach((item, index) => {
-      let shown = itemOf(grid, item.dataset.id);
-      const place = grid.children[index] ?? null;
-      if (!shown) {
-        shown = document.importNode(item, true);
-        grid.insertBefore(shown, place);
-        return;
-      }
-      if (shown !== place) grid.insertBefore(shown, place);
-      if (shown.outerHTML !== item.outerHTML) swaps.push(swap(shown, item));
-    });
-    await Promise.all(swaps);
+    if (empty) grid.after(document.importNode(empty, true));
+    grid.replaceWith(fresh);
+    grid = fresh;
+    if (focused) itemOf(grid, focused)?.querySelector("a")?.focus({ preventScroll: true });
   }
 
   // One after the other: an older answer never comes over a newer one.

@@ -84,15 +84,6 @@ std::string List(const HomeCommandOptions& options) {
   return table.Text();
 }
 
-std::vector<Suggestion> SuggestWidgets(const std::string&) {
-  const HomeScreen screen = homeScreenFile().load();
-  std::vector<Suggestion> suggestions;
-  for (const PlacedWidget& widget : screen.widgets()) {
-    suggestions.push_back({widget.id, PlaceText(widget)});
-  }
-  return suggestions;
-}
-
 /// Counted from 1, as people do.
 std::optional<std::size_t> ParsePosition(const OptionText& text) {
   if (!text) return std::nullopt;
@@ -247,11 +238,6 @@ class Exporter {
   std::set<std::string> written_;
 };
 
-bool AreAllAnswered(const host::Scheduler& scheduler) {
-  return std::none_of(scheduler.shown().begin(), scheduler.shown().end(),
-                      [](const ShownWidget& one) { return one.isPlaceholder; });
-}
-
 std::string Export(const HomeCommandOptions& options) {
   if (!options.folder) {
     throw UsageError(
@@ -327,7 +313,9 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
   }
   const Chosen chosen(ids, screen);
   bool isLineDue = false;
+  std::set<std::string> fresh;
   home.scheduler().onEntry([&](const ShownWidget& shown) {
+    fresh.insert(shown.widget.id);
     if (!chosen.holds(shown.widget.id)) return;
     if (format == "jsonl") {
       out << EntryLine(shown) << '\n' << std::flush;
@@ -339,7 +327,7 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
     if (std::exchange(isLineDue, false)) {
       out << WaybarLine(home.scheduler().shown(), chosen) << '\n' << std::flush;
     }
-    const bool isOnceDone = options.once && AreAllAnswered(home.scheduler());
+    const bool isOnceDone = options.once && fresh.size() == home.scheduler().shown().size();
     return !out.good() || isOnceDone;
   });
   return "";

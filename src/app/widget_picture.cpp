@@ -36,7 +36,7 @@ std::string pictureOf(const view::Element& view, const view::Environment& enviro
     drawWidget(view, options.size, environment, canvas);
     return canvas.pngBytes();
   }
-  adapters::SvgCanvas canvas(options.size, "w");
+  adapters::SvgCanvas canvas(options.size, options.idPrefix);
   drawWidget(view, options.size, environment, canvas);
   return canvas.document(options.title, view::descriptionOf(view));
 }

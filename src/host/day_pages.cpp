@@ -116,7 +116,10 @@ class Band {
 
   std::string Svg() const {
     std::string parts;
-    for (const LightSpan& span : day_.lights) parts += Span(span);
+    // The night is the band's ground.
+    for (const LightSpan& span : day_.lights) {
+      if (span.light != Light::night) parts += Span(span);
+    }
     std::string svg =
         "<svg class=\"band\" width=\"100%\" height=\"112\" role=\"img\" aria-label=\"" +
         webText("web_light_of_day") +
@@ -184,14 +187,19 @@ class Band {
     platform::NSCalendar& calendar = platform::NSCalendar::cachedCalendar();
     platform::NSDateComponents hour = calendar.componentsFromDate(day_.now);
     hour.minute = hour.second = 0;
+    // The hour alone: times with minutes would run into each other on a phone.
+    platform::FormatterService& service = Services::current().formatters();
+    const auto formatter =
+        service.dateFormatter("", NSDateFormatterStyle::noStyle, NSDateFormatterStyle::shortStyle);
+    formatter->setDateFormat(service.dateFormatFromTemplate("j"));
+    formatter->setTimeZone(day_.place.timeZone);
     for (hour.hour = 0; hour.hour <= 24; hour.hour += 6) {
       const bool isEnd = hour.hour == 24;
-      const double mjd = isEnd ? day_.values.mjdTomorrowAt0
-                               : calendar.dateFromComponents(hour).modifiedJulianDay();
-      const double place = Place(mjd);
+      const NSDate instant = calendar.dateFromComponents(hour);
+      const double place = Place(isEnd ? day_.values.mjdTomorrowAt0 : instant.modifiedJulianDay());
       marks += "<line class=\"tick\" x1=\"" + Plain(place) + "%\" x2=\"" + Plain(place) +
                "%\" y1=\"76\" y2=\"82\"/>";
-      if (!isEnd) marks += Label(place, 100, EphemerisUtils::mjdToString(mjd));
+      if (!isEnd) marks += Label(place, 100, formatter->stringFromDate(instant));
     }
     return marks;
   }

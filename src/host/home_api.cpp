@@ -180,7 +180,7 @@ WebResponse HomeApi::answer(const WebRequest& request) {
   const std::string operation =
       request.path.starts_with(kChanges) ? request.path.substr(kChanges.size()) : "";
   if (!kOperations.contains(operation)) {
-    return Answer({{"error", localizedString("web_not_found", platform::kTableApp)}}, 404);
+    return Answer({{"error", localizedString("web_page_missing", platform::kTableApp)}}, 404);
   }
   return isPost ? Change(operation, request.body) : NotAllowed("POST");
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -154,8 +155,13 @@ std::string PlacedItem(const ShownWidget& shown, std::size_t index, std::size_t 
 
 std::string Gallery() {
   std::string html = "<ul class=\"gallery\">\n";
-  for (const auto& configuration : widgets::LumenquestWidgets::configurations()) {
-    for (const widgets::WidgetFamily family : configuration.supportedFamilies) {
+  // By size, as the small ones pair up.
+  for (const widgets::WidgetFamily family :
+       {widgets::WidgetFamily::systemSmall, widgets::WidgetFamily::systemMedium,
+        widgets::WidgetFamily::systemLarge}) {
+    for (const auto& configuration : widgets::LumenquestWidgets::configurations()) {
+      const auto& families = configuration.supportedFamilies;
+      if (std::find(families.begin(), families.end(), family) == families.end()) continue;
       const std::string size = FamilyText(family);
       html += std::string("<li class=\"sample ") + familyName(family) +
               "\">\n<div class=\"thumb\">" +
@@ -189,13 +195,31 @@ std::string PlaceDialog() {
          webText("web_cancel") + "</button>\n</dialog>\n";
 }
 
+/// What stands side by side on a phone: a wider widget alone, small ones in pairs. A small one that
+/// finds no partner at once is joined by the next small one.
+std::vector<std::vector<const ShownWidget*>> Blocks(const std::vector<ShownWidget>& shown) {
+  std::vector<std::vector<const ShownWidget*>> blocks;
+  std::optional<std::size_t> half;
+  for (const ShownWidget& one : shown) {
+    const bool isSmall = one.widget.family == widgets::WidgetFamily::systemSmall;
+    if (isSmall && half) {
+      blocks[*half].push_back(&one);
+      half.reset();
+      continue;
+    }
+    if (isSmall) half = blocks.size();
+    blocks.push_back({&one});
+  }
+  return blocks;
+}
+
 }  // namespace
 
 std::string widgetItem(const ShownWidget& shown, WidgetPictures& pictures) {
   const PlacedWidget& widget = shown.widget;
   const auto schemes = SchemesOf(widget);
   const WidgetPicture& picture = pictures.pictureOf(shown, schemes.front().first);
-  std::string html = "<li class=\"widget " + std::string(familyName(widget.family)) +
+  std::string html = "<article class=\"widget " + std::string(familyName(widget.family)) +
                      (shown.isPlaceholder ? " is-placeholder" : "") + "\"" +
                      Attribute("data-id", widget.id) +
                      Attribute("data-version", std::to_string(shown.version)) + ">\n<h2>" +
@@ -205,7 +229,7 @@ std::string widgetItem(const ShownWidget& shown, WidgetPictures& pictures) {
       shown.isPlaceholder ? webText("web_loading") : picture.description;
   if (!picture.hasInnerLinks || shown.isPlaceholder) {
     return html + "<a class=\"face\" href=\"" + htmlEscaped(pageOfWidget(widget)) + "\">" +
-           PictureOf(shown, alternative) + "</a>\n</li>\n";
+           PictureOf(shown, alternative) + "</a>\n</article>\n";
   }
   // An image has no links: these stand in the page itself, once a scheme, of which one is shown.
   html += "<div class=\"face\">";
@@ -213,7 +237,7 @@ std::string widgetItem(const ShownWidget& shown, WidgetPictures& pictures) {
     html +=
         std::string("<div") + attribute + ">" + *pictures.pictureOf(shown, scheme).svg + "</div>";
   }
-  return html + "</div>\n</li>\n";
+  return html + "</div>\n</article>\n";
 }
 
 WebPage homePage(const std::vector<ShownWidget>& shown, WidgetPictures& pictures) {
@@ -224,23 +248,24 @@ WebPage homePage(const std::vector<ShownWidget>& shown, WidgetPictures& pictures
   page.refreshSeconds = 60;
   page.main = "<header class=\"top\"><h1>Lumenquest</h1><a class=\"edit\" href=\"/edit\">" +
               webText("web_edit") + "</a></header>\n";
+  const auto blocks = Blocks(shown);
+  std::size_t rows = 0;
+  std::string html;
+  std::string order;
+  for (const ShownWidget& one : shown) order += (order.empty() ? "" : " ") + one.widget.id;
+  for (const auto& block : blocks) {
+    rows += block.front()->widget.family == widgets::WidgetFamily::systemLarge ? 2 : 1;
+    html += "<div class=\"block\">\n";
+    for (const ShownWidget* const one : block) html += widgetItem(*one, pictures);
+    html += "</div>\n";
+  }
+  constexpr std::size_t kRowsOfTwoColumns = 6;
+  page.main += std::string("<div class=\"grid") + (rows > kRowsOfTwoColumns ? " is-full" : "") +
+               "\"" + Attribute("data-order", order) + ">\n" + html + "</div>\n";
   if (shown.empty()) {
-    page.main += "<ul class=\"grid\"></ul>\n<p class=\"empty\">" + webText("web_empty") +
-                 " <a href=\"/edit\">" + webText("web_add_some") + "</a></p>\n";
-    return page;
+    page.main += "<p class=\"empty\">" + webText("web_empty") + " <a href=\"/edit\">" +
+                 webText("web_add_some") + "</a></p>\n";
   }
-  // Half a phone's row each.
-  std::size_t cells = 0;
-  std::string items;
-  for (const ShownWidget& one : shown) {
-    cells += one.widget.family == widgets::WidgetFamily::systemSmall    ? 1
-             : one.widget.family == widgets::WidgetFamily::systemMedium ? 2
-                                                                        : 4;
-    items += widgetItem(one, pictures);
-  }
-  constexpr std::size_t kCellsOfFourColumns = 12;
-  page.main += std::string("<ul class=\"grid") + (cells > kCellsOfFourColumns ? " is-full" : "") +
-               "\">\n" + items + "</ul>\n";
   return page;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
@@ -100,13 +101,21 @@ std::optional<DayPlace> PlaceOf(const ShownWidget* shown) {
 /// The Moon's picture as it stands in the sky.
 platform::UIImage MoonImage(const PlaceDay& day) {
   constexpr double kPoints = 180.0;
+  // The shadow reaches a little beyond the disc.
+  constexpr double kMargin = 4.0;
+  const platform::CGRect whole{0.0, 0.0, kPoints, kPoints};
+  const platform::CGRect disc = whole.insetBy(kMargin);
   const auto picture = platform::Services::current().assets().imageNamed("moon");
   const events::MoonPhaseResult phase =
       day.values.moonPhaseData.value_or(events::MoonPhaseResult());
-  return events::MoonShadow::drawShadowOnMoonImage(
-      picture.get(), {kPoints, kPoints}, static_cast<double>(phase.zenithAngle), phase.phase,
-      static_cast<double>(phase.sunElevation), static_cast<double>(phase.phaseIllumination), 0.0,
-      day.isSupermoon);
+  platform::ImageContext context({whole.width, whole.height});
+  context.embedImage(
+      std::make_shared<const platform::UIImage>(events::MoonShadow::drawShadowOnMoonImage(
+          picture.get(), {disc.width, disc.height}, static_cast<double>(phase.zenithAngle),
+          phase.phase, static_cast<double>(phase.sunElevation),
+          static_cast<double>(phase.phaseIllumination), 0.0, day.isSupermoon)),
+      disc, {});
+  return context.image();
 }
 
 }  // namespace
@@ -134,8 +143,8 @@ WebResponse HomeSite::answer(const WebRequest& request) {
   const std::string& path = request.path;
   if (path.starts_with("/api/")) return api_.answer(request);
   if (request.method == "POST") {
-    WebResponse response = Message(localizedString("web_not_found_title", kTableApp),
-                                   localizedString("web_not_found", kTableApp), 405);
+    WebResponse response = Message(localizedString("web_page_missing_title", kTableApp),
+                                   localizedString("web_page_missing", kTableApp), 405);
     response.allow = "GET, HEAD";
     return response;
   }
@@ -181,8 +190,8 @@ WebResponse HomeSite::Message(const std::string& title, const std::string& sente
 }
 
 WebResponse HomeSite::NotFound() const {
-  return Message(localizedString("web_not_found_title", kTableApp),
-                 localizedString("web_not_found", kTableApp), 404);
+  return Message(localizedString("web_page_missing_title", kTableApp),
+                 localizedString("web_page_missing", kTableApp), 404);
 }
 
 WebResponse HomeSite::SvgOf(const std::shared_ptr<const std::string>& svg) const {

@@ -92,6 +92,13 @@ WidgetPicture WidgetPictures::Draw(const ShownWidget& shown, platform::ColorSche
     svg += drawn.substr(copied, start - copied) + htmlEscaped(page);
     pages.insert(std::move(page));
     copied = end;
+    // A background can be clicked on but says nothing: neither keyboard nor screen reader stops
+    // there.
+    const std::string content = drawn.substr(end, drawn.find("</a>", end) - end);
+    if (content.find("<text") == std::string::npos &&
+        content.find("aria-label") == std::string::npos) {
+      svg += "\" tabindex=\"-1\" aria-hidden=\"true";
+    }
   }
   svg += drawn.substr(copied);
   WidgetPicture picture;

@@ -25,6 +25,8 @@ struct PictureOptions {
   double scale = 1.0;
   /// Of an SVG, for those who do not see it.
   std::string title;
+  /// Before every id of an SVG, so that several can stand in one page.
+  std::string idPrefix = "w";
 };
 
 /// A file's contents. Throws std::runtime_error when it is too large to be drawn.
