@@ -168,7 +168,7 @@ TEST(Render, SvgKeepsWordsAndLinks) {
 
 TEST(Render, OnlyADashIsStandardOutput) {
   const DataFolder data;
-  const Folder folder;
+  const ScratchFolder folder;
   const std::filesystem::path before = std::filesystem::current_path();
   std::filesystem::current_path(folder.path());
   const std::string png = Render(Bled({"sun", "--output=-"})).out;
