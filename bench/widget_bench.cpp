@@ -10,6 +10,7 @@
 #include "adapters/cairo_canvas.h"
 #include "app/runtime.h"
 #include "app/widget_picture.h"
+#include "app/widget_request.h"
 #include "platform/services.h"
 #include "widgets/view/style.h"
 
@@ -21,7 +22,7 @@ namespace view = widgets::view;
 constexpr double kScale = 3.0;
 
 struct Widget {
-  app::AnyEntry entry;
+  host::AnyEntry entry;
   view::Environment environment;
 };
 
@@ -37,10 +38,10 @@ const std::vector<Widget>& Widgets() {
     app::WidgetRequest request = app::prepareWidgetRequest(options, "memory");
     std::vector<Widget> all;
     for (const auto& widget : widgets::LumenquestWidgets::configurations()) {
-      request.kind = widget.kind;
-      request.family = widget.supportedFamilies.back();
+      request.widget.kind = widget.kind;
+      request.widget.family = widget.supportedFamilies.back();
       Widget one{app::askWidget(request).entry, {}};
-      one.environment.family = request.family;
+      one.environment.family = request.widget.family;
       all.push_back(std::move(one));
     }
     return all;
@@ -54,7 +55,7 @@ void DrawAll(benchmark::State& state, Use use) {
   for (auto _ : state) {
     for (const Widget& widget : widgets) {
       view::Environment environment = widget.environment;
-      const view::Element element = app::viewOf(widget.entry, environment);
+      const view::Element element = host::viewOf(widget.entry, environment);
       const platform::CGSize size = view::sizeOf(environment.family);
       adapters::CairoCanvas canvas(size, kScale);
       app::drawWidget(element, size, environment, canvas);

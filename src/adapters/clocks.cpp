@@ -10,4 +10,12 @@ platform::NSDate SystemClock::now() {
       std::chrono::duration<double>(sinceEpoch).count());
 }
 
+ShiftedClock::ShiftedClock(platform::NSDate start)
+    : secondsAhead_(start.timeIntervalSinceReferenceDate() -
+                    machine_.now().timeIntervalSinceReferenceDate()) {}
+
+platform::NSDate ShiftedClock::now() {
+  return platform::NSDate(machine_.now().timeIntervalSinceReferenceDate() + secondsAhead_);
+}
+
 }  // namespace lumenquest::adapters

@@ -33,6 +33,8 @@ std::optional<fs::path> DataFolder() { return OwnFolder("XDG_DATA_HOME", ".local
 
 std::optional<fs::path> configurationFolder() { return OwnFolder("XDG_CONFIG_HOME", ".config"); }
 
+std::optional<fs::path> cacheFolder() { return OwnFolder("XDG_CACHE_HOME", ".cache"); }
+
 XdgFileManager::XdgFileManager(fs::path resourceFolder)
     : resourceFolder_(std::move(resourceFolder)) {}
 

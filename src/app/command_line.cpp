@@ -8,6 +8,7 @@
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "app/command_set.h"
+#include "app/home_command.h"
 #include "app/option_values.h"
 #include "app/places_command.h"
 #include "app/plans_command.h"
@@ -62,6 +63,7 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
     addPlacesCommands(commands);
     addPlansCommands(commands);
     addSettingsCommands(commands);
+    addHomeCommands(commands, out);
     output = commands.Run(arguments);
   } catch (const UsageError& error) {
     return fail(kExitUsage, error.what());

@@ -11,6 +11,7 @@
 #include "app/gallery.h"
 #include "app/runtime.h"
 #include "app/widget_picture.h"
+#include "app/widget_request.h"
 #include "platform/localized_strings.h"
 #include "widgets/view/style.h"
 
@@ -87,17 +88,16 @@ const std::vector<Scene>& Scenes() {
 }
 
 std::string FileName(const WidgetSize& widget, const std::string& state) {
-  std::string name = std::string(widget.kind) + "-" + nameOf(widget.family) + "-" + state;
+  std::string name = std::string(widget.kind) + "-" + host::nameOf(widget.family) + "-" + state;
   return name;
 }
 
 /// The entry that a widget's own provider makes, following the host's scheme.
 Exhibit Located(const Scene& scene, const WidgetSize& widget) {
   WidgetRequest request;
-  request.kind = widget.kind;
-  request.family = widget.family;
-  request.configuration.theme = widgets::Enum::system;
-  request.configuration.location =
+  request.widget.kind = widget.kind;
+  request.widget.family = widget.family;
+  request.widget.place =
       widgets::IntentPlacemark{{{scene.latitude, scene.longitude}}, "", std::nullopt};
   return {FileName(widget, scene.name), askWidget(request).entry, widget.family};
 }
@@ -216,7 +216,7 @@ class Sheet {
         view::Environment own = environment;
         own.family = exhibit.family;
         own.renderingMode = section.renderingMode;
-        const view::Element element = viewOf(exhibit.entry, own);
+        const view::Element element = host::viewOf(exhibit.entry, own);
         canvas_->save();
         canvas_->concatenate(platform::CGAffineTransform::translation(x, y_));
         drawWidget(element, size, own, *canvas_);
@@ -273,7 +273,7 @@ std::string RunGallery(const GalleryOptions& options) {
         view::Environment own = environment;
         own.family = exhibit.family;
         own.renderingMode = section.renderingMode;
-        const view::Element element = viewOf(exhibit.entry, own);
+        const view::Element element = host::viewOf(exhibit.entry, own);
         const PictureOptions picture{view::sizeOf(exhibit.family), scale, ""};
         writePicture((folder / (exhibit.fileName + suffix + ".png")).string(),
                      pictureOf(element, own, PictureFormat::png, picture));

@@ -7,7 +7,11 @@
 #include "adapters/printable_text.h"
 #include "app/gallery.h"
 #include "app/widget_picture.h"
+#include "app/widget_request.h"
+#include "host/widget_entry.h"
 #include "platform/localized_strings.h"
+#include "widgets/view/style.h"
+#include "widgets/widget_bundle.h"
 
 namespace lumenquest::app {
 
@@ -81,13 +85,13 @@ std::string Rendered(const WidgetRequest& request, view::Environment environment
                      PictureFormat format, const RenderOptions& options) {
   PictureOptions picture;
   picture.scale = parseScale(options.scale);
-  picture.size = ParseSize(options.size, request.family);
+  picture.size = ParseSize(options.size, request.widget.family);
   for (const auto& widget : widgets::LumenquestWidgets::configurations()) {
-    if (widget.kind == request.kind) picture.title = widget.displayName;
+    if (widget.kind == request.widget.kind) picture.title = widget.displayName;
   }
-  environment.family = request.family;
-  const AnyEntry entry = askWidget(request).entry;
-  const view::Element element = viewOf(entry, environment);
+  environment.family = request.widget.family;
+  const host::AnyEntry entry = askWidget(request).entry;
+  const view::Element element = host::viewOf(entry, environment);
   return pictureOf(element, environment, format, picture);
 }
 
@@ -98,8 +102,8 @@ std::string RenderAll(WidgetRequest request, const view::Environment& environmen
   makeFolder(folder);
   std::string files;
   for (const auto& widget : widgets::LumenquestWidgets::configurations()) {
-    request.kind = widget.kind;
-    request.family = widget.supportedFamilies.back();
+    request.widget.kind = widget.kind;
+    request.widget.family = widget.supportedFamilies.back();
     const std::string file = (folder / (widget.kind + ".png")).string();
     writePicture(file, Rendered(request, environment, PictureFormat::png, options));
     files += file + "\n";
@@ -127,7 +131,7 @@ std::string RunRender(const RenderOptions& given) {
   const view::Environment environment =
       ParseEnvironment(options, checkedLocale(options.widget.locale));
   const WidgetRequest request = prepareWidgetRequest(options.widget, "memory");
-  ParseSize(options.size, request.family);
+  ParseSize(options.size, request.widget.family);
   if (isAll) return RenderAll(request, environment, options);
   const std::string contents = Rendered(request, environment, format, options);
   if (options.output->starts_with("-")) return contents;

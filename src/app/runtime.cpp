@@ -10,6 +10,7 @@
 
 #include "adapters/asset_catalog.h"
 #include "adapters/clocks.h"
+#include "adapters/files.h"
 #include "adapters/fixed_location.h"
 #include "adapters/gazetteer_geocoder.h"
 #include "adapters/geoclue_location.h"
@@ -89,6 +90,14 @@ std::optional<platform::CLLocationCoordinate2D> configuredPosition() {
   if (position.isValid()) return position;
   throw std::runtime_error(
       platform::stringWithFormat(appText("error_position_file"), {file.string()}));
+}
+
+void requestReload() {
+  const auto group =
+      platform::Services::current().fileManager().containerOfGroup(platform::kApplicationGroup);
+  if (!group) return;
+  adapters::writeFileWhole(*group / kReloadRequestFile,
+                           adapters::RandomUUIDs().UUIDString() + "\n");
 }
 
 void installServices(const RuntimeOptions& options) {

@@ -157,6 +157,7 @@ std::string SetSetting(const SettingsOptions& options) {
     throw std::runtime_error(
         stringWithFormat(appText("error_settings_write"), {settingsError().value_or("")}));
   }
+  requestReload();
   return std::string();
 }
 

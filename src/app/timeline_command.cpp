@@ -1,106 +1,16 @@
 #include <nlohmann/json.hpp>
 
-#include "adapters/rfc3339.h"
-#include "app/record_fields.h"
+#include "app/entry_output.h"
 #include "app/table.h"
 #include "app/widget_request.h"
-#include "widgets/text.h"
+#include "widgets/widget_bundle.h"
 
 namespace lumenquest::app {
 
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-/// An entry's records, in the entry's order: its own names for them, and the records.
-template <typename Visit>
-void VisitRecords(const widgets::SunTimelineEntry& entry, Visit visit) {
-  visit("data", &entry.data);
-  visit("moonData", entry.moonData ? &*entry.moonData : nullptr);
-  visit("gcData", entry.gcData ? &*entry.gcData : nullptr);
-}
-template <typename Visit>
-void VisitRecords(const widgets::MoonTimelineEntry& entry, Visit visit) {
-  visit("data", &entry.data);
-  visit("gcData", entry.gcData ? &*entry.gcData : nullptr);
-}
-template <typename Visit>
-void VisitRecords(const widgets::GalacticCenterTimelineEntry& entry, Visit visit) {
-  visit("data", &entry.data);
-}
-
-Json ToJson(const RecordFields& fields) {
-  Json json = Json::object();
-  for (const RecordField& field : fields) json[field.name] = field.value;
-  return json;
-}
-
-Json ReloadJson(const widgets::TimelineReloadPolicy& policy) {
-  if (policy.kind == widgets::TimelineReloadPolicy::Kind::atEnd) return "atEnd";
-  return {{"after", adapters::formatRfc3339(*policy.date)}};
-}
-
-template <typename Entry>
-Json EntryJson(const Entry& entry) {
-  Json json{{"date", adapters::formatRfc3339(entry.date)}};
-  if constexpr (std::is_same_v<Entry, widgets::PlansTimelineEntry>) {
-    json["plans"] = Json::array();
-    for (const widgets::PlanItem& plan : entry.plans)
-      json["plans"].push_back(ToJson(fieldsOf(plan)));
-  } else {
-    VisitRecords(entry, [&](const char* name, const auto* record) {
-      if (record == nullptr) {
-        json[name] = nullptr;
-        return;
-      }
-      json[name] = {{"locationData", ToJson(fieldsOf(record->locationData))}};
-      json[name].update(ToJson(fieldsOf(*record)));
-    });
-  }
-  json["theme"] = nameOf(entry.theme);
-  return json;
-}
-
-/// A value as people read it: an instant with its local time, a text without quotes.
-std::string ValueText(const RecordField& field, double mjdTomorrowAt0,
-                      const widgets::LocationWidgetData& location) {
-  if (field.value.is_null()) return "--";
-  if (field.value.is_string()) return field.value.get<std::string>();
-  std::string text = field.value.dump();
-  const double number = field.isInstant ? field.value.get<double>() : 0.0;
-  if (number != 0.0) {
-    text += "   " + widgets::eventTimeText(number, mjdTomorrowAt0, location);
-  }
-  return text;
-}
-
-template <typename Entry>
-void AddEntry(Table& table, const Entry& entry) {
-  table.Row("date", adapters::formatRfc3339(entry.date));
-  table.Row("theme", nameOf(entry.theme));
-  if constexpr (std::is_same_v<Entry, widgets::PlansTimelineEntry>) {
-    for (const widgets::PlanItem& plan : entry.plans) {
-      table.Gap();
-      for (const RecordField& field : fieldsOf(plan)) {
-        table.Row(field.name, ValueText(field, 0.0, {}));
-      }
-      table.Row("", widgets::planDateText(plan));
-    }
-  } else {
-    VisitRecords(entry, [&](const char* name, const auto* record) {
-      if (record == nullptr) return;
-      table.Gap();
-      table.Row(std::vector<std::string>{name});
-      for (const RecordField& field : fieldsOf(record->locationData)) {
-        table.Row(std::string("  ") + field.name, ValueText(field, 0.0, {}));
-      }
-      for (const RecordField& field : fieldsOf(*record)) {
-        table.Row(std::string("  ") + field.name,
-                  ValueText(field, record->mjdTomorrowAt0, record->locationData));
-      }
-    });
-  }
-}
+using host::nameOf;
 
 struct TimelineOptions {
   WidgetOptions widget;
@@ -110,24 +20,24 @@ struct TimelineOptions {
 std::string RunTimeline(const TimelineOptions& options) {
   const OutputFormat format = parseFormat(options.format);
   const WidgetRequest request = prepareWidgetRequest(options.widget, "shared");
-  const WidgetAnswer answer = askWidget(request);
+  const host::WidgetAnswer answer = askWidget(request);
 
   if (format == OutputFormat::json) {
-    Json json{{"kind", request.kind}, {"family", nameOf(request.family)}};
-    json["entry"] = std::visit([](const auto& entry) { return EntryJson(entry); }, answer.entry);
-    json["reloadPolicy"] = answer.reloadPolicy ? ReloadJson(*answer.reloadPolicy) : Json(nullptr);
+    Json json{{"kind", request.widget.kind}, {"family", nameOf(request.widget.family)}};
+    json["entry"] = entryJson(answer.entry);
+    json["reloadPolicy"] = answer.reloadPolicy ? reloadJson(*answer.reloadPolicy) : Json(nullptr);
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
   }
   Table table;
-  table.Row("kind", request.kind);
-  table.Row("family", nameOf(request.family));
+  table.Row("kind", request.widget.kind);
+  table.Row("family", nameOf(request.widget.family));
   if (answer.reloadPolicy) {
-    const Json policy = ReloadJson(*answer.reloadPolicy);
+    const Json policy = reloadJson(*answer.reloadPolicy);
     table.Row("reloadPolicy", policy.is_string()
                                   ? policy.get<std::string>()
                                   : "after " + policy.at("after").get<std::string>());
   }
-  std::visit([&](const auto& entry) { AddEntry(table, entry); }, answer.entry);
+  addEntry(table, answer.entry);
   return table.Text();
 }
 

@@ -8,47 +8,12 @@
 #include "adapters/svg_canvas.h"
 #include "platform/localized_strings.h"
 #include "platform/services.h"
-#include "widgets/galactic_center/galactic_center_views.h"
-#include "widgets/moon/moon_views.h"
-#include "widgets/plans/plans_views.h"
-#include "widgets/sun/sun_views.h"
 #include "widgets/view/layout.h"
 #include "widgets/view/style.h"
 
 namespace lumenquest::app {
 
 namespace view = widgets::view;
-
-namespace {
-
-view::Element ViewOf(const widgets::SunTimelineEntry& entry, const view::Environment& e) {
-  return widgets::SunLightWidgetEntryView(entry, e);
-}
-view::Element ViewOf(const widgets::MoonTimelineEntry& entry, const view::Environment& e) {
-  return widgets::MoonWidgetEntryView(entry, e);
-}
-view::Element ViewOf(const widgets::GalacticCenterTimelineEntry& entry,
-                     const view::Environment& e) {
-  return widgets::GalacticCenterWidgetEntryView(entry, e);
-}
-view::Element ViewOf(const widgets::PlansTimelineEntry& entry, const view::Environment& e) {
-  return widgets::PlansWidgetEntryView(entry, e);
-}
-
-}  // namespace
-
-view::Element viewOf(const AnyEntry& entry, view::Environment& environment) {
-  return std::visit(
-      [&](const auto& kind) {
-        if (kind.theme == widgets::ThemeStyleEnum::themeDark) {
-          environment.colorScheme = platform::ColorScheme::dark;
-        } else if (kind.theme == widgets::ThemeStyleEnum::themeLight) {
-          environment.colorScheme = platform::ColorScheme::light;
-        }
-        return ViewOf(kind, environment);
-      },
-      entry);
-}
 
 void drawWidget(const view::Element& view, platform::CGSize size,
                 const view::Environment& environment, platform::Canvas& canvas) {

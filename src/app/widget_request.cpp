@@ -1,20 +1,22 @@
 #include "app/widget_request.h"
 
-#include <algorithm>
 #include <memory>
-#include <type_traits>
 
 #include "adapters/clocks.h"
 #include "adapters/glib_main_queue.h"
 #include "adapters/printable_text.h"
 #include "app/runtime.h"
+#include "host/widget_entry.h"
 #include "platform/localized_strings.h"
 #include "platform/location_utils.h"
+#include "widgets/widget_bundle.h"
 
 namespace lumenquest::app {
 
 namespace {
 
+using host::HostRequest;
+using host::nameOf;
 using platform::stringWithFormat;
 using widgets::WidgetConfiguration;
 using widgets::WidgetFamily;
@@ -77,72 +79,19 @@ Value ParseChoice(const char* option, const OptionText& text,
   ThrowNoChoice(option, text, Listed(choices, [](const auto& one) { return one.first; }));
 }
 
-widgets::LocationSelectorIntent ParseConfiguration(const WidgetOptions& options,
+/// Absent: wherever the device is.
+std::optional<widgets::IntentPlacemark> ParsePlace(const WidgetOptions& options,
                                                    const std::string& locale) {
-  widgets::LocationSelectorIntent intent;
-  intent.theme = ParseChoice<widgets::Enum>("--theme", options.theme,
-                                            {{"system", widgets::Enum::system},
-                                             {"dark", widgets::Enum::dark},
-                                             {"light", widgets::Enum::light}},
-                                            widgets::Enum::unknown);
-  const bool hasPlace = options.place.place || options.place.latitude || options.place.longitude;
-  if (hasPlace && (options.myLocation || options.here)) {
-    throw UsageError(appText("error_place_or_my_location"));
-  }
-  if (!hasPlace) {
-    intent.location = widgets::IntentPlacemark::myLocation();
-    return intent;
-  }
+  if (!hasPlace(options.place)) return std::nullopt;
+  if (options.myLocation || options.here) throw UsageError(appText("error_place_or_my_location"));
   const ChosenPlace place = choosePlace(options.place, locale);
   const std::string name =
       place.title ? *place.title
                   : platform::LocationUtils::latLonStringWithCoordinate(place.location.coordinate);
-  intent.location = widgets::IntentPlacemark{place.location, name, std::nullopt};
-  return intent;
-}
-
-template <typename Provider>
-WidgetAnswer Ask(Provider& provider, const typename Provider::Intent& intent,
-                 const WidgetRequest& request) {
-  const widgets::TimelineProviderContext context{request.family};
-  WidgetAnswer answer;
-  bool isAnswered = false;
-  const auto take = [&](typename Provider::Entry entry) {
-    answer.entry = std::move(entry);
-    isAnswered = true;
-  };
-  switch (request.request) {
-    case HostRequest::placeholder:
-      take(provider.placeholder(context));
-      break;
-    case HostRequest::snapshot:
-      provider.getSnapshot(intent, context, take);
-      break;
-    case HostRequest::timeline:
-      provider.getTimeline(intent, context,
-                           [&](widgets::Timeline<typename Provider::Entry> timeline) {
-                             answer.reloadPolicy = timeline.policy;
-                             take(std::move(timeline.entries.front()));
-                           });
-      break;
-  }
-  adapters::GlibMainQueue::runUntil([&] { return isAnswered; });
-  return answer;
+  return widgets::IntentPlacemark{place.location, name, std::nullopt};
 }
 
 }  // namespace
-
-const char* nameOf(WidgetFamily family) {
-  switch (family) {
-    case WidgetFamily::systemSmall:
-      return "systemSmall";
-    case WidgetFamily::systemMedium:
-      return "systemMedium";
-    case WidgetFamily::systemLarge:
-      break;
-  }
-  return "systemLarge";
-}
 
 std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* settingsHelpKey) {
   return {
@@ -161,27 +110,40 @@ std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* se
       localeOption(options.locale)};
 }
 
+host::PlacedWidget parseWidget(const WidgetOptions& options, const std::string& locale) {
+  const WidgetConfiguration configuration = ParseKind(options.kind);
+  host::PlacedWidget widget;
+  widget.kind = configuration.kind;
+  widget.family = ParseFamily(options.family, configuration);
+  const bool isAboutPlace = hasPlace(options.place) || options.myLocation || options.here;
+  if (isAboutPlace && configuration.intent == widgets::ConfigurationIntent::themeSelector) {
+    throw UsageError(stringWithFormat(appText("error_widget_without_place"), {widget.kind}));
+  }
+  widget.place = ParsePlace(options, locale);
+  widget.theme = ParseChoice<widgets::Enum>("--theme", options.theme,
+                                            {{"system", widgets::Enum::system},
+                                             {"dark", widgets::Enum::dark},
+                                             {"light", widgets::Enum::light}},
+                                            widgets::Enum::unknown);
+  return widget;
+}
+
+bool parseSettingsKind(const OptionText& text, const char* byDefault) {
+  return ParseChoice<bool>("--settings", text.value_or(byDefault),
+                           {{"shared", false}, {"memory", true}}, false);
+}
+
 WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* settingsByDefault) {
   RuntimeOptions runtime;
   runtime.locale = checkedLocale(options.locale);
-  const WidgetConfiguration widget = ParseKind(options.kind);
   WidgetRequest request;
-  request.kind = widget.kind;
-  request.family = ParseFamily(options.family, widget);
-  const bool isAboutPlace = options.place.place || options.place.latitude ||
-                            options.place.longitude || options.myLocation || options.here;
-  if (isAboutPlace && widget.intent == widgets::ConfigurationIntent::themeSelector) {
-    throw UsageError(stringWithFormat(appText("error_widget_without_place"), {widget.kind}));
-  }
-  request.configuration = ParseConfiguration(options, runtime.locale);
+  request.widget = parseWidget(options, runtime.locale);
   request.request = ParseChoice<HostRequest>("--request", options.request,
                                              {{"timeline", HostRequest::timeline},
                                               {"snapshot", HostRequest::snapshot},
                                               {"placeholder", HostRequest::placeholder}},
                                              HostRequest::timeline);
-  const OptionText settings = options.settings ? options.settings : OptionText(settingsByDefault);
-  runtime.hasOwnSettings =
-      ParseChoice<bool>("--settings", settings, {{"shared", false}, {"memory", true}}, false);
+  runtime.hasOwnSettings = parseSettingsKind(options.settings, settingsByDefault);
   if (options.here) {
     runtime.here = parseCoordinate("--here", *options.here).coordinate;
   } else {
@@ -195,23 +157,13 @@ WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* set
   return request;
 }
 
-WidgetAnswer askWidget(const WidgetRequest& request) {
-  WidgetAnswer answer;
-  const auto askIfMeant = [&](const auto& widget) {
-    if (widget.kind != request.kind) return;
-    typename std::decay_t<decltype(widget)>::Provider provider;
-    if constexpr (std::is_same_v<typename decltype(provider)::Intent,
-                                 widgets::ThemeSelectorIntent>) {
-      widgets::ThemeSelectorIntent intent;
-      intent.theme = request.configuration.theme;
-      answer = Ask(provider, intent, request);
-    } else {
-      answer = Ask(provider, request.configuration, request);
-    }
-  };
-  std::apply([&](const auto&... widget) { (askIfMeant(widget), ...); },
-             widgets::LumenquestWidgets{}.body);
-  return answer;
+host::WidgetAnswer askWidget(const WidgetRequest& request) {
+  const auto source = host::WidgetSource::ofKind(request.widget.kind);
+  std::optional<host::WidgetAnswer> answer;
+  source->ask(request.request, request.widget,
+              [&](host::WidgetAnswer given) { answer = std::move(given); });
+  adapters::GlibMainQueue::runUntil([&] { return answer.has_value(); });
+  return *answer;
 }
 
 }  // namespace lumenquest::app

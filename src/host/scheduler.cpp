@@ -117,6 +117,12 @@ void Scheduler::show(const HomeScreen& screen) {
   SetAlarm();
 }
 
+bool Scheduler::isShowing(const HomeScreen& screen) const {
+  return std::equal(
+      shown_.begin(), shown_.end(), screen.widgets().begin(), screen.widgets().end(),
+      [](const ShownWidget& one, const PlacedWidget& widget) { return one.widget == widget; });
+}
+
 void Scheduler::reload(const std::function<bool(const PlacedWidget& widget)>& isMeant) {
   for (std::size_t i = 0; i < shown_.size(); ++i) {
     if (isMeant(shown_[i].widget)) Ask(i);

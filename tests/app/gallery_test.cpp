@@ -16,6 +16,8 @@
 namespace lumenquest::app {
 namespace {
 
+using host::AnyEntry;
+using host::viewOf;
 using platform::CGSize;
 using testing::Call;
 using testing::DataFolder;

@@ -13,6 +13,9 @@ namespace lumenquest::adapters {
 /// by default), whether it is there or not; absent when the user has none.
 std::optional<std::filesystem::path> configurationFolder();
 
+/// The same for what can be made again: `$XDG_CACHE_HOME/lumenquest` (`~/.cache/lumenquest`).
+std::optional<std::filesystem::path> cacheFolder();
+
 /// Folders below the user's data folder, `$XDG_DATA_HOME/lumenquest` (`~/.local/share/lumenquest`
 /// by default), and the bundle's models. Makes no folder.
 class XdgFileManager final : public platform::FileManager {

@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "app/widget_request.h"
+#include "app/command_set.h"
+#include "host/widget_entry.h"
 #include "widgets/view/environment.h"
 
 namespace lumenquest::app {
@@ -11,7 +12,7 @@ namespace lumenquest::app {
 /// A widget in one of its states.
 struct Exhibit {
   std::string fileName;
-  AnyEntry entry;
+  host::AnyEntry entry;
   widgets::WidgetFamily family = widgets::WidgetFamily::systemSmall;
 };
 

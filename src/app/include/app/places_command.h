@@ -23,6 +23,11 @@ struct PlaceOptions {
   OptionText timeZone;
 };
 
+/// Whether any of the options that name a place is given.
+inline bool hasPlace(const PlaceOptions& options) {
+  return options.place || options.latitude || options.longitude;
+}
+
 struct ChosenPlace {
   platform::CLLocation location;
   /// The place's name, when it was asked for by name.

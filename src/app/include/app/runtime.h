@@ -44,6 +44,12 @@ struct RuntimeOptions {
   std::optional<platform::CLLocationCoordinate2D> here{};
 };
 
+/// Beside the shared settings: its change asks running hosts to ask their widgets again. Widgets
+/// themselves write the settings, so that these cannot tell.
+inline constexpr const char* kReloadRequestFile = "reload-request";
+/// Asks running hosts. Does nothing where they cannot be reached: they reload in time anyway.
+void requestReload();
+
 void installServices(const RuntimeOptions& options);
 
 }  // namespace lumenquest::app

@@ -3,14 +3,11 @@
 #include <filesystem>
 #include <string>
 
-#include "app/widget_request.h"
+#include "app/command_set.h"
 #include "widgets/view/element.h"
 #include "widgets/view/environment.h"
 
 namespace lumenquest::app {
-
-/// The view of an entry. Its theme decides the colour scheme where it does not follow the host's.
-widgets::view::Element viewOf(const AnyEntry& entry, widgets::view::Environment& environment);
 
 /// Draws a view as a host shows it: with round corners, and on a dark plate where it tints.
 void drawWidget(const widgets::view::Element& view, platform::CGSize size,

@@ -1,17 +1,13 @@
 #pragma once
 
-#include <functional>
-#include <string>
-#include <variant>
 #include <vector>
 
 #include "app/command_set.h"
 #include "app/places_command.h"
-#include "widgets/widget_bundle.h"
+#include "host/home_screen.h"
+#include "host/widget_source.h"
 
 namespace lumenquest::app {
-
-enum class HostRequest { placeholder, snapshot, timeline };
 
 /// The options by which a host's request to a widget is made.
 struct WidgetOptions {
@@ -32,34 +28,24 @@ struct WidgetOptions {
 /// used when none are named.
 std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* settingsHelpKey);
 
-/// The entry of any widget.
-using AnyEntry = std::variant<widgets::SunTimelineEntry, widgets::MoonTimelineEntry,
-                              widgets::GalacticCenterTimelineEntry, widgets::PlansTimelineEntry>;
-
-/// What a host asks: which widget, in which size, how it is configured.
+/// What a host asks, and of which widget.
 struct WidgetRequest {
-  std::string kind;
-  widgets::WidgetFamily family = widgets::WidgetFamily::systemSmall;
-  /// The plans' widget takes the theme alone.
-  widgets::LocationSelectorIntent configuration;
-  HostRequest request = HostRequest::timeline;
+  host::PlacedWidget widget;
+  host::HostRequest request = host::HostRequest::timeline;
 };
 
-struct WidgetAnswer {
-  AnyEntry entry;
-  /// Of a timeline.
-  std::optional<widgets::TimelineReloadPolicy> reloadPolicy;
-};
+/// A widget without an identifier. Throws UsageError.
+host::PlacedWidget parseWidget(const WidgetOptions& options, const std::string& locale);
+
+/// Whether the settings end with the process. Throws UsageError.
+bool parseSettingsKind(const OptionText& text, const char* byDefault);
 
 /// Reads the options and installs the services that they ask for. `settingsByDefault`: "shared" or
 /// "memory". Throws UsageError.
 WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* settingsByDefault);
 
 /// Asks a provider and runs the main loop until it answers.
-WidgetAnswer askWidget(const WidgetRequest& request);
-
-/// "systemSmall"
-const char* nameOf(widgets::WidgetFamily family);
+host::WidgetAnswer askWidget(const WidgetRequest& request);
 
 /// `lumenquest timeline` and `lumenquest widgets`.
 void addWidgetCommands(CommandSet& commands);

@@ -49,6 +49,7 @@ class HomeScreen {
   const std::vector<PlacedWidget>& widgets() const { return widgets_; }
   /// Null when there is none of this identifier.
   const PlacedWidget* find(const std::string& id) const;
+  const PlacedWidget& at(const std::string& id) const { return widgets_[IndexOf(id)]; }
 
   /// Puts a widget at a position, the end when absent. One without an identifier gets one, which is
   /// returned.

@@ -55,6 +55,8 @@ class Scheduler {
   /// Shows these widgets. One that stands as it stood keeps its entry; the others show the entry of
   /// an earlier process or sample data, and are asked.
   void show(const HomeScreen& screen);
+  /// Whether these very widgets are shown.
+  bool isShowing(const HomeScreen& screen) const;
   /// Asks those again for which `isMeant` holds.
   void reload(const std::function<bool(const PlacedWidget& widget)>& isMeant);
   void reloadAll();

@@ -1,0 +1,58 @@
+#include "adapters/shared_text_file.h"
+
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+#include "adapters/files.h"
+#include "folder_lock.h"
+
+namespace lumenquest::adapters {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Far more than a home screen or its entries take: what is larger is something else.
+constexpr std::uintmax_t kLargest = 8u << 20u;
+
+platform::NSError Failure(const char* key, const fs::path& path, std::string detail) {
+  return {"File", 1, key, {path.string()}, std::move(detail), {{"path", path.string()}}};
+}
+
+}  // namespace
+
+platform::Outcome<std::optional<std::string>> SharedTextFile::contents() const {
+  std::error_code error;
+  const fs::file_status status = fs::status(path_, error);
+  if (status.type() == fs::file_type::not_found) return std::optional<std::string>();
+  if (!fs::is_regular_file(status) || fs::file_size(path_, error) > kLargest) {
+    return Failure("file_error_read", path_, error ? error.message() : "");
+  }
+  std::ifstream stream(path_, std::ios::binary);
+  std::string text{std::istreambuf_iterator<char>(stream), {}};
+  if (!stream.good() && !stream.eof()) return Failure("file_error_read", path_, "");
+  return std::optional(std::move(text));
+}
+
+std::optional<platform::NSError> SharedTextFile::update(
+    const std::function<std::string(const std::optional<std::string>& text)>& change) {
+  const fs::path folder = path_.parent_path();
+  std::error_code error;
+  if (fs::create_directories(folder, error)) {
+    fs::permissions(folder, fs::perms::owner_all, error);
+  }
+  if (error) return Failure("file_error_write", path_, error.message());
+  // Of the folder, as the file itself is replaced. A file system without locks has to do without.
+  const FolderLock lock(folder, LOCK_EX);
+  auto text = contents();
+  if (text.error) return std::move(text.error);
+  const std::string changed = change(text.value);
+  if (changed == text.value) return std::nullopt;
+  if (auto failure = writeFileWhole(path_, changed)) {
+    return Failure("file_error_write", path_, std::move(*failure));
+  }
+  return std::nullopt;
+}
+
+}  // namespace lumenquest::adapters

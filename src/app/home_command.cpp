@@ -1,0 +1,401 @@
+#include "app/home_command.h"
+
+#include <gio/gio.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <set>
+#include <stdexcept>
+
+#include "adapters/icu_services.h"
+#include "adapters/printable_text.h"
+#include "adapters/rfc3339.h"
+#include "adapters/shared_text_file.h"
+#include "app/entry_output.h"
+#include "app/home_host.h"
+#include "app/home_server.h"
+#include "app/table.h"
+#include "app/widget_picture.h"
+#include "host/widget_summary.h"
+#include "platform/localized_strings.h"
+#include "widgets/view/style.h"
+
+namespace lumenquest::app {
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace view = widgets::view;
+using host::HomeScreen;
+using host::PlacedWidget;
+using host::ShownWidget;
+using Json = nlohmann::ordered_json;
+using platform::stringWithFormat;
+
+struct HomeCommandOptions {
+  OptionText id;
+  OptionText position;
+  /// Of a widget to add, or what is changed of one.
+  WidgetOptions widget;
+  OptionText format;
+  HomeOptions host;
+  OptionText listen;
+  OptionText folder;
+  OptionText scale;
+  OptionText scheme;
+  bool once = false;
+  std::vector<std::string> ids;
+  OptionText url;
+};
+
+std::string PlaceText(const PlacedWidget& widget) {
+  const auto configuration = host::configurationOf(widget.kind);
+  if (configuration->intent == widgets::ConfigurationIntent::themeSelector) return "--";
+  const auto place = widget.place.value_or(widgets::IntentPlacemark::myLocation());
+  return adapters::printableText(place.name, 60);
+}
+
+std::string List(const HomeCommandOptions& options) {
+  installServices({checkedLocale(options.host.locale)});
+  const bool isJson = parseFormat(options.format) == OutputFormat::json;
+  const HomeScreen screen = homeScreenFile().load();
+  if (isJson) return screen.toJson();
+  if (screen.widgets().empty()) return appText("home_empty") + "\n";
+  Table table;
+  for (const PlacedWidget& widget : screen.widgets()) {
+    table.Row({widget.id, widget.kind, host::familyName(widget.family),
+               host::themeName(widget.theme), PlaceText(widget)});
+  }
+  return table.Text();
+}
+
+/// Counted from 1, as people do.
+std::optional<std::size_t> ParsePosition(const OptionText& text) {
+  if (!text) return std::nullopt;
+  const auto number = parseNumber(*text);
+  if (!number || !(*number >= 1.0 && *number <= HomeScreen::kMostWidgets) ||
+      *number != static_cast<double>(static_cast<std::size_t>(*number))) {
+    throwBadOption("POSITION", *text, "expect_position");
+  }
+  return static_cast<std::size_t>(*number) - 1;
+}
+
+std::string GivenId(const HomeCommandOptions& options) {
+  if (options.id) return *options.id;
+  throw UsageError(
+      stringWithFormat(appText("error_missing_option"), {"ID", appText("expect_widget_id")}));
+}
+
+std::string Add(const HomeCommandOptions& options) {
+  const std::string locale = checkedLocale(options.widget.locale);
+  installServices({locale});
+  PlacedWidget widget = parseWidget(options.widget, locale);
+  widget.id = options.id.value_or("");
+  const auto position = ParsePosition(options.position);
+  std::string id;
+  homeScreenFile().update([&](HomeScreen& screen) { id = screen.add(widget, position); });
+  return id + "\n";
+}
+
+std::string Remove(const HomeCommandOptions& options) {
+  const std::string id = GivenId(options);
+  homeScreenFile().update([&](HomeScreen& screen) { screen.remove(id); });
+  return "";
+}
+
+std::string Move(const HomeCommandOptions& options) {
+  const std::string id = GivenId(options);
+  const auto position = ParsePosition(options.position);
+  if (!position) {
+    throw UsageError(stringWithFormat(appText("error_missing_option"),
+                                      {"POSITION", appText("expect_position")}));
+  }
+  homeScreenFile().update([&](HomeScreen& screen) { screen.move(id, *position); });
+  return "";
+}
+
+std::string Set(const HomeCommandOptions& options) {
+  const std::string locale = checkedLocale(options.widget.locale);
+  installServices({locale});
+  const std::string id = GivenId(options);
+  const WidgetOptions& given = options.widget;
+  const bool isAboutPlace = hasPlace(given.place) || given.myLocation;
+  if (!isAboutPlace && !given.family && !given.theme) {
+    throw UsageError(appText("error_nothing_to_set"));
+  }
+  homeScreenFile().update([&](HomeScreen& screen) {
+    PlacedWidget changed = screen.at(id);
+    WidgetOptions wanted = given;
+    wanted.kind = changed.kind;
+    const PlacedWidget parsed = parseWidget(wanted, locale);
+    if (isAboutPlace) changed.place = parsed.place;
+    if (given.family) changed.family = parsed.family;
+    if (given.theme) changed.theme = parsed.theme;
+    screen.replace(changed);
+  });
+  return "";
+}
+
+platform::ColorScheme ParseScheme(const OptionText& text) {
+  if (!text || *text == "dark") return platform::ColorScheme::dark;
+  if (*text != "light") throwBadOption("--scheme", *text, "expect_scheme");
+  return platform::ColorScheme::light;
+}
+
+/// The widgets of a host that were named, or all of them.
+class Chosen {
+ public:
+  Chosen(const std::vector<std::string>& ids, const HomeScreen& screen)
+      : ids_(ids.begin(), ids.end()) {
+    for (const std::string& id : ids) screen.at(id);
+  }
+  bool holds(const std::string& id) const { return ids_.empty() || ids_.contains(id); }
+
+ private:
+  std::set<std::string> ids_;
+};
+
+/// Writes pictures into a folder, and a list of them.
+class Exporter {
+ public:
+  Exporter(fs::path folder, double scale, view::Environment environment)
+      : folder_(std::move(folder)), scale_(scale), environment_(environment) {
+    makeFolder(folder_);
+    const auto old = adapters::SharedTextFile(folder_ / kList).contents();
+    const Json list = Json::parse(old.value.value_or(""), nullptr, false);
+    if (!list.is_object() || !list.contains("widgets") || !list.at("widgets").is_array()) return;
+    for (const Json& one : list.at("widgets")) {
+      if (one.is_object() && one.contains("file") && one.at("file").is_string()) {
+        written_.insert(one.at("file").get<std::string>());
+      }
+    }
+  }
+
+  void Write(const ShownWidget& shown) {
+    view::Environment environment = environment_;
+    environment.family = shown.widget.family;
+    const view::Element element = host::viewOf(shown.entry, environment);
+    PictureOptions options;
+    options.size = view::sizeOf(shown.widget.family);
+    options.scale = scale_;
+    writePicture((folder_ / FileOf(shown)).string(),
+                 pictureOf(element, environment, PictureFormat::png, options));
+  }
+
+  /// The list, last: what it names is there. Pictures that it named and names no more go.
+  void WriteList(const std::vector<ShownWidget>& all) {
+    Json widgets = Json::array();
+    std::set<std::string> files;
+    for (const ShownWidget& shown : all) {
+      if (shown.isPlaceholder) continue;
+      files.insert(FileOf(shown));
+      widgets.push_back({{"id", shown.widget.id},
+                         {"kind", shown.widget.kind},
+                         {"family", host::familyName(shown.widget.family)},
+                         {"file", FileOf(shown)},
+                         {"date", adapters::formatRfc3339(host::dateOf(shown.entry))},
+                         {"reload", adapters::formatRfc3339(shown.reloadDate)},
+                         {"state", host::stateOf(shown.entry)},
+                         {"text", host::summaryOf(shown.entry)},
+                         {"details", host::detailsOf(shown.entry, shown.widget.family)}});
+    }
+    writePicture(
+        (folder_ / kList).string(),
+        Json{{"widgets", widgets}}.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+    for (const std::string& file : written_) {
+      // Names of our own making alone: the list might have been written by somebody else.
+      const fs::path path = fs::path(file).filename();
+      std::error_code ignored;
+      if (!files.contains(file) && path == file && path.extension() == ".png") {
+        fs::remove(folder_ / path, ignored);
+      }
+    }
+    written_ = std::move(files);
+  }
+
+ private:
+  static constexpr const char* kList = "index.json";
+  static std::string FileOf(const ShownWidget& shown) { return shown.widget.id + ".png"; }
+
+  fs::path folder_;
+  double scale_;
+  view::Environment environment_;
+  std::set<std::string> written_;
+};
+
+bool AreAllAnswered(const host::Scheduler& scheduler) {
+  return std::none_of(scheduler.shown().begin(), scheduler.shown().end(),
+                      [](const ShownWidget& one) { return one.isPlaceholder; });
+}
+
+std::string Export(const HomeCommandOptions& options) {
+  if (!options.folder) {
+    throw UsageError(
+        stringWithFormat(appText("error_missing_option"), {"DIR", appText("expect_folder")}));
+  }
+  view::Environment environment;
+  environment.colorScheme = ParseScheme(options.scheme);
+  const double scale = parseScale(options.scale);
+  HomeHost home(options.host);
+  if (adapters::isRightToLeft(home.locale())) {
+    environment.layoutDirection = view::LayoutDirection::rightToLeft;
+  }
+  Exporter exporter(*options.folder, scale, environment);
+  bool isListDue = true;
+  const auto writeList = [&] {
+    isListDue = false;
+    exporter.WriteList(home.scheduler().shown());
+  };
+  std::set<std::string> fresh;
+  home.scheduler().onEntry([&](const ShownWidget& shown) {
+    exporter.Write(shown);
+    fresh.insert(shown.widget.id);
+    isListDue = true;
+  });
+  home.onHomeScreen([&] { isListDue = true; });
+  home.run([&] {
+    if (isListDue) writeList();
+    return options.once && fresh.size() == home.scheduler().shown().size();
+  });
+  return "";
+}
+
+/// A line for status bars, whose modules take "text", "tooltip" and "class".
+std::string WaybarLine(const std::vector<ShownWidget>& all, const Chosen& chosen) {
+  std::string text;
+  std::string tooltip;
+  Json classes = Json::array();
+  for (const ShownWidget& shown : all) {
+    if (!chosen.holds(shown.widget.id) || shown.isPlaceholder) continue;
+    text += (text.empty() ? "" : "  ") + host::summaryOf(shown.entry);
+    tooltip += (tooltip.empty() ? "" : "\n\n") + host::detailsOf(shown.entry, shown.widget.family);
+    classes.push_back(shown.widget.id);
+    const std::string state = host::stateOf(shown.entry);
+    if (std::find(classes.begin(), classes.end(), state) == classes.end()) {
+      classes.push_back(state);
+    }
+  }
+  return Json{{"text", text}, {"tooltip", tooltip}, {"class", classes}}.dump(
+      -1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string EntryLine(const ShownWidget& shown) {
+  return Json{{"id", shown.widget.id},
+              {"kind", shown.widget.kind},
+              {"family", host::familyName(shown.widget.family)},
+              {"text", host::summaryOf(shown.entry)},
+              {"entry", entryJson(shown.entry)},
+              {"reload", adapters::formatRfc3339(shown.reloadDate)}}
+      .dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
+  const std::string format = options.format.value_or("jsonl");
+  if (format != "waybar" && format != "jsonl") {
+    throwBadOption("--format", format, "expect_watch_format");
+  }
+  HomeHost home(options.host);
+  std::vector<std::string> ids = options.ids;
+  const HomeScreen screen = home.file().load();
+  // A bar has room for one.
+  if (ids.empty() && format == "waybar" && !screen.widgets().empty()) {
+    ids.push_back(screen.widgets().front().id);
+  }
+  const Chosen chosen(ids, screen);
+  bool isLineDue = false;
+  home.scheduler().onEntry([&](const ShownWidget& shown) {
+    if (!chosen.holds(shown.widget.id)) return;
+    if (format == "jsonl") {
+      out << EntryLine(shown) << '\n' << std::flush;
+    } else {
+      isLineDue = true;
+    }
+  });
+  home.run([&] {
+    if (std::exchange(isLineDue, false)) {
+      out << WaybarLine(home.scheduler().shown(), chosen) << '\n' << std::flush;
+    }
+    const bool isOnceDone = options.once && AreAllAnswered(home.scheduler());
+    return !out.good() || isOnceDone;
+  });
+  return "";
+}
+
+std::string Serve(const HomeCommandOptions& options, std::ostream& out) {
+  serveHome(options.host, options.listen, out);
+  return "";
+}
+
+std::string OpenPage(const HomeCommandOptions& options) {
+  const std::string page = runningPage(options.url);
+  GError* error = nullptr;
+  if (!g_app_info_launch_default_for_uri(page.c_str(), nullptr, &error)) {
+    const std::string reason = error->message;
+    g_error_free(error);
+    throw std::runtime_error(stringWithFormat(appText("error_browser"), {page, reason}));
+  }
+  return page + "\n";
+}
+
+}  // namespace
+
+void addHomeCommands(CommandSet& commands, std::ostream& out) {
+  HomeCommandOptions& o = commands.Keep<HomeCommandOptions>();
+  CommandSet::Command& home =
+      commands.AddGroup("home", {"help_usage_home", "help_home", "help_home_examples"});
+  const auto add = [&](const char* name, const char* usageKey, const char* helpKey,
+                       std::vector<OptionSpec> options, auto action) {
+    commands.Add(home, name, {usageKey, helpKey, "help_home_examples"}, options, action);
+  };
+  const OptionSpec id{"ID", "", "help_widget_id", "expect_widget_id", &o.id};
+  const OptionSpec position{"POSITION", "", "help_position", "expect_position", &o.position};
+  const std::vector<OptionSpec> configuration{
+      {"--family", "small|medium|large", "help_family", "expect_family", &o.widget.family},
+      placeOption(o.widget.place.place),
+      latitudeOption(o.widget.place.latitude),
+      longitudeOption(o.widget.place.longitude),
+      {"--my-location", "", "help_my_location", nullptr, &o.widget.myLocation},
+      {"--theme", "system|dark|light", "help_theme", "expect_theme", &o.widget.theme},
+      localeOption(o.widget.locale)};
+  const auto with = [](std::vector<OptionSpec> first, const std::vector<OptionSpec>& more) {
+    first.insert(first.end(), more.begin(), more.end());
+    return first;
+  };
+
+  add("list", "help_usage_home_list", "help_home_list",
+      {localeOption(o.host.locale), formatOption(o.format)}, [&o] { return List(o); });
+  add("add", "help_usage_home_add", "help_home_add",
+      with({{"KIND", "", "help_kind", "expect_kind", &o.widget.kind},
+            {"--id", "ID", "help_new_widget_id", "expect_widget_id", &o.id},
+            {"--position", "N", "help_position", "expect_position", &o.position}},
+           configuration),
+      [&o] { return Add(o); });
+  add("set", "help_usage_home_set", "help_home_set", with({id}, configuration),
+      [&o] { return Set(o); });
+  add("move", "help_usage_home_move", "help_home_move", {id, position}, [&o] { return Move(o); });
+  add("remove", "help_usage_home_remove", "help_home_remove", {id}, [&o] { return Remove(o); });
+  add("serve", "help_usage_home_serve", "help_home_serve",
+      with({{"--listen", "ADDRESS:PORT", "help_listen", "expect_listen", &o.listen}},
+           homeOptionSpecs(o.host)),
+      [&o, &out] { return Serve(o, out); });
+  const OptionSpec once{"--once", "", "help_once", nullptr, &o.once};
+  add("export", "help_usage_home_export", "help_home_export",
+      with({{"DIR", "", "help_export_folder", "expect_folder", &o.folder},
+            scaleOption(o.scale),
+            {"--scheme", "light|dark", "help_scheme", "expect_scheme", &o.scheme},
+            once},
+           homeOptionSpecs(o.host)),
+      [&o] { return Export(o); });
+  add("watch", "help_usage_home_watch", "help_home_watch",
+      with({{"--format", "waybar|jsonl", "help_watch_format", "expect_watch_format", &o.format},
+            {"--widget", "ID", "help_watch_widget", "expect_widget_id", &o.ids},
+            once},
+           homeOptionSpecs(o.host)),
+      [&o, &out] { return Watch(o, out); });
+  add("open", "help_usage_home_open", "help_home_open",
+      {{"URL", "", "help_open_url", "expect_deep_link", &o.url}}, [&o] { return OpenPage(o); });
+}
+
+}  // namespace lumenquest::app

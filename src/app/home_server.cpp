@@ -1,0 +1,152 @@
+#include "app/home_server.h"
+
+#include <gio/gio.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <ostream>
+#include <stdexcept>
+#include <system_error>
+
+#include "adapters/files.h"
+#include "adapters/icu_services.h"
+#include "adapters/svg_canvas.h"
+#include "adapters/xdg_file_manager.h"
+#include "app/widget_picture.h"
+#include "host/home_site.h"
+#include "host/web_server.h"
+#include "platform/localized_strings.h"
+#include "widgets/view/style.h"
+
+namespace lumenquest::app {
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace view = widgets::view;
+using platform::stringWithFormat;
+
+constexpr const char* kScheme = "lumenquest://";
+constexpr std::uint16_t kUsualPort = 8437;
+
+/// Where a running host says where it listens.
+std::optional<fs::path> AddressFile() {
+  const auto folder = adapters::cacheFolder();
+  return folder ? std::optional(*folder / "home-address") : std::nullopt;
+}
+
+std::string Contents(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// Says where this host listens, as long as it does.
+class Announcement {
+ public:
+  explicit Announcement(std::string url) : url_(std::move(url)) {
+    const auto file = AddressFile();
+    if (!file) return;
+    std::error_code ignored;
+    fs::create_directories(file->parent_path(), ignored);
+    adapters::writeFileWhole(*file, url_);
+  }
+  ~Announcement() {
+    const auto file = AddressFile();
+    std::error_code ignored;
+    // Another host may have said meanwhile that it is there.
+    if (file && Contents(*file) == url_) fs::remove(*file, ignored);
+  }
+  Announcement(const Announcement&) = delete;
+  Announcement& operator=(const Announcement&) = delete;
+
+ private:
+  std::string url_;
+};
+
+/// The site's own files.
+std::map<std::string, std::string> SiteFiles() {
+  const fs::path resources = resourceFolder();
+  std::map<std::string, std::string> files;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(resources / "web", error)) {
+    files[entry.path().filename().string()] = Contents(entry.path());
+  }
+  files["icon.svg"] = Contents(resources / "art" / "appIcon.svg");
+  return files;
+}
+
+host::ListenAddress Address(const OptionText& listen) {
+  if (!listen) return {"127.0.0.1", kUsualPort};
+  const auto address = host::parseListenAddress(*listen);
+  if (!address) throwBadOption("--listen", *listen, "expect_listen");
+  return *address;
+}
+
+bool Answers(const std::string& url) {
+  GSocketClient* const client = g_socket_client_new();
+  g_socket_client_set_timeout(client, 2);
+  GSocketConnection* const connection =
+      g_socket_client_connect_to_uri(client, url.c_str(), 80, nullptr, nullptr);
+  const bool isThere = connection != nullptr;
+  if (isThere) g_object_unref(connection);
+  g_object_unref(client);
+  return isThere;
+}
+
+}  // namespace
+
+void serveHome(const HomeOptions& options, const OptionText& listen, std::ostream& out) {
+  host::WebServerOptions serverOptions;
+  serverOptions.listen = Address(listen);
+  HomeHost home(options);
+
+  view::Environment environment;
+  const bool isRightToLeft = adapters::isRightToLeft(home.locale());
+  if (isRightToLeft) environment.layoutDirection = view::LayoutDirection::rightToLeft;
+
+  std::optional<host::WebServer> server;
+  host::HomeSiteOptions siteOptions;
+  siteOptions.drawWidget = [&](const host::ShownWidget& shown, platform::ColorScheme scheme,
+                               const std::string& idPrefix) {
+    view::Environment own = environment;
+    own.family = shown.widget.family;
+    own.colorScheme = scheme;
+    const view::Element element = host::viewOf(shown.entry, own);
+    const platform::CGSize size = view::sizeOf(own.family);
+    adapters::SvgCanvas canvas(size, idPrefix);
+    drawWidget(element, size, own, canvas);
+    return canvas.document(host::configurationOf(shown.widget.kind)->displayName,
+                           view::descriptionOf(element));
+  };
+  siteOptions.files = SiteFiles();
+  siteOptions.publish = [&](const std::string& event, const std::string& data) {
+    if (server) server->publish(event, data);
+  };
+  host::HomeSite site(home.scheduler(), home.file(), siteOptions);
+  server.emplace(serverOptions,
+                 [&](const host::WebRequest& request) { return site.answer(request); });
+  home.scheduler().onEntry([&](const host::ShownWidget& shown) { site.entryIsNew(shown); });
+  home.onHomeScreen([&] { site.homeScreenIsNew(); });
+
+  const Announcement announcement(server->url());
+  out << stringWithFormat(appText("home_serving"), {server->url()}) << std::endl;
+  home.run();
+  server->stop();
+}
+
+std::string runningPage(const OptionText& deepLink) {
+  if (deepLink && !deepLink->starts_with(kScheme)) {
+    throwBadOption("URL", *deepLink, "expect_deep_link");
+  }
+  const auto file = AddressFile();
+  const std::string url = file ? Contents(*file) : "";
+  if (url.empty() || !Answers(url)) throw std::runtime_error(appText("error_no_host"));
+  if (!deepLink) return url;
+  char* const escaped = g_uri_escape_string(deepLink->c_str(), nullptr, FALSE);
+  const std::string page = url + "open?url=" + escaped;
+  g_free(escaped);
+  return page;
+}
+
+}  // namespace lumenquest::app

@@ -1,0 +1,277 @@
+// The host's day on a clock of its own. LUMENQUEST_SOAK asks for the long forms.
+
+#include "host/scheduler.h"
+
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <cstdlib>
+#include <map>
+#include <random>
+
+#include "adapters/json_models.h"
+#include "adapters/sqlite_object_store.h"
+#include "adapters/uuids.h"
+#include "host/entry_json.h"
+#include "plans_fixture.h"
+#include "widget_world.h"
+
+namespace lumenquest::host {
+namespace {
+
+using platform::CLLocation;
+using platform::NSDate;
+using testing::Instant;
+using testing::WidgetWorld;
+
+NSDate Later(NSDate date, double seconds) {
+  return NSDate(date.timeIntervalSinceReferenceDate() + seconds);
+}
+
+/// Rings in a world, on time unless the world's clock is set meanwhile.
+class WorldAlarm final : public platform::Alarm {
+ public:
+  explicit WorldAlarm(WidgetWorld& world) : world_(world) {}
+  void onRing(std::function<void(Reason)> listener) override { listener_ = std::move(listener); }
+  void set(NSDate date) override {
+    world_.At(date, [this, number = ++number_] {
+      if (number == number_) listener_(Reason::due);
+    });
+  }
+  /// The machine slept, or somebody set its clock.
+  void ClockIsSet(double bySeconds) {
+    world_.clock->Advance(bySeconds);
+    listener_(Reason::clockChanged);
+  }
+
+ private:
+  WidgetWorld& world_;
+  std::uint64_t number_ = 0;
+  std::function<void(Reason)> listener_;
+};
+
+class TextInMemory final : public platform::TextFile {
+ public:
+  platform::Outcome<std::optional<std::string>> contents() const override { return text; }
+  std::optional<platform::NSError> update(
+      const std::function<std::string(const std::optional<std::string>&)>& change) override {
+    text = change(text);
+    return std::nullopt;
+  }
+  std::optional<std::string> text;
+};
+
+/// A host of the standard home screen in a world, and what came of it.
+struct Host {
+  explicit Host(const std::string& now, const std::string& zone = "Europe/Ljubljana")
+      : world(now, zone, WithoutPlans()) {
+    world.device->last = CLLocation{{46.36, 14.09}, Instant(now)};
+    world.device->onRequest = [this] {
+      world.After(2.0, [this] {
+        if (!isSilent) world.device->Fix({{46.36, 14.09}, world.clock->instant});
+      });
+    };
+    Start();
+  }
+
+  void Start() {
+    due.clear();
+    scheduler = std::make_unique<Scheduler>(Scheduler::Options{alarm, memory, "en"});
+    scheduler->onEntry([this](const ShownWidget& shown) {
+      ++entries;
+      NSDate& expected = due[shown.widget.id];
+      // A position is waited for; nothing else takes time.
+      if (expected != NSDate()) {
+        EXPECT_GE(dateOf(shown.entry), expected) << shown.widget.id;
+        EXPECT_LE(dateOf(shown.entry), Later(expected, 1e-3)) << shown.widget.id;
+      }
+      expected = shown.reloadDate;
+    });
+  }
+
+  void RunFor(double seconds) { world.RunUntil(Later(world.clock->instant, seconds)); }
+
+  /// What holds of a host at rest.
+  void ExpectAllUpToDate() {
+    const NSDate now = world.clock->instant;
+    for (const ShownWidget& shown : scheduler->shown()) {
+      EXPECT_FALSE(shown.isPlaceholder) << shown.widget.id;
+      EXPECT_LE(dateOf(shown.entry), now) << shown.widget.id;
+      EXPECT_GT(shown.reloadDate, now) << shown.widget.id;
+      EXPECT_LE(shown.reloadDate, Later(now, 3600.0)) << shown.widget.id;
+    }
+  }
+
+  static platform::Services::Adapters WithoutPlans() {
+    platform::Services::Adapters with;
+    with.uuids = std::make_shared<adapters::RandomUUIDs>();
+    with.fileManager = std::make_shared<testing::FakeFiles>(std::nullopt);
+    with.models = std::make_shared<adapters::JsonModels>();
+    with.persistentStores = std::make_shared<adapters::SqliteObjectStores>(
+        adapters::SqliteObjectStores::Role::reader, with.uuids);
+    return with;
+  }
+
+  WidgetWorld world;
+  std::shared_ptr<WorldAlarm> alarm = std::make_shared<WorldAlarm>(world);
+  std::shared_ptr<TextInMemory> memory = std::make_shared<TextInMemory>();
+  std::unique_ptr<Scheduler> scheduler;
+  std::map<std::string, NSDate> due;
+  bool isSilent = false;
+  int entries = 0;
+};
+
+std::size_t BytesInUse() {
+#ifdef LUMENQUEST_SANITIZED
+  return 0;  // the sanitizer's own heap does not say
+#else
+  return ::mallinfo2().uordblks;
+#endif
+}
+
+constexpr double kDay = 86400.0;
+
+TEST(Scheduler, NoReloadIsMissedAndMemoryIsFlat) {
+  const bool isLong = std::getenv("LUMENQUEST_SOAK") != nullptr;
+  const int days = isLong ? 365 : 31;
+  Host host("2024-10-10T12:00:00Z");
+  host.scheduler->show(HomeScreen::standard());
+  host.RunFor(7 * kDay);
+  const std::size_t before = BytesInUse();
+  for (int day = 7; day < days; ++day) {
+    host.RunFor(kDay);
+    host.ExpectAllUpToDate();
+  }
+  // Five widgets, each every half hour at least.
+  EXPECT_GE(host.entries, days * 48 * 5);
+  EXPECT_LE(host.entries, days * 60 * 5);
+  EXPECT_LE(BytesInUse(), before + 64 * 1024);
+}
+
+TEST(Scheduler, SleepAndClocksThatAreSetAreFollowed) {
+  Host host("2024-03-28T12:00:00Z");
+  host.scheduler->show(HomeScreen::standard());
+  host.RunFor(60.0);
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> pause(60.0, 5.0 * 3600.0);
+  std::uniform_real_distribution<double> jump(-6.0 * 3600.0, 10.0 * 3600.0);
+  for (int i = 0; i < 60; ++i) {
+    host.RunFor(pause(random));
+    host.due.clear();
+    const int before = host.entries;
+    host.alarm->ClockIsSet(jump(random));
+    host.RunFor(10.0);
+    EXPECT_GE(host.entries, before + 5);
+    host.ExpectAllUpToDate();
+    host.due.clear();
+  }
+}
+
+TEST(Scheduler, ADeviceThatNeverAnswersIsAskedAnew) {
+  Host host("2024-08-12T12:00:00Z");
+  host.isSilent = true;
+  host.world.device->last.reset();
+  host.scheduler->show(HomeScreen::fromJson(R"({"widgets": [{"kind": "SunWidget"}]})"));
+  host.RunFor(kDay);
+  EXPECT_EQ(host.entries, 0);
+  EXPECT_TRUE(host.scheduler->shown().front().isPlaceholder);
+  // Now and then, and not all the time.
+  EXPECT_GE(host.world.device->requests, 100);
+  EXPECT_LE(host.world.device->requests, 300);
+  host.isSilent = false;
+  host.RunFor(600.0);
+  EXPECT_EQ(host.entries, 1);
+  host.ExpectAllUpToDate();
+}
+
+TEST(Scheduler, EntriesSurviveARestart) {
+  Host host("2024-08-12T12:00:00Z");
+  host.scheduler->show(HomeScreen::standard());
+  host.RunFor(600.0);
+  std::map<std::string, std::string> before;
+  for (const ShownWidget& shown : host.scheduler->shown()) {
+    before[shown.widget.id] = entryToJson(shown.entry);
+  }
+  EXPECT_EQ(before.size(), 5u);
+
+  host.scheduler.reset();
+  host.world.device->last.reset();
+  host.isSilent = true;
+  host.Start();
+  HomeScreen changed = HomeScreen::standard();
+  PlacedWidget moon = changed.at("moon");
+  moon.theme = widgets::Enum::light;
+  changed.replace(moon);
+  host.scheduler->show(changed);
+  for (const ShownWidget& shown : host.scheduler->shown()) {
+    EXPECT_EQ(shown.isPlaceholder, shown.widget.id == "moon") << shown.widget.id;
+    // The plans were answered afresh already.
+    if (shown.widget.id == "moon" || shown.widget.id == "plans") continue;
+    EXPECT_EQ(entryToJson(shown.entry), before[shown.widget.id]);
+  }
+  host.isSilent = false;
+  host.RunFor(600.0);
+  host.ExpectAllUpToDate();
+  EXPECT_GT(dateOf(host.scheduler->find("sun")->entry), Instant("2024-08-12T12:05:00Z"));
+
+  // Something else in the file, or another language: as if there were none.
+  for (const char* text :
+       {"", "[]", R"({"locale": "en", "entries": [{}]})", R"({"locale": "fi", "entries": []})"}) {
+    host.scheduler.reset();
+    host.memory->text = text;
+    host.isSilent = true;
+    host.world.device->last.reset();
+    host.Start();
+    host.scheduler->show(HomeScreen::standard());
+    EXPECT_TRUE(host.scheduler->find("sun")->isPlaceholder) << text;
+  }
+}
+
+TEST(Scheduler, ChangesAskTheChangedAlone) {
+  Host host("2024-08-12T12:00:00Z");
+  HomeScreen screen = HomeScreen::standard();
+  host.scheduler->show(screen);
+  host.RunFor(60.0);
+  const auto version = [&](const char* id) { return host.scheduler->find(id)->version; };
+  const auto sun = version("sun");
+  screen.move("sun", 4);
+  screen.add({"", "MoonWidget", {}, widgets::IntentPlacemark{{{60.0, 25.0}}, "", {}}, {}});
+  screen.remove("plans");
+  host.scheduler->show(screen);
+  host.RunFor(10.0);
+  EXPECT_EQ(version("sun"), sun);
+  EXPECT_EQ(host.scheduler->find("plans"), nullptr);
+  EXPECT_FALSE(host.scheduler->find("moon-2")->isPlaceholder);
+  EXPECT_TRUE(host.scheduler->isShowing(screen));
+
+  host.due.clear();
+  host.scheduler->reload([](const PlacedWidget& widget) { return widget.id == "sun"; });
+  host.RunFor(10.0);
+  EXPECT_GT(version("sun"), sun);
+}
+
+TEST(ReloadDate, OfATimelineWithoutOne) {
+  const struct {
+    const char* now;
+    const char* reload;
+  } cases[] = {
+      {"2024-08-12T12:00:00Z", "2024-08-12T12:30:00Z"},
+      // Half an hour before midnight in Ljubljana, and a quarter.
+      {"2024-08-12T21:30:00Z", "2024-08-12T22:00:00Z"},
+      {"2024-08-12T21:45:00Z", "2024-08-12T22:00:00Z"},
+      // The day of 25 hours.
+      {"2024-10-27T22:50:00Z", "2024-10-27T23:00:00Z"},
+  };
+  for (const auto& [now, reload] : cases) {
+    const WidgetWorld world(now, "Europe/Ljubljana");
+    EXPECT_EQ(reloadDateOf(widgets::TimelineReloadPolicy::atEnd(), Instant(now)), Instant(reload));
+  }
+  // An answer that took its time.
+  const WidgetWorld world("2024-08-12T12:00:00Z");
+  EXPECT_EQ(reloadDateOf(widgets::TimelineReloadPolicy::after(Instant("2024-08-12T11:00:00Z")),
+                         Instant("2024-08-12T12:00:00Z")),
+            Instant("2024-08-12T12:00:01Z"));
+}
+
+}  // namespace
+}  // namespace lumenquest::host
