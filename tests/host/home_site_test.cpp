@@ -64,6 +64,8 @@ class HomeSiteTest : public ::testing::Test {
     file->text = screen;
     scheduler.show(screenFile.load());
     world.queue->RunAll();
+    world.device->Fix({{-33.0, 18.0}, Instant("2024-08-12T20:30:00Z")});
+    world.queue->RunAll();
   }
   WebResponse Answer(const std::string& method, const std::string& address,
                      const std::string& body = "") {
@@ -106,11 +108,17 @@ class HomeSiteTest : public ::testing::Test {
   }
 
   std::shared_ptr<testing::FewAssets> assets = std::make_shared<testing::FewAssets>();
-  testing::WidgetWorld world{"2024-08-12T20:30:00Z", "Europe/Berlin", [this] {
-                               platform::Services::Adapters with;
-                               with.assets = assets;
-                               return with;
-                             }()};
+  testing::WidgetWorld world{
+      "2024-08-12T20:30:00Z", "Europe/Berlin", [this] {
+        platform::Services::Adapters with;
+        with.assets = assets;
+        // Nobody has a folder for plans here.
+        with.fileManager = std::make_shared<testing::FakeFiles>(std::nullopt);
+        with.models = std::make_shared<adapters::JsonModels>();
+        with.persistentStores =
+            std::make_shared<adapters::SqliteObjectStores>(testing::Role::reader, nullptr);
+        return with;
+      }()};
   std::shared_ptr<TextInMemory> file = std::make_shared<TextInMemory>();
   HomeScreenFile screenFile{file};
   Scheduler scheduler{{std::make_shared<NoAlarm>(), nullptr, "en_US"}};
@@ -199,6 +207,7 @@ TEST_F(HomeSiteTest, AddressesWithoutAnything) {
 }
 
 TEST_F(HomeSiteTest, ADayIsToldInItsPlacesZoneAndLeavesTheDevicesBehind) {
+  platform::Formatters::sharedInstance().setTimeZone({"Europe/Berlin"});
   const std::string html = Get("/sun?widget=sun");
   // 20:30 UTC in a town of UTC+1.
   EXPECT_THAT(html, AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("9:30\u202FPM"),
@@ -220,13 +229,22 @@ TEST_F(HomeSiteTest, ADayIsToldInItsPlacesZoneAndLeavesTheDevicesBehind) {
   }
 }
 
-TEST_F(HomeSiteTest, WithoutALocationAPageSaysSo) {
-  EXPECT_THAT(Get("/sun"), HasSubstr("web_no_location"));
-  platform::SavedLocation::save({-33.0, 18.0});
-  platform::SavedLocation::savePlace({"Cape", "Africa/Johannesburg"});
-  EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("<bdi>Cape</bdi>"), HasSubstr("Africa/Johannesburg"),
-                                  HasSubstr("src=\"/moon.svg\"")));
+TEST_F(HomeSiteTest, AWidgetThatFollowsTheDeviceIsWhereTheDeviceIs) {
+  // The saved place is the Sun widget's, which asked later.
+  scheduler.reload([](const PlacedWidget& widget) { return widget.id == "sun"; });
+  world.queue->RunAll();
+  EXPECT_THAT(Get("/moon?widget=lumenquest"),
+              AllOf(HasSubstr("<bdi>-33,18</bdi>"), HasSubstr("Etc/GMT-1"),
+                    HasSubstr("src=\"/moon.svg?widget=lumenquest\"")));
   EXPECT_THAT(Get("/moon.svg"), HasSubstr("<svg>"));
+
+  world.device->last.reset();
+  platform::SavedLocation::save({10.0, 20.0});
+  platform::SavedLocation::savePlace({"Cape", "Africa/Johannesburg"});
+  EXPECT_THAT(Get("/sun"), AllOf(HasSubstr("<bdi>Cape</bdi>"), HasSubstr("Africa/Johannesburg")));
+  world.services.settings->setObject(std::nullopt,
+                                     platform::kUserDefaultsTodayExtensionLastLatitude);
+  EXPECT_THAT(Get("/sun"), HasSubstr("web_no_location"));
 }
 
 TEST_F(HomeSiteTest, AWidgetThatHasNoAnswerYetHasNoDayYet) {
