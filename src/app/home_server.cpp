@@ -2,6 +2,7 @@
 
 #include <gio/gio.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -119,7 +120,14 @@ void serveHome(const HomeOptions& options, const OptionText& listen, std::ostrea
     return canvas.document(host::configurationOf(shown.widget.kind)->displayName,
                            view::descriptionOf(element));
   };
+  siteOptions.drawImage = [](const platform::UIImage& image) {
+    adapters::SvgCanvas canvas(image.size, "i");
+    canvas.drawImage(image, {0.0, 0.0, image.size.width, image.size.height}, {});
+    return canvas.document("", "");
+  };
   siteOptions.files = SiteFiles();
+  siteOptions.language = {home.locale(), isRightToLeft};
+  std::replace(siteOptions.language.tag.begin(), siteOptions.language.tag.end(), '_', '-');
   siteOptions.publish = [&](const std::string& event, const std::string& data) {
     if (server) server->publish(event, data);
   };

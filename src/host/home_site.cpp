@@ -77,22 +77,36 @@ std::optional<platform::NSTimeZone> KnownZone(const std::optional<std::string>& 
   return name ? platform::NSTimeZone::timeZoneWithName(*name) : std::nullopt;
 }
 
-/// Where the device was last.
-std::optional<DayPlace> LastPlace() {
-  const auto location = platform::SavedLocation::load();
-  if (!location) return std::nullopt;
+/// Where the device is as far as it knows itself.
+std::optional<platform::CLLocation> DeviceLocation() {
+  const auto manager = platform::Services::current().locations().locationManager();
+  return manager->isAuthorizedForWidgetUpdates() ? manager->location() : std::nullopt;
+}
+
+/// Where the device was last; `data` is of a widget that follows it, and may be null.
+std::optional<DayPlace> LastPlace(const widgets::LocationWidgetData* data) {
+  const platform::NSTimeZone local = platform::NSTimeZone::localTimeZone();
+  // The saved location is that of whichever widget asked last, wherever it is.
+  if (const auto location = DeviceLocation()) {
+    const auto address = data != nullptr ? data->address : std::nullopt;
+    const auto zone = data != nullptr ? data->timeZone : std::nullopt;
+    return DayPlace{address.value_or(CoordinateText(*location)), *location, zone.value_or(local)};
+  }
+  const auto saved = platform::SavedLocation::load();
+  if (!saved) return std::nullopt;
   const platform::SavedPlace place = platform::SavedLocation::readPlace();
-  return DayPlace{place.address.value_or(CoordinateText(*location)), *location,
-                  KnownZone(place.timeZone).value_or(platform::NSTimeZone::localTimeZone())};
+  return DayPlace{place.address.value_or(CoordinateText(*saved)), *saved,
+                  KnownZone(place.timeZone).value_or(local)};
 }
 
 /// Where a widget is; nothing when nobody knows.
 std::optional<DayPlace> PlaceOf(const ShownWidget* shown) {
-  if (shown == nullptr || !shown->widget.place) return LastPlace();
-  const widgets::IntentPlacemark& place = *shown->widget.place;
-  const widgets::LocationWidgetData* const data = LocationDataOf(shown->entry);
   // The provider has looked up the place's zone; sample data are of another place.
-  const auto zone = data != nullptr && !shown->isPlaceholder ? data->timeZone : std::nullopt;
+  const widgets::LocationWidgetData* const data =
+      shown != nullptr && !shown->isPlaceholder ? LocationDataOf(shown->entry) : nullptr;
+  if (shown == nullptr || !shown->widget.place) return LastPlace(data);
+  const widgets::IntentPlacemark& place = *shown->widget.place;
+  const auto zone = data != nullptr ? data->timeZone : std::nullopt;
   if (!zone && shown->isPlaceholder) return std::nullopt;
   return DayPlace{place.name.empty() ? CoordinateText(place.location) : place.name, place.location,
                   zone.value_or(platform::NSTimeZone::localTimeZone())};

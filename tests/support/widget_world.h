@@ -133,7 +133,12 @@ class ScriptedGeocoder final : public platform::Geocoder {
     waiting_.push_back({location, std::move(completion)});
     if (answersAtOnce) Answer(waiting_.size() - 1);
   }
-  void geocodeAddressString(const std::string&, Completion) override {}
+  void geocodeAddressString(const std::string&, Completion completion) override {
+    ++searches;
+    queue_->async([completion = std::move(completion), places = placesToFind] {
+      completion(places, std::nullopt);
+    });
+  }
 
   std::size_t waiting() const { return waiting_.size(); }
   /// Lets the answer to the n-th of those that wait go, onto the main queue.
@@ -155,6 +160,9 @@ class ScriptedGeocoder final : public platform::Geocoder {
   bool fails = false;
   bool answersAtOnce = true;
   int requests = 0;
+  int searches = 0;
+  /// What every search finds.
+  std::vector<platform::CLPlacemark> placesToFind;
 
  private:
   struct Request {

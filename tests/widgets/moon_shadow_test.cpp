@@ -307,6 +307,7 @@ TEST(MoonShadow, ASupermoonHasARing) {
   data.moonPhase = 0.5f;
   data.zenithAngle = -120.0f;
   data.sunElevation = 30.0f;
+  data.moonPhaseString = "<phase_supermoon>";  // says it, so that the picture needs no label
   const auto icon = [&](bool isSupermoon, const view::Environment& environment) {
     data.isSupermoon = isSupermoon;
     const view::Element element = MoonIconView(data, kSide, environment);

@@ -1,0 +1,287 @@
+// The pages in a browser: what only a browser can tell. Run by script/browser-tests.
+
+import assert from "node:assert/strict";
+import { execFileSync, spawn } from "node:child_process";
+import { mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { createRequire } from "node:module";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { createInterface } from "node:readline";
+import { after, afterEach, before, beforeEach, test as testOf } from "node:test";
+import { chromium } from "playwright-core";
+
+const bin = process.env.LUMENQUEST_BIN;
+const pictures = process.env.LUMENQUEST_BROWSER_PICTURES;
+const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
+const data = mkdtempSync(join(tmpdir(), "lumenquest-browser-"));
+const environment = { ...process.env, XDG_DATA_HOME: data, XDG_CONFIG_HOME: join(data, "none") };
+const kPlan = "Milky Way <b>over</b> the lake";
+
+/** A test that hangs is a failure. */
+const test = (name, work) => testOf(name, { timeout: 120_000 }, work);
+
+let browser;
+let server;
+let page;
+
+/** A server with the standard home screen at an evening in July. */
+async function serve(locale = "en_US") {
+  const program = spawn(join(bin, "home_server"), ["2026-07-14T16:30:00Z", locale], {
+    env: environment,
+    stdio: ["pipe", "pipe", "inherit"],
+  });
+  // Else the end of a program that never began would be waited for.
+  program.once("error", (error) => {
+    throw error;
+  });
+  const lines = createInterface({ input: program.stdout })[Symbol.asyncIterator]();
+  const url = (await lines.next()).value;
+  return {
+    url,
+    at: (address) => new URL(address, url).href,
+    async advance(seconds) {
+      program.stdin.write(`advance ${seconds}\n`);
+      assert.equal((await lines.next()).value, "advanced");
+    },
+    async stop() {
+      const ended = new Promise((resolve) => program.once("exit", resolve));
+      program.stdin.end();
+      await ended;
+    },
+  };
+}
+
+async function open(address, options = {}) {
+  const context = await browser.newContext({ viewport: { width: 390, height: 844 }, ...options });
+  const opened = await context.newPage();
+  opened.problems = [];
+  opened.on("pageerror", (error) => opened.problems.push(error.message));
+  opened.on("console", (message) => {
+    if (message.type() === "error") opened.problems.push(message.text());
+  });
+  opened.on("request", (request) => {
+    if (!request.url().startsWith(server.url) && !request.url().startsWith("data:")) {
+      opened.problems.push(`asks for ${request.url()}`);
+    }
+  });
+  await opened.goto(server.at(address));
+  return opened;
+}
+
+const idsOf = (opened) =>
+  opened.locator("[data-id]").evaluateAll((items) => items.map((item) => item.dataset.id));
+
+before(async () => {
+  execFileSync(join(bin, "lumenquest"), ["plans", "add", kPlan, "--date", "2026-08-12 23:30",
+    "--latitude", "46.36", "--longitude", "14.09", "--time-zone", "Europe/Ljubljana"], { env: environment });
+  browser = await chromium.launch({
+    executablePath: process.env.CHROMIUM,
+    args: ["--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
+      "--disable-background-networking", "--disable-component-update", "--disable-sync"],
+  });
+});
+
+after(async () => {
+  await browser?.close();
+  rmSync(data, { recursive: true, force: true });
+});
+
+beforeEach(async () => {
+  server = await serve();
+  page = null;
+});
+
+afterEach(async () => {
+  for (const context of browser.contexts()) await context.close();
+  await server.stop();
+  assert.deepEqual(page?.problems ?? [], []);
+});
+
+test("the home screen shows all widgets, and each leads to its page", async () => {
+  page = await open("/");
+  assert.deepEqual(await idsOf(page), ["sun", "moon", "milky-way", "plans", "lumenquest"]);
+  for (const image of await page.locator(".face img").all()) {
+    assert.ok(await image.evaluate((one) => one.complete && one.naturalWidth > 0));
+    assert.notEqual(await image.getAttribute("alt"), "");
+  }
+  const overflow = await page.evaluate(() => document.documentElement.scrollWidth - innerWidth);
+  assert.ok(overflow <= 0, `${overflow} px wider than the screen`);
+
+  await page.getByRole("link", { name: /Golden hour/ }).first().click();
+  await page.waitForURL("**/sun?widget=sun");
+  assert.equal(await page.getByRole("heading", { level: 1 }).textContent(), "Sun");
+  await page.getByRole("link", { name: "Home screen" }).click();
+  // In the large widget two things lead to two pages, and the keyboard finds both.
+  const links = page.locator('[data-id="lumenquest"] svg:visible a:not([tabindex="-1"])');
+  assert.equal(await links.count(), 2);
+  await links.nth(1).focus();
+  await page.keyboard.press("Enter");
+  await page.waitForURL("**/moon?widget=lumenquest");
+  assert.ok(await page.getByRole("img").first().evaluate((one) => one.naturalWidth > 0));
+});
+
+test("pictures follow the viewer's colour scheme, and a widget's own theme stays", async () => {
+  page = await open("/", { colorScheme: "dark" });
+  const shown = () => page.locator('[data-id="sun"] img').evaluate((one) => one.currentSrc);
+  assert.match(await shown(), /scheme=dark/);
+  await page.emulateMedia({ colorScheme: "light" });
+  await page.waitForFunction(() =>
+    document.querySelector('[data-id="sun"] img').currentSrc.includes("scheme=light"));
+  assert.ok(await page.locator(".in-light svg").isVisible());
+  assert.ok(!(await page.locator(".in-dark svg").isVisible()));
+});
+
+test("a new entry is shown without a reload, the focus where it was", async () => {
+  page = await open("/");
+  await page.waitForLoadState("networkidle").catch(() => {});
+  await page.evaluate(() => (window.isSamePage = true));
+  const sun = page.locator('[data-id="sun"]');
+  await sun.locator("a").focus();
+  const old = await sun.locator("img").getAttribute("alt");
+  assert.match(old, /Daytime/);
+  await server.advance(2.5 * 3600);
+  await page.waitForFunction(
+    (alt) => document.querySelector('[data-id="sun"] img').alt !== alt, old);
+  assert.match(await sun.locator("img").getAttribute("alt"), /Golden hour\. /);
+  assert.equal(await page.evaluate(() => window.isSamePage), true);
+  assert.equal(
+    await page.evaluate(() => document.activeElement.closest("[data-id]")?.dataset.id), "sun");
+});
+
+test("widgets are added, arranged, themed and removed with the keyboard alone", async () => {
+  page = await open("/edit");
+  const home = await open("/");
+  const press = async (name, key = "Enter") => {
+    await page.getByRole("button", { name }).focus();
+    await page.keyboard.press(key);
+  };
+  const said = (text) => page.getByRole("status").filter({ hasText: text }).waitFor();
+  await press("Add Moon, Medium");
+  await said("Moon added");
+  assert.equal(await page.locator("#placed > li").count(), 6);
+  // The focus goes to the new one.
+  assert.equal(
+    await page.evaluate(() => document.activeElement.closest("[data-id]").dataset.id), "moon-2");
+  await press("Move Moon, number 6 up", " ");
+  await said("Moon is now number 5");
+  assert.equal(await page.evaluate(() => document.activeElement.dataset.action), "up");
+
+  const theme = page.getByRole("combobox", { name: "Theme of Sun" });
+  await theme.selectOption("light");
+  await said("Saved");
+  await home.waitForFunction(() =>
+    document.querySelector('[data-id="sun"] img').currentSrc.includes("scheme=light"));
+
+  await press("Remove Moon, number 2");
+  await said("Moon removed");
+  assert.equal(await page.evaluate(() => document.activeElement.dataset.action), "remove");
+  await home.waitForFunction(() => !document.querySelector('[data-id="moon"]'));
+  await page.getByRole("button", { name: "Undo" }).click();
+  await page.locator('[data-id="moon"]').waitFor();
+  assert.deepEqual(await idsOf(page), ["sun", "moon", "milky-way", "lumenquest", "moon-2", "plans"]);
+  assert.deepEqual(home.problems, []);
+});
+
+test("a widget is dragged by its grip", async () => {
+  page = await open("/edit");
+  const grip = await page.locator('[data-id="sun"] .grip').boundingBox();
+  const third = await page.locator('[data-id="milky-way"]').boundingBox();
+  await page.mouse.move(grip.x + 10, grip.y + 20);
+  await page.mouse.down();
+  await page.mouse.move(grip.x + 10, third.y + third.height - 10, { steps: 10 });
+  await page.mouse.up();
+  await page.getByRole("status").filter({ hasText: "Sun is now number 3" }).waitFor();
+  await page.reload();
+  assert.deepEqual(await idsOf(page), ["moon", "milky-way", "sun", "lumenquest", "plans"]);
+});
+
+test("a place is found as one types", async () => {
+  page = await open("/edit");
+  await page.getByRole("button", { name: /^Place of Moon/ }).click();
+  const search = page.getByRole("combobox", { name: "Search for a place" });
+  await search.pressSequentially("reykja");
+  await page.getByRole("option", { name: /Reykjav/ }).first().waitFor();
+  const chosen = page.locator('[role="option"][aria-selected="true"]');
+  assert.match(await chosen.textContent(), /Reykjav/);
+  await page.keyboard.press("ArrowUp");
+  assert.equal(await chosen.textContent(), "My location");
+  await page.keyboard.press("ArrowDown");
+  await page.keyboard.press("Enter");
+  await page.getByRole("button", { name: /Place of Moon: Reykjav/ }).waitFor();
+  assert.equal(await page.evaluate(() => document.activeElement.dataset.action), "place");
+  await page.goto(server.at("/moon?widget=moon"));
+  await page.getByText("Atlantic/Reykjavik").waitFor();
+
+  await page.goto(server.at("/edit"));
+  await page.getByRole("button", { name: /^Place of Moon/ }).click();
+  await search.fill("qqqqqq");
+  await page.getByText("No place found").waitFor();
+  await page.keyboard.press("Escape");
+  assert.ok(!(await page.getByRole("dialog").isVisible()));
+});
+
+test("an error is said, and the list shows what stands", async () => {
+  page = await open("/edit");
+  await page.locator('[data-id="sun"]').evaluate((item) => (item.dataset.id = "gone"));
+  await page.getByRole("button", { name: "Move Sun, number 1 down" }).click();
+  await page.getByRole("alert").filter({ hasText: "gone" }).waitFor();
+  assert.equal((await idsOf(page))[0], "sun");
+  // The browser itself notes the refusal.
+  page.problems = page.problems.filter((problem) => !problem.includes("400"));
+});
+
+test("everything can be read without scripts", async () => {
+  page = await open("/", { javaScriptEnabled: false });
+  assert.equal(await page.locator("[data-id]").count(), 5);
+  await page.locator('[data-id="plans"] a').click();
+  await page.getByRole("link", { name: /Milky Way/ }).click();
+  assert.equal(await page.getByRole("heading", { level: 1 }).textContent(), kPlan);
+  await page.getByText("Europe/Ljubljana").waitFor();
+  await page.goto(server.at("/sun?widget=sun"));
+  assert.equal(await page.getByRole("row").count(), 12);
+});
+
+const kPages = ["/", "/edit", "/sun?widget=sun", "/moon?widget=moon", "/plans", "/nothing"];
+
+for (const colorScheme of ["dark", "light"]) {
+  test(`no findings of axe, and no page is too wide, in the ${colorScheme} scheme`, async () => {
+    for (const width of [320, 390, 768, 1280]) {
+      const opened = await open("/", { colorScheme, bypassCSP: true, viewport: { width, height: 844 } });
+      for (const address of kPages) {
+        await opened.goto(server.at(address));
+        await opened.evaluate(axe);
+        const { violations } = await opened.evaluate(() => globalThis.axe.run());
+        assert.deepEqual(violations.map((one) => [one.id, one.nodes[0].html]), [], `${address} at ${width}`);
+        const overflow = await opened.evaluate(() => document.documentElement.scrollWidth - innerWidth);
+        assert.ok(overflow <= 0, `${address} at ${width} is ${overflow} px too wide`);
+        if (pictures) {
+          const name = address.replace(/\?.*/, "").replaceAll("/", "") || "home";
+          await opened.screenshot({ path: join(pictures, `${name}-${width}-${colorScheme}.png`), fullPage: true });
+        }
+      }
+      await opened.context().close();
+    }
+  });
+}
+
+test("what a finger touches is large enough", async () => {
+  page = await open("/edit", { hasTouch: true });
+  for (const control of await page.locator("button:visible, select:visible, a:visible").all()) {
+    const box = await control.boundingBox();
+    assert.ok(box.width >= 44 && box.height >= 44,
+      `${await control.evaluate((one) => one.outerHTML.slice(0, 80))} is ${box.width} x ${box.height}`);
+  }
+});
+
+test("Hebrew runs from right to left", async () => {
+  await server.stop();
+  server = await serve("he");
+  page = await open("/sun?widget=sun");
+  assert.equal(await page.locator("html").getAttribute("dir"), "rtl");
+  assert.equal(await page.locator("html").getAttribute("lang"), "he");
+  // The day begins on the right.
+  const hours = page.locator(".band text");
+  const midnight = await hours.nth(2).boundingBox();
+  const evening = await hours.last().boundingBox();
+  assert.ok(midnight.x > evening.x);
+});

@@ -1,0 +1,370 @@
+// The site's answers, request by request, without a server.
+
+#include "host/home_site.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "fake_views.h"
+#include "host/plan_pages.h"
+#include "host/web_text.h"
+#include "plans_fixture.h"
+#include "platform/formatters.h"
+#include "platform/place_zone.h"
+#include "widget_world.h"
+#include "widgets/deep_links.h"
+
+namespace lumenquest::host {
+namespace {
+
+using Json = nlohmann::json;
+using ::testing::AllOf;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using testing::Instant;
+using ::testing::Not;
+
+class TextInMemory final : public platform::TextFile {
+ public:
+  platform::Outcome<std::optional<std::string>> contents() const override { return text; }
+  std::optional<platform::NSError> update(
+      const std::function<std::string(const std::optional<std::string>& text)>& change) override {
+    if (isFull) return platform::NSError{"File", 1, "file_error_full", {"home.json"}};
+    text = change(text);
+    return std::nullopt;
+  }
+
+  std::optional<std::string> text;
+  bool isFull = false;
+};
+
+class NoAlarm final : public platform::Alarm {
+ public:
+  void onRing(std::function<void(Reason)>) override {}
+  void set(platform::NSDate) override {}
+};
+
+constexpr const char* kBled = R"({"name":"Bled <script>","latitude":46.36,"longitude":14.09})";
+
+/// A site on a device in Berlin, with towns whose zones are whole hours.
+class HomeSiteTest : public ::testing::Test {
+ protected:
+  HomeSiteTest() {
+    // The Moon's picture needs something to shade.
+    assets->images["moon"] =
+        std::make_shared<const platform::UIImage>(platform::UIImage{{100.0, 100.0}, {}});
+    Show(R"({"widgets":[{"kind":"SunWidget","place":)" + std::string(kBled) +
+         R"(},{"kind":"LumenquestWidget"},{"kind":"MoonWidget","theme":"light"},)"
+         R"({"kind":"PlansWidget","family":"medium"}]})");
+  }
+
+  void Show(const std::string& screen) {
+    file->text = screen;
+    scheduler.show(screenFile.load());
+    world.queue->RunAll();
+    world.device->Fix({{-33.0, 18.0}, Instant("2024-08-12T20:30:00Z")});
+    world.queue->RunAll();
+  }
+  WebResponse Answer(const std::string& method, const std::string& address,
+                     const std::string& body = "") {
+    WebRequest request;
+    request.method = method;
+    const std::size_t mark = address.find('?');
+    request.path = address.substr(0, mark);
+    if (mark != std::string::npos) request.query = *parseFormFields(address.substr(mark + 1));
+    request.body = body;
+    return site.answer(request);
+  }
+  std::string Get(const std::string& address, int status = 200) {
+    const WebResponse response = Answer("GET", address);
+    EXPECT_EQ(response.status, status) << address;
+    return response.sharedBody ? *response.sharedBody : response.body;
+  }
+  Json Post(const std::string& operation, const std::string& body, int status = 200) {
+    const WebResponse response = Answer("POST", "/api/home/" + operation, body);
+    EXPECT_EQ(response.status, status) << body << " " << response.body;
+    return Json::parse(response.body);
+  }
+  std::vector<std::string> Ids() {
+    std::vector<std::string> ids;
+    const HomeScreen screen = screenFile.load();
+    for (const PlacedWidget& widget : screen.widgets()) ids.push_back(widget.id);
+    return ids;
+  }
+  /// In which the large widget leads to two days, and its background to one of them.
+  static std::string Draw(const ShownWidget& shown, platform::ColorScheme scheme,
+                          const std::string& prefix) {
+    std::string svg = "<svg id=\"" + prefix + "\"><desc>" + shown.widget.kind + " &amp; " +
+                      (scheme == platform::ColorScheme::dark ? "dark" : "light") + "</desc>";
+    if (shown.widget.family != widgets::WidgetFamily::systemSmall) {
+      svg +=
+          "<a href=\"lumenquest://sun\"><path/></a><a href=\"lumenquest://sun\"><text>s</text></a>"
+          "<a href=\"lumenquest://moon\"><text>m</text></a><a "
+          "href=\"lumenquest://plan?id=x-store:%2F%2FA&amp;B\"><text>p</text></a>";
+    }
+    return svg + "</svg>";
+  }
+
+  std::shared_ptr<testing::FewAssets> assets = std::make_shared<testing::FewAssets>();
+  testing::WidgetWorld world{
+      "2024-08-12T20:30:00Z", "Europe/Berlin", [this] {
+        platform::Services::Adapters with;
+        with.assets = assets;
+        // Nobody has a folder for plans here.
+        with.fileManager = std::make_shared<testing::FakeFiles>(std::nullopt);
+        with.models = std::make_shared<adapters::JsonModels>();
+        with.persistentStores =
+            std::make_shared<adapters::SqliteObjectStores>(testing::Role::reader, nullptr);
+        return with;
+      }()};
+  std::shared_ptr<TextInMemory> file = std::make_shared<TextInMemory>();
+  HomeScreenFile screenFile{file};
+  Scheduler scheduler{{std::make_shared<NoAlarm>(), nullptr, "en_US"}};
+  std::vector<std::string> published;
+  HomeSite site{scheduler,
+                screenFile,
+                {Draw,
+                 [](const platform::UIImage& image) {
+                   return "<svg>" + std::to_string(image.shapes.size()) + "</svg>";
+                 },
+                 {{"style.css", "a{}"}},
+                 {"de-AT", false},
+                 [this](const std::string& event, const std::string& data) {
+                   published.push_back(event + " " + data);
+                 }}};
+};
+
+TEST(WebTexts, AreHarmlessWhateverTheyHold) {
+  EXPECT_EQ(htmlEscaped("<a href='x'>\"&\x01\x7F\xC2\x85z\xFF"),
+            "&lt;a href=&#39;x&#39;&gt;&quot;&amp;z\xEF\xBF\xBD");
+  EXPECT_EQ(htmlUnescaped(htmlEscaped("\"<&lt;>'")), "\"<&lt;>'");
+  EXPECT_EQ(percentEncoded("x-store://A/p1+ &"), "x-store%3A%2F%2FA%2Fp1%2B%20%26");
+  EXPECT_EQ(percentDecoded("%2Fa%2"), "/a%2");
+  EXPECT_EQ(percentDecoded(percentEncoded("100%\xC3\xA4")), "100%\xC3\xA4");
+}
+
+TEST(DeepLinks, LeadToPages) {
+  EXPECT_EQ(pageOfDeepLink(widgets::kSunLink, "sun-2"), "/sun?widget=sun-2");
+  EXPECT_EQ(pageOfDeepLink(widgets::kMoonLink, ""), "/moon");
+  EXPECT_EQ(pageOfDeepLink(widgets::kPlansLink, "plans"), "/plans");
+  EXPECT_EQ(pageOfDeepLink(widgets::planLink("x-store:%2F%2FA+b"), "plans"),
+            "/plan?id=x-store%3A%2F%2FA%2Bb");
+  for (const char* const foreign : {"", "https://example.org", "lumenquest://sunny", "/sun"}) {
+    EXPECT_EQ(pageOfDeepLink(foreign, "sun"), "") << foreign;
+  }
+}
+
+TEST_F(HomeSiteTest, TheHomeScreenShowsEachWidgetWithItsLinks) {
+  const std::string html = Get("/");
+  EXPECT_THAT(html, AllOf(HasSubstr("<html lang=\"de-AT\" dir=\"ltr\">"),
+                          HasSubstr("href=\"/sun?widget=sun\""),
+                          HasSubstr("alt=\"SunWidget &amp; dark\"")));
+  // A theme of its own is one picture in both schemes.
+  EXPECT_THAT(html, AllOf(HasSubstr("/widget/moon.svg?scheme=light&amp;v="),
+                          Not(HasSubstr("/widget/moon.svg?scheme=dark"))));
+  // Several links stand in the page, once a scheme, with ids that do not collide; what says nothing
+  // is no stop of the keyboard.
+  EXPECT_THAT(html, AllOf(HasSubstr("id=\"w-lumenquest-d\""), HasSubstr("id=\"w-lumenquest-l\""),
+                          HasSubstr("href=\"/moon?widget=lumenquest\""),
+                          HasSubstr("href=\"/plan?id=x-store%3A%2F%2FA%26B\""),
+                          HasSubstr("<a href=\"/sun?widget=lumenquest\" tabindex=\"-1\" "
+                                    "aria-hidden=\"true\"><path/>"),
+                          Not(HasSubstr("lumenquest://")), Not(HasSubstr("style=\""))));
+  EXPECT_THAT(Get("/widget/sun"),
+              HasSubstr("data-version=\"" + std::to_string(scheduler.find("sun")->version)));
+  EXPECT_THAT(Get("/widget/sun.svg?scheme=light"), HasSubstr("light"));
+  EXPECT_THAT(Get("/sample/MoonWidget-medium.svg"), HasSubstr("MoonWidget"));
+}
+
+TEST_F(HomeSiteTest, APictureIsDrawnAnewForANewEntryOnly) {
+  const WebResponse first = Answer("GET", "/widget/sun.svg");
+  EXPECT_EQ(Answer("GET", "/widget/sun.svg").sharedBody, first.sharedBody);
+  world.clock->Advance(60.0);
+  scheduler.reloadAll();
+  world.queue->RunAll();
+  EXPECT_NE(Answer("GET", "/widget/sun.svg").sharedBody, first.sharedBody);
+  EXPECT_EQ(Answer("GET", "/widget/sun.svg").etag, first.etag);
+  site.entryIsNew(*scheduler.find("sun"));
+  EXPECT_THAT(published, ElementsAre("entry {\"id\":\"sun\",\"version\":" +
+                                     std::to_string(scheduler.find("sun")->version) + "}"));
+}
+
+TEST_F(HomeSiteTest, AddressesWithoutAnything) {
+  for (const char* const address :
+       {"/nothing", "/widget/none", "/widget/none.svg", "/sample/SunWidget-large.svg",
+        "/sun?widget=none", "/plan?id=none", "/plan", "/open", "/open?url=https://example.org",
+        "/api/none", "/api/home/none", "/../style.css"}) {
+    EXPECT_THAT(Get(address, 404), HasSubstr("web_page_missing")) << address;
+  }
+  const WebResponse posted = Answer("POST", "/sun");
+  EXPECT_EQ(posted.status, 405);
+  EXPECT_EQ(posted.allow, "GET, HEAD");
+  EXPECT_EQ(Answer("GET", "/api/home/add").allow, "POST");
+  EXPECT_EQ(Answer("GET", "/open?url=lumenquest://moon").location, "/moon");
+  EXPECT_EQ(Get("/style.css"), "a{}");
+}
+
+TEST_F(HomeSiteTest, ADayIsToldInItsPlacesZoneAndLeavesTheDevicesBehind) {
+  platform::Formatters::sharedInstance().setTimeZone({"Europe/Berlin"});
+  const std::string html = Get("/sun?widget=sun");
+  // 20:30 UTC in a town of UTC+1.
+  EXPECT_THAT(html, AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("9:30\u202FPM"),
+                          HasSubstr("<bdi>Bled &lt;script&gt;</bdi>"), HasSubstr("light_nighttime"),
+                          Not(HasSubstr("<script>"))));
+  const auto isUnchanged = [] {
+    return platform::Formatters::sharedInstance().timeZone().name == "Europe/Berlin" &&
+           platform::NSCalendar::cachedCalendar().timeZone().name == "Europe/Berlin" &&
+           platform::Formatters::sharedInstance().shortTimeFormatter().stringFromDate(
+               Instant("2024-08-12T20:30:00Z")) == "10:30\u202FPM";
+  };
+  EXPECT_TRUE(isUnchanged());
+  try {
+    const platform::PlaceZone zone({"Asia/Tokyo"});
+    EXPECT_FALSE(isUnchanged());
+    throw std::runtime_error("in the middle of a page");
+  } catch (const std::runtime_error&) {
+    EXPECT_TRUE(isUnchanged());
+  }
+}
+
+TEST_F(HomeSiteTest, AWidgetThatFollowsTheDeviceIsWhereTheDeviceIs) {
+  // The saved place is the Sun widget's, which asked later.
+  scheduler.reload([](const PlacedWidget& widget) { return widget.id == "sun"; });
+  world.queue->RunAll();
+  EXPECT_THAT(Get("/moon?widget=lumenquest"),
+              AllOf(HasSubstr("<bdi>-33,18</bdi>"), HasSubstr("Etc/GMT-1"),
+                    HasSubstr("src=\"/moon.svg?widget=lumenquest\"")));
+  EXPECT_THAT(Get("/moon.svg"), HasSubstr("<svg>"));
+
+  world.device->last.reset();
+  platform::SavedLocation::save({10.0, 20.0});
+  platform::SavedLocation::savePlace({"Cape", "Africa/Johannesburg"});
+  EXPECT_THAT(Get("/sun"), AllOf(HasSubstr("<bdi>Cape</bdi>"), HasSubstr("Africa/Johannesburg")));
+  world.services.settings->setObject(std::nullopt,
+                                     platform::kUserDefaultsTodayExtensionLastLatitude);
+  EXPECT_THAT(Get("/sun"), HasSubstr("web_no_location"));
+}
+
+TEST_F(HomeSiteTest, AWidgetThatHasNoAnswerYetHasNoDayYet) {
+  world.geocoder->answersAtOnce = false;
+  Show(R"({"widgets":[{"kind":"SunWidget","place":{"name":"Far","latitude":1,"longitude":90}}]})");
+  EXPECT_THAT(Get("/"), HasSubstr("alt=\"&lt;web_loading&gt;\""));
+  EXPECT_THAT(Get("/sun?widget=sun"), HasSubstr("web_loading"));
+  world.geocoder->Answer();
+  world.queue->RunAll();
+  EXPECT_THAT(Get("/sun?widget=sun"), HasSubstr("Etc/GMT-6"));
+}
+
+TEST_F(HomeSiteTest, ChangesGoIntoTheFileAndAreShown) {
+  EXPECT_EQ(Post("add", R"({"kind":"SunWidget","theme":"dark","position":0})")["id"], "sun-2");
+  EXPECT_THAT(Ids(), ElementsAre("sun-2", "sun", "lumenquest", "moon", "plans"));
+  Post("move", R"({"id":"sun-2","position":99})");
+  Post("remove", R"({"id":"moon"})");
+  EXPECT_THAT(Ids(), ElementsAre("sun", "lumenquest", "plans", "sun-2"));
+  EXPECT_THAT(published, ElementsAre("home {}", "home {}", "home {}"));
+
+  Post("set", R"({"id":"sun","family":"medium"})");
+  Post("set", R"({"id":"sun-2","place":)" + std::string(kBled) + "}");
+  const Json home = Json::parse(Get("/api/home"))["widgets"];
+  ASSERT_EQ(home.size(), 4u);
+  EXPECT_EQ(home[0]["family"], "medium");
+  EXPECT_EQ(home[0]["place"]["name"], "Bled <script>") << "what is not named stays";
+  EXPECT_EQ(home[3]["theme"], "dark");
+  EXPECT_EQ(home[3]["place"]["latitude"], 46.36);
+  Post("set", R"({"id":"sun-2","place":null})");
+  EXPECT_FALSE(Json::parse(Get("/api/home"))["widgets"][3].contains("place"));
+}
+
+TEST_F(HomeSiteTest, WhatIsWrongIsSaidAndChangesNothing) {
+  const std::string before = *file->text;
+  const std::tuple<const char*, const char*, const char*> cases[] = {
+      {"add", "", "web_error_json"},
+      {"add", "[]", "web_error_json"},
+      {"add", R"({"kind":"Clock"})", "home_error_kind"},
+      {"add", R"({"kind":"SunWidget","family":"large"})", "home_error_family"},
+      {"add", R"({"kind":"SunWidget","id":"sun"})", "home_error_twice"},
+      {"add", R"({"kind":"SunWidget","id":"<b>"})", "home_error_id"},
+      {"add", R"({"kind":"SunWidget","position":-1})", "web_error_position"},
+      {"add", R"({"kind":"SunWidget","place":{"name":"x","latitude":91,"longitude":0}})",
+       "home_error_place"},
+      {"remove", "{}", "web_error_id"},
+      {"remove", R"({"id":"none"})", "home_error_unknown"},
+      {"move", R"({"id":"sun"})", "web_error_position"},
+      {"move", R"({"id":"sun","position":1.5})", "web_error_position"},
+      {"set", R"({"id":"none","theme":"dark"})", "home_error_unknown"},
+      {"set", R"({"id":"sun","theme":"blue"})", "home_error_theme"},
+      {"set", R"({"id":"sun","kind":"MoonWidget"})", "web_error_member"},
+      {"set", R"({"id":"plans","place":{"name":"x","latitude":1,"longitude":0}})",
+       "home_error_no_place"},
+  };
+  for (const auto& [operation, body, key] : cases) {
+    EXPECT_THAT(Post(operation, body, 400)["error"].get<std::string>(), HasSubstr(key)) << body;
+  }
+  file->isFull = true;
+  EXPECT_THAT(Post("remove", R"({"id":"sun"})", 400)["error"].get<std::string>(),
+              HasSubstr("file_error_full"));
+  EXPECT_EQ(*file->text, before);
+  EXPECT_TRUE(published.empty());
+  EXPECT_NE(scheduler.find("sun"), nullptr);
+}
+
+TEST_F(HomeSiteTest, PlacesAreSearchedFor) {
+  const auto names = [](const Json& places) {
+    std::vector<std::string> all;
+    for (const Json& section : places["sections"]) {
+      for (const Json& item : section["items"]) all.push_back(item["name"]);
+    }
+    return all;
+  };
+  EXPECT_THAT(names(Json::parse(Get("/api/places"))), ElementsAre("<my_location>"));
+  auto& placemark = world.geocoder->placesToFind.emplace_back();
+  placemark.location = platform::CLLocation{{46.36, 14.09}};
+  placemark.locality = "Bled";
+  placemark.country = "Slovenia";
+  Get("/api/places?q=%20bled", 202);
+  Get("/api/places?q=bled", 202);
+  EXPECT_EQ(world.geocoder->searches, 1) << "one search, however often it is asked for";
+  world.queue->RunAll();
+  const Json places = Json::parse(Get("/api/places?q=bled"));
+  EXPECT_THAT(names(places), ElementsAre("<my_location>", "Bled, Slovenia"));
+  EXPECT_EQ(places["sections"][0]["items"][0]["isMyLocation"], true);
+  EXPECT_EQ(places["sections"][1]["items"][0]["longitude"], 14.09);
+}
+
+TEST_F(HomeSiteTest, TheEditPageNamesEverythingThatItChanges) {
+  EXPECT_THAT(Get("/edit"),
+              AllOf(HasSubstr("data-id=\"sun\""), HasSubstr("<bdi>Bled &lt;script&gt;</bdi>"),
+                    HasSubstr("data-kind=\"GalacticCenterSmallWidget\" data-family=\"small\""),
+                    HasSubstr("/sample/LumenquestWidget-large.svg?scheme=dark"),
+                    HasSubstr("<option value=\"light\" selected>"), Not(HasSubstr("<script>"))));
+}
+
+TEST(PlanPages, ShowWhatIsAhead) {
+  const testing::ScratchFolder folder;
+  const testing::PlansServices services(folder / "", testing::Role::owner, "Europe/Berlin");
+  const auto context = platform::Database::sharedInstance().managedObjectContext();
+  const auto save = [&](const char* name, const char* date) {
+    const auto plan = context->insertNewObjectForEntityForName(platform::kEntityPlanning);
+    plan->setValue(std::string(name), platform::kAttributeName);
+    plan->setValue(Instant(date), platform::kAttributeDate);
+    plan->setValue(std::string("Asia/Tokyo"), platform::kAttributeTimezone);
+    plan->setValue(35.0, platform::kAttributeLatitude);
+    plan->setValue(139.0, platform::kAttributeLongitude);
+    EXPECT_FALSE(context->save());
+    return plan->objectID().URIRepresentation();
+  };
+  EXPECT_THAT(plansPageContent(), HasSubstr("plan_no_scheduled"));
+  save("past", "2024-08-11T21:00:00Z");
+  const std::string id = save("</a><b>\u202E", "2024-08-12T22:15:00Z");
+  const std::string plans = plansPageContent();
+  EXPECT_THAT(plans, AllOf(HasSubstr("<bdi>&lt;/a&gt;&lt;b&gt;\u202E</bdi>"),
+                           HasSubstr("August 13, 2024"), HasSubstr("7:15\u202FAM"),
+                           HasSubstr("/plan?id=" + percentEncoded(id)), Not(HasSubstr("past"))));
+  EXPECT_THAT(planPageContent(id).value_or(""), HasSubstr("Asia/Tokyo"));
+  EXPECT_EQ(planPageContent(id + "0"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace lumenquest::host
