@@ -82,6 +82,7 @@ void WriteFiveWidgetsAsPng(benchmark::State& state) {
 }
 BENCHMARK(WriteFiveWidgetsAsPng)->Unit(benchmark::kMillisecond);
 
+/// The Moon as none before: at another angle, say, for the pixels of the last ones are kept.
 void DrawMoon(benchmark::State& state) {
   constexpr double kSide = 76.0;
   Widgets();

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdio>
 #include <initializer_list>
+#include <limits>
+#include <list>
 #include <stdexcept>
 #include <vector>
 
@@ -18,18 +20,7 @@ namespace lumenquest::adapters {
 
 namespace {
 
-using platform::CGAffineTransform;
-using platform::CGPoint;
-using platform::CGRect;
-using platform::CGSize;
-using platform::Gradient;
-using platform::GradientStop;
-using platform::LineEnds;
-using platform::Paint;
-using platform::Stroke;
-using platform::TextStyle;
-using platform::UIBezierPath;
-using platform::UIColor;
+using namespace platform;
 
 constexpr double kMostPixels = 8192.0;
 
@@ -137,6 +128,13 @@ constexpr int kBandBytes = 128 * 1024;
 /// record of an icon's shapes, and the shapes are drawn once instead of in every band.
 constexpr double kLargestLayer = 128.0 * 1024.0;
 
+SurfaceHandle NewPixels(double width, double height) {
+  SurfaceHandle pixels(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(width),
+                                                  static_cast<int>(height)));
+  Check(cairo_surface_status(pixels.get()));
+  return pixels;
+}
+
 void Prepare(cairo_t* context) {
   Check(cairo_status(context));
   cairo_set_antialias(context, CAIRO_ANTIALIAS_BEST);
@@ -145,7 +143,114 @@ void Prepare(cairo_t* context) {
   cairo_set_miter_limit(context, kMiterLimit);
 }
 
+/// Whole pixels.
+struct PixelBox {
+  double left = 0.0;
+  double top = 0.0;
+  double width = 0.0;
+  double height = 0.0;
+};
+
+/// Corners of a box that grows with the points that it has to hold.
+struct Bounds {
+  double left = std::numeric_limits<double>::infinity();
+  double top = left;
+  double right = -left;
+  double bottom = -left;
+
+  void Add(CGPoint point, double margin) {
+    left = std::min(left, point.x - margin);
+    top = std::min(top, point.y - margin);
+    right = std::max(right, point.x + margin);
+    bottom = std::max(bottom, point.y + margin);
+  }
+  void Add(const UIBezierPath& path, const CGAffineTransform& transform, double margin) {
+    for (const UIBezierPath::Segment& segment : path.segments()) {
+      if (segment.verb == UIBezierPath::Verb::close) continue;
+      const std::size_t points = segment.verb == UIBezierPath::Verb::curve ? 3 : 1;
+      for (std::size_t i = 0; i < points; ++i) Add(transform.apply(segment.points[i]), margin);
+    }
+  }
+  /// Control points hold a curve, the miter limit the corners of a stroke.
+  void Add(const UIImage& image, const CGAffineTransform& transform) {
+    const CGAffineTransform& t = transform;
+    const double scale = std::hypot(std::hypot(t.a, t.b), std::hypot(t.c, t.d));
+    const UIBezierPath* lastClip = nullptr;
+    for (const PictureShape& shape : image.shapes) {
+      if (shape.clip != nullptr) {
+        if (shape.clip.get() != lastClip) Add(*shape.clip, transform, 0.0);
+        lastClip = shape.clip.get();
+      } else if (shape.embedded) {
+        Add(*shape.embedded->image, shape.embedded->transform.then(transform));
+      } else {
+        const double reach = shape.strokePaint ? kMiterLimit * shape.stroke.width / 2.0 : 0.0;
+        Add(shape.path, transform, reach * scale);
+      }
+    }
+  }
+  /// With a pixel around for what is smoothed.
+  PixelBox Pixels() const {
+    if (!(left <= right)) return {};
+    return {std::floor(left) - 1.0, std::floor(top) - 1.0,
+            std::ceil(right) - std::floor(left) + 2.0, std::ceil(bottom) - std::floor(top) + 2.0};
+  }
+};
+
 }  // namespace
+
+/// Finished pixels of pictures that are drawn again and again, as the Moon with its hundreds of
+/// shapes: the ones drawn last. For one thread, as the canvases are.
+class CairoCanvas::PixelCache {
+ public:
+  struct Key {
+    /// Tells pictures apart without keeping them.
+    std::weak_ptr<const UIImage> image;
+    UIColor color;
+    /// To pixels; its translation is less than one.
+    CGAffineTransform transform;
+
+    bool operator==(const Key& other) const {
+      return !image.owner_before(other.image) && !other.image.owner_before(image) &&
+             color == other.color && transform == other.transform;
+    }
+  };
+  struct Entry {
+    Key key;
+    PixelBox box;
+    SurfaceHandle pixels;
+
+    std::size_t bytes() const { return static_cast<std::size_t>(4.0 * box.width * box.height); }
+  };
+
+  static PixelCache& Shared() {
+    static PixelCache cache;
+    return cache;
+  }
+
+  const Entry* Find(const Key& key) {
+    const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                    [&](const Entry& entry) { return entry.key == key; });
+    if (found == entries_.end()) return nullptr;
+    entries_.splice(entries_.begin(), entries_, found);
+    return &entries_.front();
+  }
+
+  const Entry& Add(Entry entry) {
+    constexpr std::size_t kMostBytes = 1024 * 1024;
+    bytes_ += entry.bytes();
+    entries_.push_front(std::move(entry));
+    while (bytes_ > kMostBytes && entries_.size() > 1) {
+      bytes_ -= entries_.back().bytes();
+      entries_.pop_back();
+    }
+    return entries_.front();
+  }
+
+ private:
+  /// The last used one first.
+  std::list<Entry> entries_;
+  std::size_t bytes_ = 0;
+};
 
 /// What is drawn is recorded, in pixels; the pixels themselves come band by band when the file is
 /// written, so that no memory holds them all.
@@ -176,10 +281,10 @@ struct CairoCanvas::Surface {
   double scale = 1.0;
   int width = 0;
   int height = 0;
-  SurfaceHandle recording;
-  Context context;
+  SurfaceHandle recording{};
+  Context context{};
   std::vector<State> states{State{}};
-  std::vector<Layer> layers;
+  std::vector<Layer> layers{};
 };
 
 CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<Surface>()) {
@@ -197,6 +302,8 @@ CairoCanvas::CairoCanvas(CGSize size, double scale) : surface_(std::make_unique<
   Prepare(surface_->context.get());
   cairo_scale(surface_->context.get(), scale, scale);
 }
+
+CairoCanvas::CairoCanvas(std::unique_ptr<Surface> surface) : surface_(std::move(surface)) {}
 
 CairoCanvas::~CairoCanvas() = default;
 
@@ -262,9 +369,7 @@ void CairoCanvas::clip(const UIBezierPath& path) {
   const double width = std::max(1.0, right - layer.left);
   const double height = std::max(1.0, bottom - layer.top);
   if (width * height <= kLargestLayer) {
-    const SurfaceHandle pixels(cairo_image_surface_create(
-        CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height)));
-    Check(cairo_surface_status(pixels.get()));
+    const SurfaceHandle pixels = NewPixels(width, height);
     layer.context.reset(cairo_create(pixels.get()));
     Prepare(layer.context.get());
     matrix.x0 -= layer.left;
@@ -313,6 +418,50 @@ void CairoCanvas::drawText(const std::string& text, const TextStyle& style, cons
   cairo_restore(context);
 }
 
+void CairoCanvas::drawEmbedded(const EmbeddedImage& embedded) {
+  if (DrawsNothing() || isCollapsing(embedded.transform)) return;
+  cairo_t* const context = surface_->Top();
+  cairo_matrix_t matrix;
+  cairo_get_matrix(context, &matrix);
+  CGAffineTransform transform =
+      embedded.transform.then({matrix.xx, matrix.yx, matrix.xy, matrix.yy, matrix.x0, matrix.y0});
+  // Cairo's own grid, 256 to a pixel, so that one picture fits wherever else it stands.
+  constexpr double kGrid = 256.0;
+  const double left = std::floor(transform.tx);
+  const double top = std::floor(transform.ty);
+  transform.tx = std::round((transform.tx - left) * kGrid) / kGrid;
+  transform.ty = std::round((transform.ty - top) * kGrid) / kGrid;
+
+  const PixelCache::Key key{embedded.image, embedded.color, transform};
+  PixelCache& cache = PixelCache::Shared();
+  const PixelCache::Entry* kept = cache.Find(key);
+  if (kept == nullptr) {
+    Bounds bounds;
+    bounds.Add(*embedded.image, transform);
+    const PixelBox box = bounds.Pixels();
+    if (!(box.width * box.height <= kLargestLayer)) {
+      Canvas::drawEmbedded(embedded);
+      return;
+    }
+    SurfaceHandle pixels = NewPixels(box.width, box.height);
+    auto surface = std::make_unique<Surface>();
+    surface->context.reset(cairo_create(pixels.get()));
+    Prepare(surface->context.get());
+    cairo_translate(surface->context.get(), -box.left, -box.top);
+    CairoCanvas canvas(std::move(surface));
+    canvas.concatenate(transform);
+    canvas.drawShapes(*embedded.image, embedded.color);
+    Check(cairo_status(canvas.surface_->context.get()));
+    kept = &cache.Add({key, box, std::move(pixels)});
+  }
+  cairo_save(context);
+  cairo_identity_matrix(context);
+  cairo_set_source_surface(context, kept->pixels.get(), left + kept->box.left, top + kept->box.top);
+  cairo_pattern_set_filter(cairo_get_source(context), CAIRO_FILTER_NEAREST);
+  cairo_paint(context);
+  cairo_restore(context);
+}
+
 void CairoCanvas::forEachRow(const std::function<void(const unsigned char*)>& take) {
   while (surface_->states.size() > 1) restore();
   EndClips();
@@ -320,8 +469,7 @@ void CairoCanvas::forEachRow(const std::function<void(const unsigned char*)>& ta
   const int width = surface_->width;
   const int height = surface_->height;
   const int rows = std::clamp(kBandBytes / (4 * width), 1, height);
-  const SurfaceHandle band(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, rows));
-  Check(cairo_surface_status(band.get()));
+  const SurfaceHandle band = NewPixels(width, rows);
   for (int top = 0; top < height; top += rows) {
     const Context context(cairo_create(band.get()));
     cairo_set_operator(context.get(), CAIRO_OPERATOR_SOURCE);

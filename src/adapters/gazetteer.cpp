@@ -381,4 +381,8 @@ bool isSameName(const std::string& a, const std::string& b) {
   return searchWords(a) == searchWords(b);
 }
 
+bool isBeginningOfName(const std::string& beginning, const std::string& name) {
+  return joinedWords(searchWords(name)).starts_with(joinedWords(searchWords(beginning)));
+}
+
 }  // namespace lumenquest::adapters

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <map>
+#include <tuple>
 
 #include "platform/assertion.h"
 #include "text_setting.h"
@@ -60,11 +62,17 @@ PangoContext* NewContext(PangoDirection direction) {
   return context;
 }
 
+/// A text, its style and the width that it was offered.
+using MeasureKey =
+    std::tuple<std::string, double, FontWeight, TextAlignment, int, bool, bool, double>;
+
 /// One a direction for the process: to change a context's direction would set its layouts anew.
 /// Made when first needed, as most commands show no fonts.
 struct Contexts {
   std::array<PangoContext*, 2> byDirection{};
   std::string language;
+  /// In that language.
+  std::map<MeasureKey, TextMetrics> measured;
 };
 
 Contexts& SharedContexts() {
@@ -326,12 +334,33 @@ void TextSetting::draw(cairo_t* context) const {
 
 TextMetrics PangoTextMeasurer::measure(const std::string& text, const TextStyle& style,
                                        double width) {
-  return TextSetting(text, style, width).metrics();
+  // Most of a widget's words are those of the one before, and to shape them is most of its layout.
+  constexpr std::size_t kMostTexts = 512;
+  constexpr std::size_t kLongestText = 200;
+  LUMENQUEST_ASSERT(!std::isnan(width) && !std::isnan(style.size));
+  if (text.size() > kLongestText) return TextSetting(text, style, width).metrics();
+  Contexts& contexts = SharedContexts();
+  const MeasureKey key{text,
+                       style.size,
+                       style.weight,
+                       style.alignment,
+                       style.lineLimit,
+                       style.hasMonospacedDigits,
+                       style.isRightToLeft,
+                       width};
+  const auto known = contexts.measured.find(key);
+  if (known != contexts.measured.end()) return known->second;
+  const TextMetrics metrics = TextSetting(text, style, width).metrics();
+  if (contexts.measured.size() >= kMostTexts) contexts.measured.clear();
+  contexts.measured.emplace(key, metrics);
+  return metrics;
 }
 
 void setTextLanguage(const std::string& language) {
   Contexts& contexts = SharedContexts();
+  if (language == contexts.language) return;
   contexts.language = language;
+  contexts.measured.clear();
   for (PangoContext* const context : contexts.byDirection) {
     if (context != nullptr) SetLanguage(context, language);
   }

@@ -66,10 +66,16 @@ void Ignore(png_structp, png_const_charp) {}
 /// Red, green, blue and alpha of a pixel, the colours as they were before they were multiplied.
 void Separate(std::uint32_t pixel, unsigned char* to) {
   const std::uint32_t alpha = pixel >> 24;
+  if (alpha == 255) {  // nearly all
+    to[0] = static_cast<unsigned char>(pixel >> 16);
+    to[1] = static_cast<unsigned char>(pixel >> 8);
+    to[2] = static_cast<unsigned char>(pixel);
+    to[3] = 255;
+    return;
+  }
   for (int channel = 0; channel < 3; ++channel) {
     const std::uint32_t value = (pixel >> (16 - 8 * channel)) & 0xFFu;
-    to[channel] = static_cast<unsigned char>(
-        alpha == 255 ? value : (alpha == 0 ? 0 : (value * 255u + alpha / 2) / alpha));
+    to[channel] = static_cast<unsigned char>(alpha == 0 ? 0 : (value * 255u + alpha / 2) / alpha);
   }
   to[3] = static_cast<unsigned char>(alpha);
 }

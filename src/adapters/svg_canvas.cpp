@@ -8,6 +8,7 @@
 #include <cmath>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 
@@ -19,19 +20,7 @@ namespace lumenquest::adapters {
 
 namespace {
 
-using platform::CGAffineTransform;
-using platform::CGPoint;
-using platform::CGRect;
-using platform::CGSize;
-using platform::Gradient;
-using platform::GradientStop;
-using platform::LineEnds;
-using platform::Paint;
-using platform::Stroke;
-using platform::TextAlignment;
-using platform::TextStyle;
-using platform::UIBezierPath;
-using platform::UIColor;
+using namespace platform;
 
 /// Of factors, fractions and definitions.
 constexpr int kFineDecimals = 6;
@@ -52,6 +41,123 @@ std::string Number(double value, int decimals) {
     if (text.back() == '.') text.pop_back();
   }
   return text == "-0" ? "0" : text;
+}
+
+/// Writes the commands of a path as short as they can be: relative or absolute, whatever is
+/// shorter, without letters that a reader knows, and without blanks that nothing needs. Source:
+/// W3C, Scalable Vector Graphics (SVG) 2, section 9.3.
+class PathWriter {
+ public:
+  explicit PathWriter(int decimals) : decimals_(decimals) {}
+
+  void Add(char letter, const CGPoint* points, std::size_t count) {
+    CGPoint rounded[3];
+    for (std::size_t i = 0; i < count; ++i) rounded[i] = Rounded(points[i]);
+    // An edge that is lost in the rounding.
+    if (letter == 'L' && rounded[0] == at_) return;
+    const std::string absolute = Command(letter, rounded, count, {0.0, 0.0});
+    const char small = static_cast<char>(letter - 'A' + 'a');
+    const std::string relative = Command(small, rounded, count, at_);
+    const bool isRelative = relative.size() < absolute.size();
+    data_ += isRelative ? relative : absolute;
+    last_ = isRelative ? small : letter;
+    at_ = rounded[count - 1];
+    if (letter == 'M') start_ = at_;
+  }
+  void Close() {
+    if (data_.empty()) return;
+    data_ += 'Z';
+    last_ = 'Z';
+    at_ = start_;
+  }
+  bool isEmpty() const { return data_.empty(); }
+  const std::string& data() const { return data_; }
+
+ private:
+  /// As written, so that relative steps do not add up what rounding took.
+  CGPoint Rounded(CGPoint point) const {
+    const double grid = std::pow(10.0, decimals_);
+    return {std::round(point.x * grid) / grid, std::round(point.y * grid) / grid};
+  }
+
+  std::string Command(char letter, const CGPoint* points, std::size_t count, CGPoint from) const {
+    std::string text;
+    // After a move come lines.
+    const bool isKnown =
+        last_ == letter || (last_ == 'M' && letter == 'L') || (last_ == 'm' && letter == 'l');
+    if (!isKnown || letter == 'M' || letter == 'm') text += letter;
+    bool isAfterNumber = text.empty();
+    bool hasPoint = isAfterNumber && endsWithFraction();
+    for (std::size_t i = 0; i < count; ++i) {
+      for (const double value : {points[i].x - from.x, points[i].y - from.y}) {
+        std::string number = Number(value, decimals_);
+        if (number.starts_with("0.")) number.erase(0, 1);
+        if (number.starts_with("-0.")) number.erase(1, 1);
+        const bool isApart = number.front() == '-' || (number.front() == '.' && hasPoint);
+        if (isAfterNumber && !isApart) text += ' ';
+        text += number;
+        isAfterNumber = true;
+        hasPoint = number.find('.') != std::string::npos;
+      }
+    }
+    return text;
+  }
+
+  bool endsWithFraction() const {
+    const std::size_t before = data_.find_last_not_of("0123456789");
+    return before != std::string::npos && data_[before] == '.';
+  }
+
+  int decimals_;
+  std::string data_;
+  char last_ = 'Z';
+  CGPoint at_;
+  CGPoint start_;
+};
+
+std::string PathData(const UIBezierPath& path, int decimals) {
+  using Verb = UIBezierPath::Verb;
+  PathWriter writer(decimals);
+  for (const auto& [verb, points] : path.segments()) {
+    if (verb == Verb::close) {
+      writer.Close();
+      continue;
+    }
+    // As on the other canvas, a path may begin without a move.
+    if (writer.isEmpty() && verb == Verb::curve) writer.Add('M', points.data(), 1);
+    if (verb == Verb::curve) {
+      writer.Add('C', points.data(), points.size());
+    } else {
+      writer.Add(verb == Verb::move || writer.isEmpty() ? 'M' : 'L', points.data(), 1);
+    }
+  }
+  return writer.data();
+}
+
+/// The box of a path that may be an ellipse.
+std::optional<CGRect> EllipseBox(const UIBezierPath& path) {
+  const std::vector<UIBezierPath::Segment>& s = path.segments();
+  using Verb = UIBezierPath::Verb;
+  if (s.size() != 6 || s[0].verb != Verb::move || s[1].verb != Verb::curve ||
+      s[2].verb != Verb::curve || s[3].verb != Verb::curve) {
+    return std::nullopt;
+  }
+  const double left = s[3].end().x;
+  const double top = s[0].end().y;
+  const CGRect box{left, top, s[1].end().x - left, s[2].end().y - top};
+  if (!(box.width > 0.0 && box.height > 0.0)) return std::nullopt;
+  return box;
+}
+
+/// The way back; the transform must not collapse.
+CGAffineTransform Inverse(const CGAffineTransform& t) {
+  const double determinant = t.a * t.d - t.b * t.c;
+  return {t.d / determinant,
+          -t.b / determinant,
+          -t.c / determinant,
+          t.a / determinant,
+          (t.c * t.ty - t.d * t.tx) / determinant,
+          (t.b * t.tx - t.a * t.ty) / determinant};
 }
 
 /// As content or a quoted attribute.
@@ -180,45 +286,29 @@ void SvgCanvas::WriteOpenTags() {
   }
 }
 
-int SvgCanvas::Decimals() const {
-  const double scale = open_.empty() ? 1.0 : open_.back().scale;
-  constexpr int kDecimals = 3;
-  return scale > 1.0 ? kDecimals + static_cast<int>(std::min(3.0, std::ceil(std::log10(scale))))
-                     : kDecimals;
+int SvgCanvas::Decimals(double innerScale) const {
+  const double scale = innerScale * (open_.empty() ? 1.0 : open_.back().scale);
+  constexpr double kMostRounding = 0.01;
+  const double decimals = std::ceil(std::log10(0.5 * scale / kMostRounding));
+  return decimals > 0.0 ? static_cast<int>(std::min<double>(kFineDecimals, decimals)) : 0;
 }
 
-std::string SvgCanvas::PathData(const UIBezierPath& path) const {
-  using Verb = UIBezierPath::Verb;
-  const int decimals = Decimals();
-  std::string data;
-  const auto addPoint = [&](CGPoint point) {
-    for (const double value : {point.x, point.y}) {
-      const std::string number = Number(value, decimals);
-      // A letter or a minus sign separates as well as a space does.
-      const char last = data.back();
-      if (number.front() != '-' && (('0' <= last && last <= '9') || last == '.')) data += ' ';
-      data += number;
-    }
-  };
-  for (const auto& [verb, points] : path.segments()) {
-    if (verb == Verb::close) {
-      if (!data.empty()) data += 'Z';
-      continue;
-    }
-    // As on the other canvas, a path may begin without a move.
-    if (data.empty() && verb == Verb::curve) {
-      data += 'M';
-      addPoint(points[0]);
-    }
-    if (verb == Verb::curve) {
-      data += 'C';
-      for (const CGPoint& point : points) addPoint(point);
-    } else {
-      data += verb == Verb::move || data.empty() ? 'M' : 'L';
-      addPoint(points[0]);
-    }
+std::string SvgCanvas::Outline(const UIBezierPath& path, int decimals) {
+  const std::string data = PathData(path, decimals);
+  if (data.empty()) return "";
+  if (const auto box = EllipseBox(path);
+      box && data == PathData(UIBezierPath::ellipse(*box), decimals)) {
+    const double rx = box->width / 2.0;
+    const double ry = box->height / 2.0;
+    const auto number = [&](double value) { return Number(value, decimals); };
+    const bool isCircle = number(rx) == number(ry);
+    std::string text = isCircle ? "<circle" : "<ellipse";
+    if (number(box->center().x) != "0") text += Attribute("cx", number(box->center().x));
+    if (number(box->center().y) != "0") text += Attribute("cy", number(box->center().y));
+    if (isCircle) return text + Attribute("r", number(rx));
+    return text + Attribute("rx", number(rx)) + Attribute("ry", number(ry));
   }
-  return data;
+  return "<path" + Attribute("d", data);
 }
 
 std::string SvgCanvas::Define(const std::string& name, const std::string& attributes,
@@ -241,10 +331,17 @@ std::string SvgCanvas::PaintAttributes(const std::string& name, const Paint& pai
   LUMENQUEST_ASSERT(gradient != nullptr && "drawImage() resolves the current colour");
   if (const auto only = onlyColorOf(*gradient)) return ColorAttributes(name, opacityName, *only);
 
+  // Pictures have hundreds of gradients that differ in nothing but their strength.
+  double strength = 0.0;
+  for (const GradientStop& stop : gradient->stops) {
+    strength = std::max(strength, shownColor(stop.color).alpha);
+  }
+  if (strength == 0.0) strength = 1.0;
   std::string stops;
   for (const GradientStop& stop : gradient->stops) {
+    const double alpha = shownColor(stop.color).alpha / strength;
     stops += "<stop" + Attribute("offset", Number(stop.offset, kFineDecimals)) +
-             ColorAttributes("stop-color", "stop-opacity", stop.color) + "/>";
+             ColorAttributes("stop-color", "stop-opacity", stop.color.withAlpha(alpha)) + "/>";
   }
   std::string attributes = Attribute("gradientUnits", "userSpaceOnUse");
   const auto add = [&](const char* attribute, double value) {
@@ -269,7 +366,9 @@ std::string SvgCanvas::PaintAttributes(const std::string& name, const Paint& pai
   }
   const std::string id =
       Define(gradient->isRadial ? "radialGradient" : "linearGradient", attributes, stops);
-  return Attribute(name.c_str(), "url(#" + id + ")");
+  std::string text = Attribute(name.c_str(), "url(#" + id + ")");
+  if (strength < 1.0) text += Attribute(opacityName.c_str(), Number(strength, kFineDecimals));
+  return text;
 }
 
 void SvgCanvas::save() { Push(Kind::save, ""); }
@@ -291,27 +390,41 @@ void SvgCanvas::concatenate(const CGAffineTransform& transform) {
 
 void SvgCanvas::clip(const UIBezierPath& path) {
   const std::string rule = path.usesEvenOddFillRule ? Attribute("clip-rule", "evenodd") : "";
-  const std::string id =
-      Define("clipPath", "", "<path" + Attribute("d", PathData(path)) + rule + "/>");
+  const std::string outline = Outline(path, Decimals());
+  const std::string id = Define("clipPath", "", outline.empty() ? "" : outline + rule + "/>");
   Push(Kind::clip, "<g" + Attribute("clip-path", "url(#" + id + ")") + ">");
 }
 
 void SvgCanvas::fill(const UIBezierPath& path, const Paint& paint) {
-  const std::string data = PathData(path);
-  if (data.empty()) return;
+  const auto* const gradient = std::get_if<Gradient>(&paint);
+  std::string shape;
+  if (gradient != nullptr && !(gradient->transform == CGAffineTransform{}) &&
+      !onlyColorOf(*gradient)) {
+    // In the gradient's coordinates, where one definition serves all shapes of a kind.
+    const CGAffineTransform& t = gradient->transform;
+    Gradient own = *gradient;
+    own.transform = {};
+    const double stretch = std::hypot(std::hypot(t.a, t.b), std::hypot(t.c, t.d));
+    shape = Outline(path.transformed(Inverse(t)), Decimals(stretch));
+    if (!shape.empty()) shape += Attribute("transform", Matrix(t)) + PaintAttributes("fill", own);
+  } else {
+    shape = Outline(path, Decimals());
+    if (!shape.empty()) shape += PaintAttributes("fill", paint);
+  }
+  if (shape.empty()) return;
   WriteOpenTags();
-  body_ += "<path" + Attribute("d", data) + PaintAttributes("fill", paint);
+  body_ += shape;
   if (path.usesEvenOddFillRule) body_ += Attribute("fill-rule", "evenodd");
   body_ += "/>";
 }
 
 void SvgCanvas::stroke(const UIBezierPath& path, const Paint& paint, const Stroke& stroke) {
-  const std::string data = PathData(path);
-  if (data.empty() || !(stroke.width > 0.0)) return;
+  const std::string outline = Outline(path, Decimals());
+  if (outline.empty() || !(stroke.width > 0.0)) return;
   WriteOpenTags();
-  body_ += "<path" + Attribute("d", data) + Attribute("fill", "none") +
-           PaintAttributes("stroke", paint) +
-           Attribute("stroke-width", Number(stroke.width, Decimals()));
+  // One more decimal: of a hair line, a hundredth of a point is much.
+  body_ += outline + Attribute("fill", "none") + PaintAttributes("stroke", paint) +
+           Attribute("stroke-width", Number(stroke.width, Decimals() + 1));
   if (stroke.ends == LineEnds::round) body_ += Attribute("stroke-linecap", "round");
   if (stroke.hasRoundJoins) body_ += Attribute("stroke-linejoin", "round");
   body_ += "/>";

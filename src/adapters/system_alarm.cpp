@@ -24,7 +24,7 @@ SystemAlarm::SystemAlarm(double secondsAhead)
     : secondsAhead_(secondsAhead),
       timer_(::timerfd_create(CLOCK_REALTIME, TFD_NONBLOCK | TFD_CLOEXEC)),
       date_(platform::NSDate::dateWithTimeIntervalSince1970(kLastSecond)) {
-  if (timer_ < 0) throw std::system_error(errno, std::generic_category(), "timerfd_create");
+  if (timer_ < 0) throw std::system_error(errno, std::generic_category(), "a timer of the system");
   const auto ring = [](gint, GIOCondition, gpointer self) -> gboolean {
     static_cast<SystemAlarm*>(self)->Ring();
     return G_SOURCE_CONTINUE;

@@ -8,6 +8,7 @@
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "app/command_set.h"
+#include "app/completion.h"
 #include "app/home_command.h"
 #include "app/option_values.h"
 #include "app/places_command.h"
@@ -40,6 +41,16 @@ std::string MessageLocale(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
+void addCommands(CommandSet& commands, std::ostream& out) {
+  addTodayCommand(commands);
+  addWidgetCommands(commands);
+  addPictureCommands(commands);
+  addPlacesCommands(commands);
+  addPlansCommands(commands);
+  addSettingsCommands(commands);
+  addHomeCommands(commands, out);
+}
+
 int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
   installServices({MessageLocale(arguments)});
   const std::string errorLine = appText("error_line");
@@ -57,14 +68,12 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
   std::string output;
   try {
     CommandSet commands;
-    addTodayCommand(commands);
-    addWidgetCommands(commands);
-    addPictureCommands(commands);
-    addPlacesCommands(commands);
-    addPlansCommands(commands);
-    addSettingsCommands(commands);
-    addHomeCommands(commands, out);
-    output = commands.Run(arguments);
+    addCommands(commands, out);
+    if (!arguments.empty() && arguments.front() == kCompleteCommand) {
+      output = completionLines(commands.outline(), {arguments.begin() + 1, arguments.end()});
+    } else {
+      output = commands.Run(arguments);
+    }
   } catch (const UsageError& error) {
     return fail(kExitUsage, error.what());
   } catch (const adapters::GazetteerError& failure) {

@@ -3,10 +3,12 @@
 #include <CLI/CLI.hpp>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <string_view>
 #include <utility>
 
 #include "adapters/printable_text.h"
+#include "app/suggestions.h"
 #include "platform/localized_strings.h"
 
 namespace lumenquest::app {
@@ -41,7 +43,7 @@ class CommandSet::Command {
  public:
   Command(const std::string& name, const CommandHelp& help,
           const std::shared_ptr<HelpFormatter>& formatter, std::string fullName)
-      : app(appText(help.helpKey), name), path(std::move(fullName)) {
+      : app(appText(help.helpKey), name), path(std::move(fullName)), help_(help) {
     formatter->SetUsage(app, help.usageKey);
     app.formatter(formatter);
     app.footer(appText(help.examplesKey));
@@ -50,12 +52,12 @@ class CommandSet::Command {
   }
 
   void AddOption(const OptionSpec& option) {
+    options_.push_back(option);
     const std::string help = appText(option.helpKey);
     if (auto* const flag = std::get_if<bool*>(&option.value)) {
       app.add_flag(option.name, **flag, help);
       return;
     }
-    options_.push_back(option);
     if (auto* const list = std::get_if<std::vector<std::string>*>(&option.value)) {
       app.add_option(option.name, **list, help)->type_name(option.valueName);
       return;
@@ -92,6 +94,7 @@ class CommandSet::Command {
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
       const std::string message = error.what();
       for (const OptionSpec& option : options_) {
+        if (option.isFlag()) continue;
         const std::string_view name = option.name;
         if (!message.starts_with(std::string(name.substr(name.rfind(',') + 1)) + ":")) continue;
         return stringWithFormat(appText("error_no_value"),
@@ -104,6 +107,12 @@ class CommandSet::Command {
                             {adapters::printableText(unexpected.front()), path + " --help"});
   }
 
+  CommandOutline Outline() const {
+    CommandOutline outline{app.get_name(), path, help_, options_, {}};
+    for (const auto& command : commands) outline.commands.push_back(command->Outline());
+    return outline;
+  }
+
   CLI::App app;
   /// "lumenquest plans add"
   std::string path;
@@ -112,6 +121,7 @@ class CommandSet::Command {
   std::vector<std::unique_ptr<Command>> commands;
 
  private:
+  CommandHelp help_;
   std::vector<OptionSpec> options_;
 };
 
@@ -132,6 +142,14 @@ class CommandSet::Implementation {
     parent.app.add_subcommand(name, appText(help.helpKey))->group(appText("help_commands"));
     return *parent.commands.emplace_back(std::move(made));
   }
+
+  /// What the arguments ask for: a command to act, or a text to show.
+  struct Request {
+    Command* command = nullptr;
+    std::optional<std::string> text;
+  };
+
+  Request Read(const std::vector<std::string>& arguments);
 
   std::shared_ptr<HelpFormatter> formatter = std::make_shared<HelpFormatter>();
   Command root;
@@ -157,8 +175,9 @@ void CommandSet::Add(Command& group, const char* name, const CommandHelp& help,
   command.action = std::move(action);
 }
 
-std::string CommandSet::Run(const std::vector<std::string>& arguments) {
-  Command* command = &implementation_->root;
+CommandSet::Implementation::Request CommandSet::Implementation::Read(
+    const std::vector<std::string>& arguments) {
+  Command* command = &root;
   auto argument = arguments.begin();
   for (; argument != arguments.end(); ++argument) {
     Command* const next = command->Find(*argument);
@@ -174,20 +193,31 @@ std::string CommandSet::Run(const std::vector<std::string>& arguments) {
     std::vector<std::string> reversed(arguments.rbegin(), std::make_reverse_iterator(argument));
     command->app.parse(reversed);
   } catch (const CLI::CallForHelp&) {
-    return command->app.help();
+    return {command, command->app.help()};
   } catch (const CLI::CallForVersion& version) {
-    return std::string(version.what()) + "\n";
+    return {command, std::string(version.what()) + "\n"};
   } catch (const CLI::ParseError& error) {
     throw UsageError(command->Describe(error));
   }
   if (!command->action) {
     throw UsageError(stringWithFormat(appText("error_no_command"), {command->Subcommands()}));
   }
-  return command->action();
+  return {command, std::nullopt};
 }
 
+std::string CommandSet::Run(const std::vector<std::string>& arguments) {
+  const Implementation::Request request = implementation_->Read(arguments);
+  return request.text ? *request.text : request.command->action();
+}
+
+void CommandSet::Check(const std::vector<std::string>& arguments) {
+  implementation_->Read(arguments);
+}
+
+CommandOutline CommandSet::outline() const { return implementation_->root.Outline(); }
+
 OptionSpec placeOption(OptionText& value) {
-  return {"--place", "TEXT", "help_place", "expect_place", &value};
+  return {"--place", "TEXT", "help_place", "expect_place", &value, suggestPlaces};
 }
 
 OptionSpec latitudeOption(OptionText& value) {
@@ -199,7 +229,7 @@ OptionSpec longitudeOption(OptionText& value) {
 }
 
 OptionSpec timeZoneOption(OptionText& value) {
-  return {"--time-zone", "IANA", "help_time_zone", "expect_time_zone", &value};
+  return {"--time-zone", "IANA", "help_time_zone", "expect_time_zone", &value, suggestTimeZones};
 }
 
 OptionSpec atOption(OptionText& value) {
@@ -207,7 +237,7 @@ OptionSpec atOption(OptionText& value) {
 }
 
 OptionSpec localeOption(OptionText& value) {
-  return {"--locale", "TAG", "help_locale", "expect_locale", &value};
+  return {"--locale", "TAG", "help_locale", "expect_locale", &value, suggestLocales};
 }
 
 OptionSpec formatOption(OptionText& value) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <stdexcept>
+#include <type_traits>
 #include <vector>
 
 #include "adapters/cairo_canvas.h"
@@ -12,6 +13,7 @@
 #include "app/runtime.h"
 #include "app/widget_picture.h"
 #include "app/widget_request.h"
+#include "events/today_view_model.h"
 #include "platform/localized_strings.h"
 #include "widgets/view/style.h"
 
@@ -52,37 +54,37 @@ struct Scene {
   double longitude;
   const char* instant;
   std::vector<WidgetSize> widgets;
+  /// Whether the place is the device's own.
+  bool isCurrentLocation = false;
 };
 
 const std::vector<Scene>& Scenes() {
   static const std::vector<WidgetSize> all{kSunSmall,   kSunMedium,      kMoonSmall,
                                            kMoonMedium, kGalacticCenter, kLarge};
-  static const std::vector<WidgetSize> sun{kSunSmall, kSunMedium, kLarge};
-  static const std::vector<WidgetSize> moon{kMoonSmall};
+  static const std::vector<WidgetSize> bodies{kSunSmall, kSunMedium, kMoonSmall, kMoonMedium,
+                                              kLarge};
+  static const std::vector<WidgetSize> moon{kMoonSmall, kMoonMedium, kLarge};
   // Lake Bled, the ice of Spitsbergen, the outback under the galactic centre, Atacama.
   static const std::vector<Scene> scenes{
       {"golden-hour", "gallery_golden_hour", 46.3625, 14.0936, "2027-05-12T17:45:00Z", all},
       {"blue-hour", "gallery_blue_hour", -25.34, 131.03, "2027-07-03T08:55:00Z", all},
       {"day", "gallery_day", 38.57, -109.55, "2027-09-20T18:00:00Z", all},
       {"night", "gallery_night", -22.91, -68.2, "2027-06-05T04:00:00Z", all},
-      {"polar-day", "gallery_polar_day", 78.22, 15.65, "2027-06-21T22:00:00Z", sun},
-      {"polar-night", "gallery_polar_night", 78.22, 15.65, "2027-12-21T11:00:00Z", sun},
+      {"polar-day", "gallery_polar_day", 78.22, 15.65, "2027-06-21T22:00:00Z", bodies},
+      {"polar-night", "gallery_polar_night", 78.22, 15.65, "2027-12-21T11:00:00Z", bodies},
       {"no-galactic-centre",
        "gallery_no_galactic_centre",
        64.15,
        -21.94,
        "2027-02-20T20:00:00Z",
        {kMoonMedium, kGalacticCenter, kLarge}},
-      {"supermoon",
-       "gallery_supermoon",
-       46.3625,
-       14.0936,
-       "2026-12-24T01:28:00Z",
-       {kMoonSmall, kMoonMedium, kLarge}},
+      {"supermoon", "gallery_supermoon", 46.3625, 14.0936, "2026-12-24T01:28:00Z", moon},
       {"new-moon", "gallery_phases", 46.3625, 14.0936, "2027-02-06T16:00:00Z", moon},
       {"first-quarter", "gallery_phases", 46.3625, 14.0936, "2027-02-14T18:00:00Z", moon},
       {"full-moon", "gallery_phases", 46.3625, 14.0936, "2027-02-20T23:20:00Z", moon},
       {"last-quarter", "gallery_phases", 46.3625, 14.0936, "2027-02-28T05:17:00Z", moon},
+      {"current-location", "gallery_current_location", 46.3625, 14.0936, "2027-05-12T17:45:00Z",
+       all, true},
   };
   return scenes;
 }
@@ -97,8 +99,10 @@ Exhibit Located(const Scene& scene, const WidgetSize& widget) {
   WidgetRequest request;
   request.widget.kind = widget.kind;
   request.widget.family = widget.family;
-  request.widget.place =
-      widgets::IntentPlacemark{{{scene.latitude, scene.longitude}}, "", std::nullopt};
+  if (!scene.isCurrentLocation) {
+    request.widget.place =
+        widgets::IntentPlacemark{{{scene.latitude, scene.longitude}}, "", std::nullopt};
+  }
   return {FileName(widget, scene.name), askWidget(request).entry, widget.family};
 }
 
@@ -107,6 +111,7 @@ Section LocatedSection(const Scene& scene, const std::string& locale) {
   runtime.locale = locale;
   runtime.clock = std::make_shared<adapters::FixedClock>(*adapters::parseRfc3339(scene.instant));
   runtime.hasOwnSettings = true;
+  runtime.here = platform::CLLocationCoordinate2D{scene.latitude, scene.longitude};
   installServices(runtime);
   Section section{appText(scene.titleKey), {}};
   for (const WidgetSize& widget : scene.widgets) {
@@ -137,6 +142,45 @@ Section PlacelessSection(const char* name, const char* titleKey,
        {FileName(kLarge, name), widgets::SunTimelineEntry{now, sun, {}, {}, {}}, kLarge.family}}};
 }
 
+/// A record that knows the next date, as one of another calculator's may.
+Section NextVisibleSection(const std::string& locale) {
+  const Scene scene{"next-visible", "gallery_next_visible", 46.3625,
+                    14.0936,        "2026-11-22T20:30:00Z", {kMoonMedium, kGalacticCenter, kLarge}};
+  Section section = LocatedSection(scene, locale);
+  events::TodayViewModel calculator;
+  calculator.setCurrentLocation(platform::CLLocation{{scene.latitude, scene.longitude}});
+  calculator.calculateNightData();
+  for (Exhibit& exhibit : section.exhibits) {
+    std::visit(
+        [&](auto& entry) {
+          if constexpr (std::is_same_v<std::decay_t<decltype(entry)>,
+                                       widgets::GalacticCenterTimelineEntry>) {
+            entry.data.dateNextVisibility = calculator.dateNextVisiblity;
+          } else if constexpr (requires { entry.gcData; }) {
+            entry.gcData->dateNextVisibility = calculator.dateNextVisiblity;
+          }
+        },
+        exhibit.entry);
+  }
+  return section;
+}
+
+/// Widgets whose theme is not the host's scheme.
+Section ThemeSection(const std::string& locale) {
+  Section section{appText("gallery_themes"), {}};
+  for (const auto& [name, theme] :
+       {std::pair("theme-dark", widgets::ThemeStyleEnum::themeDark),
+        std::pair("theme-light", widgets::ThemeStyleEnum::themeLight)}) {
+    Scene scene = Scenes().front();
+    scene.name = name;
+    for (Exhibit& exhibit : LocatedSection(scene, locale).exhibits) {
+      std::visit([&](auto& entry) { entry.theme = theme; }, exhibit.entry);
+      section.exhibits.push_back(std::move(exhibit));
+    }
+  }
+  return section;
+}
+
 Section PlansSection(const char* name, const char* titleKey, std::vector<widgets::PlanItem> plans) {
   const widgets::PlansTimelineEntry entry{platform::NSDate::date(), std::move(plans),
                                           widgets::ThemeStyleEnum::themeSystem};
@@ -156,6 +200,21 @@ std::vector<widgets::PlanItem> SamplePlans() {
           plan("gallery_plan_4", "2027-09-20T00:45:00Z", "America/Denver", "4")};
 }
 
+/// What a host that tints makes of some of the exhibits.
+Section TintedSection(const std::vector<Section>& sections) {
+  Section tinted{appText("gallery_tinted"), {}, view::WidgetRenderingMode::accented};
+  for (const char* state : {"-golden-hour", "-supermoon", "-four-plans", "-denied", "-time-out"}) {
+    for (const Section& section : sections) {
+      for (const Exhibit& exhibit : section.exhibits) {
+        if (!exhibit.fileName.ends_with(state)) continue;
+        tinted.exhibits.push_back(exhibit);
+        tinted.exhibits.back().fileName += "-accented";
+      }
+    }
+  }
+  return tinted;
+}
+
 }  // namespace
 
 std::vector<Section> exhibition(const std::string& locale) {
@@ -170,11 +229,8 @@ std::vector<Section> exhibition(const std::string& locale) {
       exhibits.insert(exhibits.end(), section.exhibits.begin(), section.exhibits.end());
     }
   }
-  Section tinted = LocatedSection(Scenes().front(), locale);
-  tinted.title = appText("gallery_tinted");
-  tinted.renderingMode = view::WidgetRenderingMode::accented;
-  for (Exhibit& exhibit : tinted.exhibits) exhibit.fileName += "-accented";
-  sections.push_back(std::move(tinted));
+  sections.push_back(NextVisibleSection(locale));
+  sections.push_back(ThemeSection(locale));
   sections.push_back(PlansSection("no-plans", "gallery_no_plans", {}));
   sections.push_back(PlansSection("four-plans", "gallery_four_plans", SamplePlans()));
   sections.push_back(PlacelessSection("denied", "gallery_denied",
@@ -183,6 +239,7 @@ std::vector<Section> exhibition(const std::string& locale) {
   sections.push_back(
       PlacelessSection("time-out", "gallery_time_out",
                        {&nowhere, CLAuthorizationStatus::authorizedWhenInUse, {}, {}, true}));
+  sections.push_back(TintedSection(sections));
   return sections;
 }
 
@@ -191,44 +248,47 @@ namespace {
 /// Draws exhibits in rows under the headings of their sections, or only tells how high that gets.
 class Sheet {
  public:
-  static constexpr double kWidth = 1760.0;
+  /// Two sections of every widget of the sky side by side.
+  static constexpr double kWidth = 3480.0;
 
   explicit Sheet(platform::Canvas* canvas) : canvas_(canvas) {}
 
+  /// Beside the section before it where there is room.
   void Add(const Section& section, const view::Environment& environment) {
-    constexpr double kHeading = 18.0;
-    y_ += kMargin;
+    constexpr double kHeading = 24.0;
+    double width = 0.0;
+    for (const Exhibit& exhibit : section.exhibits) {
+      width += view::sizeOf(exhibit.family).width + (width > 0.0 ? kGap : 0.0);
+    }
+    width = std::min(width, kWidth - 2.0 * kMargin);
+    if (x_ + width > kWidth - kMargin) {
+      y_ += rowHeight_ + kMargin;
+      x_ = kMargin;
+      rowHeight_ = 0.0;
+    }
     if (canvas_ != nullptr) {
       canvas_->drawText(section.title, {kHeading, platform::FontWeight::semibold},
-                        Foreground(environment), {kMargin, y_, kWidth - 2.0 * kMargin, kHeading});
+                        Foreground(environment), {x_, y_, width, kHeading});
     }
-    y_ += 1.8 * kHeading;
-    double x = kMargin;
-    double rowHeight = 0.0;
+    double x = x_;
+    double y = y_ + 1.8 * kHeading;
+    double height = 0.0;
     for (const Exhibit& exhibit : section.exhibits) {
       const platform::CGSize size = view::sizeOf(exhibit.family);
-      if (x + size.width > kWidth - kMargin) {
-        y_ += rowHeight + kGap;
-        x = kMargin;
-        rowHeight = 0.0;
+      if (x + size.width > x_ + width) {
+        y += height + kGap;
+        x = x_;
+        height = 0.0;
       }
-      if (canvas_ != nullptr) {
-        view::Environment own = environment;
-        own.family = exhibit.family;
-        own.renderingMode = section.renderingMode;
-        const view::Element element = host::viewOf(exhibit.entry, own);
-        canvas_->save();
-        canvas_->concatenate(platform::CGAffineTransform::translation(x, y_));
-        drawWidget(element, size, own, *canvas_);
-        canvas_->restore();
-      }
+      if (canvas_ != nullptr) Draw(exhibit, section, environment, {x, y});
       x += size.width + kGap;
-      rowHeight = std::max(rowHeight, size.height);
+      height = std::max(height, size.height);
     }
-    y_ += rowHeight;
+    rowHeight_ = std::max(rowHeight_, y + height - y_);
+    x_ += width + kMargin;
   }
 
-  double height() const { return y_ + kMargin; }
+  double height() const { return y_ + rowHeight_ + kMargin; }
 
   static platform::UIColor Foreground(const view::Environment& environment) {
     return environment.colorScheme == platform::ColorScheme::dark
@@ -245,9 +305,31 @@ class Sheet {
   static constexpr double kMargin = 28.0;
   static constexpr double kGap = 18.0;
 
+  void Draw(const Exhibit& exhibit, const Section& section, const view::Environment& environment,
+            platform::CGPoint origin) {
+    view::Environment own = environment;
+    own.family = exhibit.family;
+    own.renderingMode = section.renderingMode;
+    const view::Element element = host::viewOf(exhibit.entry, own);
+    canvas_->save();
+    canvas_->concatenate(platform::CGAffineTransform::translation(origin.x, origin.y));
+    drawWidget(element, view::sizeOf(exhibit.family), own, *canvas_);
+    canvas_->restore();
+  }
+
   platform::Canvas* canvas_;
-  double y_ = 0.0;
+  double x_ = kMargin;
+  double y_ = kMargin;
+  double rowHeight_ = 0.0;
 };
+
+/// Whether the host's scheme makes a difference: not where it tints, nor against a theme.
+bool FollowsScheme(const Section& section, const Exhibit& exhibit) {
+  const bool hasTheme = std::visit(
+      [](const auto& entry) { return entry.theme != widgets::ThemeStyleEnum::themeSystem; },
+      exhibit.entry);
+  return section.renderingMode == view::WidgetRenderingMode::fullColor && !hasTheme;
+}
 
 std::string RunGallery(const GalleryOptions& options) {
   const std::string locale = checkedLocale(options.locale);
@@ -255,6 +337,7 @@ std::string RunGallery(const GalleryOptions& options) {
     throw UsageError(
         stringWithFormat(appText("error_missing_option"), {"DIR", appText("expect_folder")}));
   }
+  if (options.folder->empty()) throwBadOption("DIR", "", "expect_folder");
   const double scale = parseScale(options.scale);
   const std::filesystem::path folder = *options.folder;
   makeFolder(folder);
@@ -270,12 +353,15 @@ std::string RunGallery(const GalleryOptions& options) {
     const std::string suffix = scheme == platform::ColorScheme::dark ? "-dark" : "-light";
     for (const Section& section : sections) {
       for (const Exhibit& exhibit : section.exhibits) {
+        const bool followsScheme = FollowsScheme(section, exhibit);
+        if (!followsScheme && scheme != platform::ColorScheme::dark) continue;  // is there already
         view::Environment own = environment;
         own.family = exhibit.family;
         own.renderingMode = section.renderingMode;
         const view::Element element = host::viewOf(exhibit.entry, own);
+        const std::string file = exhibit.fileName + (followsScheme ? suffix : "") + ".png";
         const PictureOptions picture{view::sizeOf(exhibit.family), scale, ""};
-        writePicture((folder / (exhibit.fileName + suffix + ".png")).string(),
+        writePicture((folder / file).string(),
                      pictureOf(element, own, PictureFormat::png, picture));
         ++count;
       }

@@ -16,6 +16,7 @@
 #include "app/entry_output.h"
 #include "app/home_host.h"
 #include "app/home_server.h"
+#include "app/suggestions.h"
 #include "app/table.h"
 #include "app/widget_picture.h"
 #include "host/widget_summary.h"
@@ -49,6 +50,18 @@ struct HomeCommandOptions {
   std::vector<std::string> ids;
   OptionText url;
 };
+
+/// The widgets of the home screen; none where it cannot be read.
+std::vector<Suggestion> SuggestWidgets(const std::string&) try {
+  std::vector<Suggestion> words;
+  const HomeScreen screen = homeScreenFile().load();
+  for (const PlacedWidget& widget : screen.widgets()) {
+    words.push_back({widget.id, widget.kind});
+  }
+  return words;
+} catch (const std::exception&) {
+  return {};
+}
 
 std::string PlaceText(const PlacedWidget& widget) {
   const auto configuration = host::configurationOf(widget.kind);
@@ -225,11 +238,6 @@ class Exporter {
   std::set<std::string> written_;
 };
 
-bool AreAllAnswered(const host::Scheduler& scheduler) {
-  return std::none_of(scheduler.shown().begin(), scheduler.shown().end(),
-                      [](const ShownWidget& one) { return one.isPlaceholder; });
-}
-
 std::string Export(const HomeCommandOptions& options) {
   if (!options.folder) {
     throw UsageError(
@@ -305,7 +313,9 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
   }
   const Chosen chosen(ids, screen);
   bool isLineDue = false;
+  std::set<std::string> fresh;
   home.scheduler().onEntry([&](const ShownWidget& shown) {
+    fresh.insert(shown.widget.id);
     if (!chosen.holds(shown.widget.id)) return;
     if (format == "jsonl") {
       out << EntryLine(shown) << '\n' << std::flush;
@@ -317,7 +327,7 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
     if (std::exchange(isLineDue, false)) {
       out << WaybarLine(home.scheduler().shown(), chosen) << '\n' << std::flush;
     }
-    const bool isOnceDone = options.once && AreAllAnswered(home.scheduler());
+    const bool isOnceDone = options.once && fresh.size() == home.scheduler().shown().size();
     return !out.good() || isOnceDone;
   });
   return "";
@@ -349,7 +359,7 @@ void addHomeCommands(CommandSet& commands, std::ostream& out) {
                        std::vector<OptionSpec> options, auto action) {
     commands.Add(home, name, {usageKey, helpKey, "help_home_examples"}, options, action);
   };
-  const OptionSpec id{"ID", "", "help_widget_id", "expect_widget_id", &o.id};
+  const OptionSpec id{"ID", "", "help_widget_id", "expect_widget_id", &o.id, SuggestWidgets};
   const OptionSpec position{"POSITION", "", "help_position", "expect_position", &o.position};
   const std::vector<OptionSpec> configuration{
       {"--family", "small|medium|large", "help_family", "expect_family", &o.widget.family},
@@ -367,7 +377,7 @@ void addHomeCommands(CommandSet& commands, std::ostream& out) {
   add("list", "help_usage_home_list", "help_home_list",
       {localeOption(o.host.locale), formatOption(o.format)}, [&o] { return List(o); });
   add("add", "help_usage_home_add", "help_home_add",
-      with({{"KIND", "", "help_kind", "expect_kind", &o.widget.kind},
+      with({{"KIND", "", "help_kind", "expect_kind", &o.widget.kind, suggestKinds},
             {"--id", "ID", "help_new_widget_id", "expect_widget_id", &o.id},
             {"--position", "N", "help_position", "expect_position", &o.position}},
            configuration),
@@ -390,7 +400,7 @@ void addHomeCommands(CommandSet& commands, std::ostream& out) {
       [&o] { return Export(o); });
   add("watch", "help_usage_home_watch", "help_home_watch",
       with({{"--format", "waybar|jsonl", "help_watch_format", "expect_watch_format", &o.format},
-            {"--widget", "ID", "help_watch_widget", "expect_widget_id", &o.ids},
+            {"--widget", "ID", "help_watch_widget", "expect_widget_id", &o.ids, SuggestWidgets},
             once},
            homeOptionSpecs(o.host)),
       [&o, &out] { return Watch(o, out); });

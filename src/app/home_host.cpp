@@ -62,7 +62,7 @@ std::vector<OptionSpec> homeOptionSpecs(HomeOptions& options) {
   return {{"--here", "LAT,LON", "help_here", "expect_coordinate", &options.here},
           {"--settings", "shared|memory", "help_settings_kind", "expect_settings_kind",
            &options.settings},
-          {"--at", "TIME", "help_home_at", "expect_instant", &options.at},
+          {"--at", "INSTANT", "help_home_at", "expect_at", &options.at},
           localeOption(options.locale)};
 }
 

@@ -6,6 +6,7 @@
 
 #include "adapters/printable_text.h"
 #include "app/runtime.h"
+#include "app/suggestions.h"
 #include "app/table.h"
 #include "platform/localized_strings.h"
 #include "platform/location_utils.h"
@@ -29,19 +30,6 @@ Json ToJson(const std::optional<std::string>& text) { return text ? Json(*text) 
 
 Json ToJson(const std::optional<platform::NSTimeZone>& zone) {
   return zone ? Json(zone->name) : Json(nullptr);
-}
-
-/// "Chamonix-Mont-Blanc, Auvergne-Rhône-Alpes, France": enough to find the same place again.
-std::string FullName(const CLPlacemark& place) {
-  std::string text;
-  const std::string* before = nullptr;
-  for (const auto* part : {&place.locality, &place.administrativeArea, &place.country}) {
-    if (!*part || (before != nullptr && *before == **part)) continue;
-    if (before != nullptr) text += ", ";
-    text += **part;
-    before = &**part;
-  }
-  return text;
 }
 
 const std::string& TextOf(const PlacesOptions& options, const char* name,
@@ -77,7 +65,7 @@ std::string SearchPlaces(const PlacesOptions& options) {
   }
   Table table;
   for (const CLPlacemark& place : places) {
-    table.Row(FullName(place),
+    table.Row(fullName(place),
               LocationUtils::latLonStringWithCoordinate(place.location->coordinate) + "   " +
                   (place.timeZone ? place.timeZone->name : "--"));
   }
@@ -123,13 +111,25 @@ std::string PlacesAt(const PlacesOptions& options) {
 
 }  // namespace
 
+std::string fullName(const CLPlacemark& place) {
+  std::string text;
+  const std::string* before = nullptr;
+  for (const auto* part : {&place.locality, &place.administrativeArea, &place.country}) {
+    if (!*part || (before != nullptr && *before == **part)) continue;
+    if (before != nullptr) text += ", ";
+    text += **part;
+    before = &**part;
+  }
+  return text;
+}
+
 void addPlacesCommands(CommandSet& commands) {
   PlacesOptions& o = commands.Keep<PlacesOptions>();
   CommandSet::Command& places =
       commands.AddGroup("places", {"help_usage_places", "help_places", "help_places_examples"});
   commands.Add(places, "search",
                {"help_usage_places_search", "help_places_search", "help_places_examples"},
-               {{"TEXT", "", "help_places_text", "expect_place", &o.text},
+               {{"TEXT", "", "help_places_text", "expect_place", &o.text, suggestPlaces},
                 localeOption(o.locale),
                 formatOption(o.format)},
                [&o] { return SearchPlaces(o); });
@@ -152,13 +152,13 @@ platform::CLPlacemark resolvePlace(const std::string& text, const std::string& l
   for (const CLPlacemark& place : places) {
     if (!adapters::isSameName(*place.locality, *places.front().locality)) continue;
     namesakes.push_back(&place);
-    ++bearers[FullName(place)];
+    ++bearers[fullName(place)];
   }
   if (namesakes.size() == 1) return places.front();
   std::string candidates;
   for (const CLPlacemark* place : namesakes) {
     if (!candidates.empty()) candidates += "; ";
-    const std::string name = FullName(*place);
+    const std::string name = fullName(*place);
     candidates += name;
     // Only their coordinates tell two of one area apart.
     if (bearers[name] > 1) {

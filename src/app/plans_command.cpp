@@ -261,6 +261,15 @@ std::shared_ptr<Planning> PlanCalled(const std::string& given, const Plans& plan
       stringWithFormat(appText("error_ambiguous_plan"), {printableText(given), candidates}));
 }
 
+std::vector<Suggestion> SuggestPlans(const std::string&) {
+  std::vector<Suggestion> suggestions;
+  for (const auto& plan : Fetch(OpenPlans(), std::nullopt)) {
+    suggestions.push_back({plan->uniqueIdentifier().value_or("").substr(0, kShownIdentifier),
+                           plan->name().value_or("")});
+  }
+  return suggestions;
+}
+
 std::string RemovePlans(const PlansOptions& options) {
   const std::string locale = checkedLocale(options.locale);
   if (options.identifiers.empty()) {
@@ -484,12 +493,12 @@ void addPlansCommands(CommandSet& commands) {
   commands.Add(plans, "list", {"help_usage_plans_list", "help_plans_list", "help_plans_examples"},
                {{"--all", "", "help_plans_all", nullptr, &o.all}, atOption(o.at), locale, format},
                [&o] { return ListPlans(o); });
-  commands.Add(plans, "remove",
-               {"help_usage_plans_remove", "help_plans_remove", "help_plans_examples"},
-               {{"ID", "", "help_plan_identifier", "expect_plan_identifier", &o.identifiers},
-                locale,
-                format},
-               [&o] { return RemovePlans(o); });
+  commands.Add(
+      plans, "remove", {"help_usage_plans_remove", "help_plans_remove", "help_plans_examples"},
+      {{"ID", "", "help_plan_identifier", "expect_plan_identifier", &o.identifiers, SuggestPlans},
+       locale,
+       format},
+      [&o] { return RemovePlans(o); });
   commands.Add(plans, "import",
                {"help_usage_plans_import", "help_plans_import", "help_plans_examples"},
                {{"FILE", "", "help_import_file", "expect_calendar_file", &o.file},

@@ -6,6 +6,7 @@
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
 #include "app/gallery.h"
+#include "app/suggestions.h"
 #include "app/widget_picture.h"
 #include "app/widget_request.h"
 #include "host/widget_entry.h"
@@ -51,15 +52,44 @@ platform::CGSize ParseSize(const OptionText& text, widgets::WidgetFamily family)
   throwBadOption("--size", *text, "expect_size");
 }
 
+constexpr const char* kPngOnStandardOutput = "-";
+constexpr const char* kSvgOnStandardOutput = "-.svg";
+
+bool IsStandardOutput(const std::string& file) {
+  return file == kPngOnStandardOutput || file == kSvgOnStandardOutput;
+}
+
+/// By the ending of its name, in letters of either case; absent for a name that no picture has.
+std::optional<PictureFormat> NamedFormat(const std::string& file) {
+  if (file == kPngOnStandardOutput) return PictureFormat::png;
+  std::string extension = std::filesystem::path(file).extension().string();
+  for (char& c : extension) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  if (extension == ".png") return PictureFormat::png;
+  if (extension == ".svg") return PictureFormat::svg;
+  return std::nullopt;
+}
+
 PictureFormat FormatOf(const OptionText& file) {
   if (!file) {
     throw UsageError(stringWithFormat(appText("error_missing_option"),
                                       {"--output", appText("expect_picture_file")}));
   }
-  const std::string extension = std::filesystem::path(*file).extension().string();
-  if (extension == ".png" || *file == "-") return PictureFormat::png;
-  if (extension == ".svg" || *file == "-.svg") return PictureFormat::svg;
+  if (const auto format = NamedFormat(*file)) return *format;
   throwBadOption("--output", *file, "expect_picture_file");
+}
+
+/// What is asked for when all widgets are to be drawn.
+void CheckAll(const RenderOptions& options) {
+  if (!options.output) {
+    throw UsageError(
+        stringWithFormat(appText("error_missing_option"), {"--output", appText("expect_folder")}));
+  }
+  if (options.widget.family || options.size) throw UsageError(appText("error_all_sizes"));
+  if (options.output->empty()) throwBadOption("--output", "", "expect_folder");
+  if (NamedFormat(*options.output)) {
+    throw UsageError(stringWithFormat(appText("error_all_folder"),
+                                      {adapters::printableText(*options.output, 200)}));
+  }
 }
 
 view::Environment ParseEnvironment(const RenderOptions& options, const std::string& locale) {
@@ -117,13 +147,7 @@ std::string RunRender(const RenderOptions& given) {
   if (options.scheme && !options.widget.theme) options.widget.theme = "system";
   const bool isAll = options.widget.kind == "all";
   if (isAll) {
-    if (!options.output) {
-      throw UsageError(stringWithFormat(appText("error_missing_option"),
-                                        {"--output", appText("expect_folder")}));
-    }
-    if (options.widget.family || options.size) {
-      throw UsageError(appText("error_all_sizes"));
-    }
+    CheckAll(options);
     options.widget.kind = widgets::LumenquestWidgets::configurations().front().kind;
   }
   const PictureFormat format = isAll ? PictureFormat::png : FormatOf(options.output);
@@ -134,7 +158,7 @@ std::string RunRender(const RenderOptions& given) {
   ParseSize(options.size, request.widget.family);
   if (isAll) return RenderAll(request, environment, options);
   const std::string contents = Rendered(request, environment, format, options);
-  if (options.output->starts_with("-")) return contents;
+  if (IsStandardOutput(*options.output)) return contents;
   writePicture(*options.output, contents);
   return "";
 }
@@ -143,7 +167,13 @@ std::string RunRender(const RenderOptions& given) {
 
 void addPictureCommands(CommandSet& commands) {
   RenderOptions& o = commands.Keep<RenderOptions>();
+  o.widget.mayBeAll = true;
   std::vector<OptionSpec> specs = widgetOptionSpecs(o.widget, "help_settings_kind_memory");
+  specs.front().suggestions = [](const std::string& beginning) {
+    std::vector<Suggestion> kinds = suggestKinds(beginning);
+    kinds.push_back({"all", ""});
+    return kinds;
+  };
   const OptionSpec own[] = {
       {"--scheme", "light|dark", "help_scheme", "expect_scheme", &o.scheme},
       {"--rendering", "full|accented", "help_rendering", "expect_rendering", &o.rendering},

@@ -83,6 +83,14 @@ std::string KnownKeys() {
   return keys;
 }
 
+std::vector<Suggestion> SuggestKeys(const std::string&) {
+  std::vector<Suggestion> suggestions;
+  for (const KnownSetting& setting : kSettings) {
+    suggestions.push_back({setting.key, appText(setting.helpKey)});
+  }
+  return suggestions;
+}
+
 const KnownSetting& SettingOf(const OptionText& key) {
   if (!key)
     throw UsageError(stringWithFormat(appText("error_missing_option"), {"KEY", KnownKeys()}));
@@ -165,7 +173,7 @@ std::string SetSetting(const SettingsOptions& options) {
 
 void addSettingsCommands(CommandSet& commands) {
   SettingsOptions& o = commands.Keep<SettingsOptions>();
-  const OptionSpec key{"KEY", "", "help_setting_key", "expect_text", &o.key};
+  const OptionSpec key{"KEY", "", "help_setting_key", "expect_text", &o.key, SuggestKeys};
   CommandSet::Command& settings = commands.AddGroup(
       "settings", {"help_usage_settings", "help_settings", "help_settings_examples"});
   commands.Add(settings, "list",

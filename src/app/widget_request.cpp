@@ -6,6 +6,7 @@
 #include "adapters/glib_main_queue.h"
 #include "adapters/printable_text.h"
 #include "app/runtime.h"
+#include "app/suggestions.h"
 #include "host/widget_entry.h"
 #include "platform/localized_strings.h"
 #include "platform/location_utils.h"
@@ -47,7 +48,7 @@ std::string Listed(const Items& items, Name name) {
                                     {option, adapters::printableText(*given), choices}));
 }
 
-WidgetConfiguration ParseKind(const OptionText& text) {
+WidgetConfiguration ParseKind(const OptionText& text, bool mayBeAll) {
   const auto configurations = widgets::LumenquestWidgets::configurations();
   const auto shortName = [](const std::string& kind) {
     return Short(Short(kind, "", "widget"), "", "small");
@@ -55,17 +56,21 @@ WidgetConfiguration ParseKind(const OptionText& text) {
   for (const WidgetConfiguration& configuration : configurations) {
     if (text && shortName(*text) == shortName(configuration.kind)) return configuration;
   }
-  ThrowNoChoice("KIND", text, Listed(configurations, [](const auto& one) { return one.kind; }));
+  ThrowNoChoice("KIND", text, Listed(configurations, [](const auto& one) {
+                                return one.kind;
+                              }) + (mayBeAll ? ", all" : ""));
 }
 
 /// Nothing given: the smallest.
 WidgetFamily ParseFamily(const OptionText& text, const WidgetConfiguration& configuration) {
   if (!text) return configuration.supportedFamilies.front();
+  const auto shortName = [](const std::string& name) { return Short(name, "system", ""); };
   for (const WidgetFamily family : configuration.supportedFamilies) {
-    if (Short(*text, "system", "") == Short(nameOf(family), "system", "")) return family;
+    if (shortName(*text) == shortName(nameOf(family))) return family;
   }
-  ThrowNoChoice("--family", text,
-                Listed(configuration.supportedFamilies, [](auto one) { return nameOf(one); }));
+  ThrowNoChoice("--family", text, Listed(configuration.supportedFamilies, [&](auto one) {
+                  return shortName(nameOf(one));
+                }));
 }
 
 /// One of a few words.
@@ -95,7 +100,8 @@ std::optional<widgets::IntentPlacemark> ParsePlace(const WidgetOptions& options,
 
 std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* settingsHelpKey) {
   return {
-      {"KIND", "", "help_kind", "expect_kind", &options.kind},
+      {"KIND", "", options.mayBeAll ? "help_kind_or_all" : "help_kind", "expect_kind",
+       &options.kind, suggestKinds},
       {"--family", "small|medium|large", "help_family", "expect_family", &options.family},
       placeOption(options.place.place),
       latitudeOption(options.place.latitude),
@@ -111,7 +117,7 @@ std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* se
 }
 
 host::PlacedWidget parseWidget(const WidgetOptions& options, const std::string& locale) {
-  const WidgetConfiguration configuration = ParseKind(options.kind);
+  const WidgetConfiguration configuration = ParseKind(options.kind, options.mayBeAll);
   host::PlacedWidget widget;
   widget.kind = configuration.kind;
   widget.family = ParseFamily(options.family, configuration);

@@ -1,6 +1,8 @@
 #include "events/moon_shadow.h"
 
+#include <algorithm>
 #include <cmath>
+#include <numbers>
 
 #include "ephemeris/constants.h"
 
@@ -22,20 +24,27 @@ constexpr platform::UIColor kRingColor{254.0 / 255.0, 217.0 / 255.0, 37.0 / 255.
 bool IsWaning(int moonPhase) { return moonPhase == 3 || moonPhase == 6 || moonPhase == 7; }
 
 /// The shadow before it is turned, about the origin, on the side given by its sign: along the limb
-/// from one cusp to the other and back along the terminator.
-UIBezierPath Shadow(double radius, double side, double illumination, int step) {
+/// from one cusp to the other, by chords of `step` degrees, and back along the terminator. What the
+/// limb stands out over the disc is clipped; the terminator has to end at the disc's own poles, or
+/// small Moons are darker than they are.
+UIBezierPath Shadow(double limbRadius, double discRadius, double side, double illumination,
+                    int step) {
   constexpr int kHalfTurn = 180;
   constexpr int kFirstCusp = 270;
-  const double extent = 1.0 - 2.0 * (1.0 - illumination);
   UIBezierPath path;
-  path.moveTo({0.0, -radius});
-  const auto add = [&](int degrees, double x) {
-    const double angle = degrees * ephemeris::kPi / kHalfTurn;
-    path.lineTo({side * x * radius * std::fabs(std::cos(angle)), radius * std::sin(angle)});
-  };
-  for (int t = kFirstCusp + step; t < kFirstCusp + kHalfTurn; t += step) add(t, 1.0);
-  path.lineTo({0.0, radius});
-  for (int t = kHalfTurn / 2 + step; t < kFirstCusp; t += step) add(t, extent);
+  path.moveTo({0.0, -limbRadius});
+  for (int t = kFirstCusp + step; t < kFirstCusp + kHalfTurn; t += step) {
+    const double angle = t * ephemeris::kPi / kHalfTurn;
+    path.lineTo({side * limbRadius * std::cos(angle), limbRadius * std::sin(angle)});
+  }
+  path.lineTo({0.0, limbRadius});
+  // Half an ellipse, of two quarters.
+  constexpr double kQuarterCurve = 4.0 * (std::numbers::sqrt2 - 1.0) / 3.0;
+  const double y = discRadius;
+  const double x = side * discRadius * (2.0 * illumination - 1.0);
+  path.lineTo({0.0, y});
+  path.curveTo({kQuarterCurve * x, y}, {x, kQuarterCurve * y}, {x, 0.0});
+  path.curveTo({x, -kQuarterCurve * y}, {kQuarterCurve * x, -y}, {0.0, -y});
   path.close();
   return path;
 }
@@ -92,7 +101,8 @@ UIImage MoonShadow::drawShadowOnMoonImage(const UIImage* image, CGSize ofSize,
     context.concatenate(CGAffineTransform::rotation(-ephemeris::kPi - withZenithAngle)
                             .then(CGAffineTransform::scale(1.0, -1.0))
                             .then(CGAffineTransform::translation(center.x, center.y)));
-    context.fill(Shadow(radius, IsWaning(moonPhase) ? -1.0 : 1.0, phaseIllumination, step),
+    context.fill(Shadow(radius, std::min(radius, size.height / 2.0),
+                        IsWaning(moonPhase) ? -1.0 : 1.0, phaseIllumination, step),
                  platform::UIColor::interpolatedMoonShadowColor(skyBrightness(sunElevation)));
     context.restore();
   }

@@ -88,11 +88,13 @@ std::string PictureOf(const ShownWidget& shown, const std::string& alternative) 
 /// What the edit page's script says and asks, as attributes of <main>.
 std::string EditWords() {
   std::string attributes;
-  for (const char* const word : {"added", "removed", "undo", "moved", "saved", "failed", "found",
-                                 "nothing_found", "searching"}) {
-    std::string name = word;
+  constexpr std::size_t kBeginning = sizeof "web_edit_" - 1;
+  for (const char* const key :
+       {"web_edit_added", "web_edit_removed", "web_edit_undo", "web_edit_moved", "web_edit_saved",
+        "web_edit_failed", "web_edit_found", "web_edit_nothing_found", "web_edit_searching"}) {
+    std::string name = std::string(key).substr(kBeginning);
     std::replace(name.begin(), name.end(), '_', '-');
-    attributes += " data-" + name + "=\"" + webText(std::string("web_edit_") + word) + "\"";
+    attributes += " data-" + name + "=\"" + webText(key) + "\"";
   }
   return attributes;
 }

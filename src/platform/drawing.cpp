@@ -113,11 +113,18 @@ CGAffineTransform Placement(const UIImage& image, const CGRect& rect) {
 void Canvas::drawImage(const UIImage& image, const CGRect& rect, const UIColor& color) {
   save();
   concatenate(Placement(image, rect));
-  DrawShapes(image, color);
+  drawShapes(image, color);
   restore();
 }
 
-void Canvas::DrawShapes(const UIImage& image, const UIColor& color) {
+void Canvas::drawEmbedded(const EmbeddedImage& embedded) {
+  save();
+  concatenate(embedded.transform);
+  drawShapes(*embedded.image, embedded.color);
+  restore();
+}
+
+void Canvas::drawShapes(const UIImage& image, const UIColor& color) {
   const UIBezierPath* clipped = nullptr;
   for (const PictureShape& shape : image.shapes) {
     if (shape.clip.get() != clipped) {
@@ -129,10 +136,7 @@ void Canvas::DrawShapes(const UIImage& image, const UIColor& color) {
       }
     }
     if (shape.embedded) {
-      save();
-      concatenate(shape.embedded->transform);
-      DrawShapes(*shape.embedded->image, shape.embedded->color);
-      restore();
+      drawEmbedded(*shape.embedded);
       continue;
     }
     if (shape.fill) fill(shape.path, Resolved(*shape.fill, color));

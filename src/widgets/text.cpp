@@ -20,4 +20,18 @@ std::string eventTimeText(double mjd, double mjdTomorrowAt0, const LocationWidge
   return text;
 }
 
+std::string spokenLine(const std::string& heading, const std::string& value) {
+  return platform::stringWithFormat(
+      platform::localizedString("spoken_value", platform::kTableEphemeris), {heading, value});
+}
+
+std::string spokenTime(const std::string& text) {
+  const std::string mark =
+      " " + platform::localizedString("event_one_day_plus", platform::kTableEphemeris);
+  if (!text.ends_with(mark)) return text;
+  return platform::stringWithFormat(
+      platform::localizedString("spoken_next_day", platform::kTableEphemeris),
+      {text.substr(0, text.size() - mark.size())});
+}
+
 }  // namespace lumenquest::widgets

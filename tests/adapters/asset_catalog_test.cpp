@@ -93,10 +93,8 @@ double Contrast(const UIColor& a, const UIColor& b) {
 
 TEST(Art, TextsStandOutFromTheirBackgrounds) {
   FileAssetCatalog catalog(fs::path(LUMENQUEST_TEST_RESOURCES) / "art");
-  const std::pair<const char*, double> contents[] = {{"contentPrimary", 4.5},
-                                                     {"contentSecondary", 4.5},
-                                                     {"contentTertiary", 3.0},
-                                                     {"accent", 3.0}};
+  const std::pair<const char*, double> contents[] = {
+      {"contentPrimary", 4.5}, {"contentTertiary", 4.5}, {"accent", 3.0}};
   for (const ColorScheme scheme : {ColorScheme::light, ColorScheme::dark}) {
     for (const char* background :
          {"WidgetBackground", "backgroundPrimary", "backgroundSecondary"}) {

@@ -7,9 +7,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 
 #include "command_fixture.h"
 #include "pictures.h"
+#include "widgets/view/environment.h"
 
 namespace lumenquest::app {
 namespace {
@@ -97,6 +99,35 @@ TEST(Render, SchemesAreSeen) {
   EXPECT_GT(middle({"--scheme", "light", "--theme", "system"}), 200u);
 }
 
+TEST(Render, AHostThatTintsTintsTheMoon) {
+  const DataFolder data;
+  const auto fullMoon = [](const char* rendering) {
+    return Call({"render", "moon", "--latitude", "46.3625", "--longitude", "14.0936", "--at",
+                 "2027-02-20T23:20:00Z", "--locale", "en", "--scale", "1", "--rendering", rendering,
+                 "-o", "-"})
+        .out;
+  };
+  const Pixels full(fullMoon("full")), tinted(fullMoon("accented"));
+  const auto part = [](std::uint32_t pixel, int shift) {
+    return static_cast<int>(pixel >> shift & 255u);
+  };
+  const platform::UIColor accent = widgets::view::Environment().accent;
+  int least = 255, most = 0;
+  // Across the middle of the disc.
+  for (int x = 65; x < 105; ++x) {
+    const std::uint32_t seen = tinted.at(x, 75), own = full.at(x, 75);
+    const double blue = part(seen, 0);
+    EXPECT_GT(blue, 60.0) << x;
+    EXPECT_NEAR(part(seen, 16), blue * accent.red / accent.blue, 4.0) << x;
+    EXPECT_NEAR(part(seen, 8), blue * accent.green / accent.blue, 4.0) << x;
+    EXPECT_GE(part(own, 16), part(own, 0)) << x;  // warm grey
+    least = std::min(least, part(seen, 0));
+    most = std::max(most, part(seen, 0));
+  }
+  // Its seas are still there.
+  EXPECT_GT(most - least, 30);
+}
+
 TEST(Render, SvgKeepsWordsAndLinks) {
   const DataFolder data;
   const ScratchFolder folder;
@@ -115,10 +146,14 @@ TEST(Render, SvgKeepsWordsAndLinks) {
   }
   EXPECT_THAT(links, AllOf(Contains("lumenquest://sun"), Contains("lumenquest://moon")));
   EXPECT_EQ(contents.attribute("viewBox"), "0 0 364 382");
-  // The description says all that is to be read.
+  // The description says all that is to be read, in words that need no picture.
   const std::size_t start = svg.find("<desc");
   const std::string description = svg.substr(start, svg.find("</desc>") - start);
-  EXPECT_THAT(description, AllOf(HasSubstr("Bled"), HasSubstr("Golden hour")));
+  for (const char* words : {"Bled. ", "Golden hour: ", "Next: ", "Sunrise: ", "Sunset: ",
+                            "Moonrise: ", "Moonset: ", "Visible from: ", ", azimuth "}) {
+    EXPECT_THAT(description, HasSubstr(words));
+  }
+  EXPECT_THAT(description, Not(HasSubstr("(+1)")));
 
   // What users name their plans is text, whatever it looks like.
   const std::string hostile = "<script>alert(\"1\")</script> & ]]> \xE2\x80\xAEshort";
@@ -129,6 +164,26 @@ TEST(Render, SvgKeepsWordsAndLinks) {
   EXPECT_THAT(plans, Not(HasSubstr("<script")));
   EXPECT_THAT(plans, HasSubstr("&lt;script&gt;"));
   EXPECT_THAT(plans, HasSubstr("lumenquest://plan?id="));
+}
+
+TEST(Render, OnlyADashIsStandardOutput) {
+  const DataFolder data;
+  const ScratchFolder folder;
+  const std::filesystem::path before = std::filesystem::current_path();
+  std::filesystem::current_path(folder.path());
+  const std::string png = Render(Bled({"sun", "--output=-"})).out;
+  const std::string svg = Render(Bled({"sun", "--output=-.svg"})).out;
+  EXPECT_THAT(png, HasSubstr("PNG"));
+  EXPECT_THAT(svg, HasSubstr("</svg>"));
+  EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+  for (const auto& [name, contents] : std::map<std::string, std::string>{
+           {"-x.png", png}, {"-.png", png}, {"-y.svg", svg}, {"A.PNG", png}, {"a.Svg", svg}}) {
+    const Result result = Render(Bled({"sun", "--output=" + name}));
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(result.out, "") << name;
+    EXPECT_TRUE(Contents(folder.path() + "/" + name) == contents) << name;
+  }
+  std::filesystem::current_path(before);
 }
 
 TEST(Render, AllOfThem) {
@@ -159,13 +214,13 @@ TEST(Render, WrongUseIsOneLineAndNoFile) {
   };
   const Case cases[] = {
       {{"-o", png}, {"KIND", "missing"}},
-      {{"moo", "-o", png}, {"KIND", "\"moo\"", "SunWidget"}},
+      {{"moo", "-o", png}, {"KIND", "\"moo\"", "SunWidget", "PlansWidget, all"}},
       {{"sun"}, {"--output", "missing", ".png", ".svg"}},
       {{"sun", "-o"}, {"--output"}},
       {{"sun", "-o", ""}, {".png", ".svg"}},
       {{"sun", "-o", folder.path() + "/a.jpg"}, {"a.jpg", ".png", ".svg"}},
       {{"sun", "-o", folder.path() + "/png"}, {".png", ".svg"}},
-      {{"sun", "--family", "large", "-o", png}, {"--family", "\"large\"", "systemSmall"}},
+      {{"sun", "--family", "large", "-o", png}, {"--family", "\"large\"", "small, medium\n"}},
       {{"sun", "--family", "huge", "-o", png}, {"--family", "\"huge\""}},
       {{"sun", "--scale", "0", "-o", png}, {"--scale", "\"0\"", "1 to 4"}},
       {{"sun", "--scale", "4.01", "-o", png}, {"--scale", "1 to 4"}},
@@ -181,6 +236,10 @@ TEST(Render, WrongUseIsOneLineAndNoFile) {
       {{"sun", "--rendering", "flat", "-o", png}, {"--rendering", "full or accented"}},
       {{"all", "-o", folder.path() + "/all", "--size", "170x170"}, {"--size", "--family"}},
       {{"all"}, {"--output", "folder"}},
+      {{"all", "-o", ""}, {"--output", "give a folder"}},
+      {{"all", "-o", "-"}, {"\"-\"", "folder"}},
+      {{"all", "-o", folder.path() + "/a.PNG"}, {"a.PNG", "folder"}},
+      {{"sun", "-o", folder.path() + "/.svg"}, {".png", ".svg"}},
   };
   for (const Case& c : cases) {
     Arguments arguments{"render"};
@@ -238,6 +297,7 @@ TEST(Gallery, WrongUseIsOneLine) {
   const std::string target = folder.path() + "/pictures";
   for (const auto& [arguments, mention] : std::vector<std::pair<Arguments, const char*>>{
            {{}, "DIR"},
+           {{""}, "give a folder"},
            {{target, "--scale", "5"}, "1 to 4"},
            {{target, "--locale", "not a locale"}, "--locale"},
            {{target, "more"}, "\"more\""}}) {

@@ -14,21 +14,35 @@ struct PlacedText {
   std::string text;
   platform::CGRect rect;
   bool isTruncated = false;
+  /// Of its letters, shrunk as they are.
+  double size = 0.0;
 };
+
+/// "10:10 PM - 12:14 AM (+1)"
+inline bool isTime(const std::string& text) {
+  const std::size_t colon = text.find(':');
+  const auto isDigit = [&](std::size_t i) {
+    return i < text.size() && text[i] >= '0' && text[i] <= '9';
+  };
+  return colon != std::string::npos && colon > 0 && isDigit(colon - 1) && isDigit(colon + 1);
+}
 
 inline void collectTexts(const widgets::view::Box& box, std::vector<PlacedText>& texts) {
   if (const auto* const text = std::get_if<widgets::view::Text>(box.node)) {
-    if (!text->text.empty()) texts.push_back({text->text, box.rect, box.isTruncated});
+    if (!text->text.empty()) {
+      texts.push_back({text->text, box.rect, box.isTruncated, box.textStyle.size});
+    }
   }
   for (const auto& child : box.children) collectTexts(child, texts);
 }
 
-/// What is wrong with a layout: texts that lost words but for those that may, texts that overlap,
-/// things outside the widget's panels. Empty when all is well. Half a point is forgiven, as the
-/// layout does.
+/// What is wrong with a layout: texts that lost words but for those that may, times too small to be
+/// read, texts that overlap, things outside the widget's panels. Empty when all is well. Half a
+/// point is forgiven, as the layout does.
 inline std::string faultsOf(const widgets::view::Box& root,
                             const std::vector<std::string>& mayLoseWords) {
   constexpr double kSlack = 0.5;
+  constexpr double kLeastTime = 9.0;
   std::string faults;
   const auto describe = [](const platform::CGRect& r) {
     return "[" + std::to_string(r.x) + "," + std::to_string(r.y) + " " + std::to_string(r.width) +
@@ -41,6 +55,9 @@ inline std::string faultsOf(const widgets::view::Box& root,
     const bool mayLose =
         std::find(mayLoseWords.begin(), mayLoseWords.end(), texts[i].text) != mayLoseWords.end();
     if (texts[i].isTruncated && !mayLose) faults += "truncated: " + texts[i].text + "\n";
+    if (isTime(texts[i].text) && !mayLose && texts[i].size < kLeastTime - 1e-9) {
+      faults += "too small: " + texts[i].text + " " + std::to_string(texts[i].size) + "\n";
+    }
     for (std::size_t j = 0; j < i; ++j) {
       const auto& b = texts[j].rect;
       const double across = std::min(a.x + a.width, b.x + b.width) - std::max(a.x, b.x);

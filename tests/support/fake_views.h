@@ -80,6 +80,10 @@ class Recorder final : public platform::Canvas {
     platform::UIBezierPath path;
     platform::UIColor color;
   };
+  struct Line {
+    platform::UIColor color;
+    platform::Stroke stroke;
+  };
   struct Word {
     std::string text;
     platform::TextStyle style;
@@ -100,8 +104,10 @@ class Recorder final : public platform::Canvas {
   void fill(const platform::UIBezierPath& path, const platform::Paint& paint) override {
     fills.push_back({path.transformed(transform_), std::get<platform::UIColor>(paint)});
   }
-  void stroke(const platform::UIBezierPath&, const platform::Paint&,
-              const platform::Stroke&) override {}
+  void stroke(const platform::UIBezierPath&, const platform::Paint& paint,
+              const platform::Stroke& stroke) override {
+    lines.push_back({std::get<platform::UIColor>(paint), stroke});
+  }
   void drawText(const std::string& text, const platform::TextStyle& style,
                 const platform::UIColor& color, const platform::CGRect& rect) override {
     words.push_back({text, style, color, rect, link_});
@@ -110,6 +116,7 @@ class Recorder final : public platform::Canvas {
   void endLink() override { link_.clear(); }
 
   std::vector<Fill> fills;
+  std::vector<Line> lines;
   std::vector<Word> words;
 
  private:

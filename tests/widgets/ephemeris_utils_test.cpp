@@ -3,8 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 
+#include "adapters/asset_catalog.h"
 #include "ephemeris/constants.h"
+#include "events/ephemeris_utils.h"
 #include "platform/formatters.h"
 #include "test_services.h"
 
@@ -61,8 +64,16 @@ TEST(EphemerisUtils, SunColors) {
       {-18.0, night},        {-90.0, night},
       {NAN, night},
   };
+  adapters::FileAssetCatalog catalog(std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
   for (const Case& c : cases) {
     EXPECT_EQ(EphemerisUtils::sunColor(c.elevation), c.color) << c.elevation;
+    // The events' name for it is the same colour.
+    const platform::NamedColor name = events::EphemerisUtils::colorForSunElevation(c.elevation);
+    for (const auto scheme : {platform::ColorScheme::light, platform::ColorScheme::dark}) {
+      const auto found = catalog.colorNamed(name.name, scheme);
+      ASSERT_TRUE(found) << name.name;
+      EXPECT_EQ(found->withAlpha(name.alpha * found->alpha), c.color) << name.name;
+    }
   }
 }
 

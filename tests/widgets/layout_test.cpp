@@ -225,10 +225,42 @@ TEST(Drawing, ColoursAreThoseOfSchemeAndMode) {
   environment.renderingMode = WidgetRenderingMode::accented;
   environment.accent = {0.9, 0.1, 0.1, 1};
   EXPECT_THAT(colors(environment),
-              ElementsAre(UIColor{1, 1, 1, 1}, UIColor{1, 1, 1, 0.55}, environment.accent,
+              ElementsAre(UIColor{1, 1, 1, 1}, UIColor{1, 1, 1, 0.75}, environment.accent,
                           UIColor{1, 1, 1, 0.4}, UIColor{1, 1, 1, 0.5}, UIColor{1, 1, 1, 1}));
   environment.system = {17, 6};
   EXPECT_EQ(colors(environment)[0], (UIColor{0, 0.5, 0.5, 1}));
+}
+
+TEST(Drawing, AnOutlineStandsBehindItsPicture) {
+  FewAssets assets;
+  assets.colors = {{"line", {0, 0.2, 0.2, 1}}};
+  platform::UIBezierPath ray;
+  ray.moveTo({2, 2});
+  ray.lineTo({8, 8});
+  const platform::UIImage picture{
+      {10, 10},
+      {{platform::UIBezierPath::rect({2, 2, 6, 6}), platform::CurrentColor{}},
+       {ray, {}, platform::CurrentColor{}, {2.0, platform::LineEnds::round, false}}}};
+  assets.images["ray"] = std::make_shared<platform::UIImage>(picture);
+  const UIColor yellow{1, 1, 0, 0.2};
+  const Element view = image("ray", 20) | color(yellow) | outlined(named("line"));
+  const auto drawn = [&](const Environment& environment) {
+    BlockLetters letters;
+    Recorder canvas;
+    draw(view, {20, 20}, environment, letters, assets, canvas);
+    return canvas;
+  };
+  const Recorder full = drawn({});
+  ASSERT_EQ(full.lines.size(), 3u);
+  EXPECT_EQ(full.lines[0].color, (UIColor{0, 0.2, 0.2, 1}));
+  // Half a point on either side of the edge, in a picture at twice its size.
+  EXPECT_EQ(full.lines[0].stroke.width, 0.5);
+  EXPECT_EQ(full.lines[1].stroke.width, 2.5);
+  EXPECT_EQ(full.lines[2].color, yellow);
+  EXPECT_EQ(full.lines[2].stroke.width, 2.0);
+  Environment tinted;
+  tinted.renderingMode = WidgetRenderingMode::accented;
+  EXPECT_EQ(drawn(tinted).lines.size(), 1u);
 }
 
 TEST(Drawing, PicturesAreTurnedAndMirrored) {

@@ -395,10 +395,15 @@ TEST(Contents, GalacticCentre) {
             "<body_always_invisible>");
   // Sunday evening in London is Monday in Auckland.
   data.dateNextVisibility = Instant("2024-09-15T20:00:00Z");
-  const GCVisibilityContent content = gcVisibilityContent(data, WidgetFamily::systemSmall);
-  EXPECT_EQ(content.notVisibleUntil, "Monday, 9/16/24");
-  EXPECT_EQ(content.alwaysInvisible, "");
-  EXPECT_TRUE(content.window.empty());
+  for (const auto& [from, says] :
+       {std::pair(ephemeris::kMjdAlwaysInvisible, "<body_always_invisible>"),
+        std::pair(ephemeris::kMjdNoRiseOrSet, "")}) {
+    data.mjdVisibilityFrom = from;
+    const GCVisibilityContent content = gcVisibilityContent(data, WidgetFamily::systemSmall);
+    EXPECT_EQ(content.notVisibleUntil, "Monday, 9/16/24");
+    EXPECT_EQ(content.alwaysInvisible, says);
+    EXPECT_TRUE(content.window.empty());
+  }
 }
 
 TEST(Contents, MoonlessHours) {

@@ -2,11 +2,16 @@
 
 #include "platform/localized_strings.h"
 #include "widgets/location/location_views.h"
+#include "widgets/text.h"
 #include "widgets/view/style.h"
 
 namespace lumenquest::widgets {
 
 using namespace view;
+using platform::kTableCommon;
+using platform::kTableEphemeris;
+using platform::localizedString;
+using platform::stringWithFormat;
 
 Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool hasBand,
                           double captionSize) {
@@ -21,30 +26,46 @@ Element GCRiseSetTimeView(const GCRiseSetTime& end, WidgetFamily family, bool ha
   const Element azimuth = caption(end.azimuth) | font(captionSize) | monospacedDigits();
   const Element title = caption(end.title) | font(captionSize);
   Elements parts;
+  std::string spoken = spokenTime(end.time);
+  if (!end.azimuth.empty()) {
+    spoken =
+        stringWithFormat(localizedString("spoken_azimuth", kTableEphemeris), {spoken, end.azimuth});
+  }
+  spoken = spokenLine(
+      localizedString(end.isBegin ? "gc_visible_from" : "gc_visible_to", kTableEphemeris), spoken);
   if (hasBand) parts.push_back(band);
   if (isSmall) {
     parts.push_back(vstack({hstack({title, spacer(kGap), azimuth}), time}, 0.0, Alignment::start) |
                     fillWidth());
-    return hstack(std::move(parts), 2.0 * kGap);
+    return hstack(std::move(parts), 2.0 * kGap) | label(spoken);
   }
   parts.insert(parts.end(),
                {title, spacer(kGap), time,
                 hasBand ? azimuth | frameWidth(azimuthColumn, Alignment::end) : azimuth});
-  return hstack(std::move(parts), kGap);
+  return hstack(std::move(parts), kGap) | label(spoken);
 }
 
-Element GalacticCenterNotVisibleUntilView(const std::string& words) {
+Element GalacticCenterNotVisibleUntilView(const GCVisibilityContent& content) {
   constexpr double kIcon = 20.0;
-  return hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentSecondary")),
-                 text(words) | font(kBody) | lineLimit(3) | minScale(kLeastScale)},
-                2.0 * kGap);
+  Elements lines;
+  std::string spoken;
+  for (const std::string& words : {content.alwaysInvisible, content.notVisibleUntil}) {
+    if (words.empty()) continue;
+    lines.push_back(text(words) | font(kBody) | lineLimit(3) | minScale(kLeastScale));
+    spoken += (spoken.empty() ? "" : ". ") + words;
+  }
+  return hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentTertiary")),
+                 vstack(std::move(lines), 0.0, Alignment::start)},
+                2.0 * kGap) |
+         label(spokenLine(localizedString("appwidget_milky_way", kTableCommon), spoken));
 }
 
 Element MoonlessHoursView(const std::string& title, const std::string& hours) {
-  return hstack(
-      {image("moonlessHoursIcon", kSmallIcon) | color(named("contentSecondary")), caption(title),
-       spacer(kGap), body(hours, platform::FontWeight::medium) | monospacedDigits()},
-      kGap);
+  return hstack({image("moonlessHoursIcon", kSmallIcon) | color(named("contentTertiary")),
+                 caption(title), spacer(kGap),
+                 body(hours, platform::FontWeight::medium) | monospacedDigits()},
+                kGap) |
+         label(spokenLine(title, hours));
 }
 
 Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family) {
@@ -59,19 +80,12 @@ Element GCVisibilityView(const GCVisibilityContent& content, WidgetFamily family
       }
       return vstack(std::move(ends), gap, Alignment::start);
     };
-    lines.push_back(firstThatFits(
-        Axis::horizontal,
-        {window(true, kCaption), window(true, kDenseCaption), window(false, kCaption)}));
-  }
-  if (!content.notVisibleUntil.empty()) {
-    lines.push_back(GalacticCenterNotVisibleUntilView(content.notVisibleUntil));
-  }
-  if (!content.alwaysInvisible.empty()) {
-    constexpr double kIcon = 20.0;
     lines.push_back(
-        hstack({image("gcNotVisibleUntilIcon", kIcon) | color(named("contentSecondary")),
-                text(content.alwaysInvisible) | font(kBody) | lineLimit(3) | minScale(kLeastScale)},
-               2.0 * kGap));
+        firstThatFits(Axis::horizontal, {window(true, kCaption), window(true, kDenseCaption),
+                                         window(false, kCaption), window(false, kDenseCaption)}));
+  }
+  if (!content.notVisibleUntil.empty() || !content.alwaysInvisible.empty()) {
+    lines.push_back(GalacticCenterNotVisibleUntilView(content));
   }
   if (!content.moonlessHours.empty()) {
     constexpr double kTopInset = 2.0;
@@ -87,8 +101,7 @@ Element GalacticCenterWidgetEntryView(const GalacticCenterTimelineEntry& entry,
     const GCVisibilityContent content = gcVisibilityContent(entry.data, environment.family);
     return panel(
         vstack({PostalAddressView(entry.data.locationData) | fillWidth(), spacer(),
-                caption(platform::localizedString("appwidget_milky_way", platform::kTableCommon)) |
-                    fillWidth(),
+                caption(localizedString("appwidget_milky_way", kTableCommon)) | fillWidth(),
                 GCVisibilityView(content, environment.family), spacer()},
                kGap, Alignment::start),
         "backgroundPrimary", environment);

@@ -85,10 +85,13 @@ GCVisibilityContent gcVisibilityContent(const GalacticCenterWidgetData& data, Wi
          // A window without an end has no direction there.
          IsInstant(data.mjdVisibilityTo) ? AzimuthText(data.visibilityToAzimuth) : std::string(),
          data.visibilityToAngle}};
-  } else if (data.dateNextVisibility) {
-    content.notVisibleUntil = NextVisibleText(data);
-  } else if (data.mjdVisibilityFrom != 0.0) {  // a record without values says nothing
-    content.alwaysInvisible = localizedString("body_always_invisible", kTableEphemeris);
+  } else {
+    const bool isNever = data.mjdVisibilityFrom == ephemeris::kMjdAlwaysInvisible;
+    const bool hasValues = data.mjdVisibilityFrom != 0.0;
+    if (isNever || (hasValues && !data.dateNextVisibility)) {
+      content.alwaysInvisible = localizedString("body_always_invisible", kTableEphemeris);
+    }
+    if (data.dateNextVisibility) content.notVisibleUntil = NextVisibleText(data);
   }
   if (family == WidgetFamily::systemLarge) {
     content.moonlessHoursTitle = localizedString("night_with_no_moon", kTableEphemeris);

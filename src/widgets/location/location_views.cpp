@@ -1,6 +1,7 @@
 #include "widgets/location/location_views.h"
 
 #include "platform/localized_strings.h"
+#include "widgets/text.h"
 #include "widgets/view/style.h"
 
 namespace lumenquest::widgets {
@@ -24,12 +25,12 @@ Element Message(const Element& icon, const char* key, double size) {
 
 Element LocationServicesDisabledView() {
   constexpr double kIcon = 28.0;
-  return Message(image("disabledLocationIcon", kIcon) | color(named("contentSecondary")),
+  return Message(image("disabledLocationIcon", kIcon) | color(named("contentTertiary")),
                  "location_denied_error_message_ios", kBody);
 }
 
 Element LocationTimeOutView() {
-  return Message(image("location.fill", kCaption) | color(named("contentSecondary")),
+  return Message(image("location.fill", kCaption) | color(named("contentTertiary")),
                  "location_timeout", kBody);
 }
 
@@ -39,33 +40,43 @@ Element PostalAddressView(const LocationWidgetData& data) {
   constexpr double kArrow = 8.0;
   Elements line;
   if (data.isCurrentLocation) {
-    line.push_back(image("location.fill", kArrow) | color(named("contentSecondary")) | mirrored());
+    line.push_back(image("location.fill", kArrow) | color(named("contentTertiary")) | mirrored());
   }
   line.push_back(text(address) | font(kBody, platform::FontWeight::semibold) |
-                 color(named("contentSecondary")) | minScale(kLeastScale));
-  return hstack(std::move(line), kGap);
+                 color(named("contentTertiary")) | minScale(kLeastScale));
+  const Element title = hstack(std::move(line), kGap);
+  if (!data.isCurrentLocation) return title;
+  return title | label(spokenLine(localizedString("my_location", platform::kTableCommon), address));
 }
 
-Element BodyRiseSetTimeView(const BodyRiseSetTime& time, double size) {
+Element BodyRiseSetTimeView(const BodyRiseSetTime& time, double size, const BodyNames& names) {
+  const std::string event =
+      localizedString(time.isRise ? names.rise : names.set, platform::kTableEphemeris);
   return hstack(
-      {image(time.isRise ? "bodyRise" : "bodySet", size) | color(named("contentSecondary")),
-       text(time.text) | font(size) | monospacedDigits() | minScale(kLeastScale)},
-      kGap);
+             {image(time.isRise ? "bodyRise" : "bodySet", size) | color(named("contentTertiary")),
+              text(time.text) | font(size) | monospacedDigits() | minScale(kLeastScale)},
+             kGap) |
+         label(spokenLine(event, spokenTime(time.text)));
 }
 
 Element RiseSetView(double mjdRise, double mjdSet, double mjdTomorrowAt0,
-                    const LocationWidgetData& data) {
+                    const LocationWidgetData& data, const BodyNames& names) {
   const RiseSetContent content = riseSetContent(mjdRise, mjdSet, mjdTomorrowAt0, data);
-  if (!content.sentence.empty()) return caption(content.sentence);
+  if (!content.sentence.empty()) {
+    return caption(content.sentence) |
+           label(spokenLine(localizedString(names.body, platform::kTableCommon), content.sentence));
+  }
   if (content.times.empty()) return nothing();
-  const auto line = [&](double size, double gap) {
-    return hstack({BodyRiseSetTimeView(content.times[0], size), spacer(gap),
-                   BodyRiseSetTimeView(content.times[1], size)});
+  const auto time = [&](std::size_t i, double size) {
+    return BodyRiseSetTimeView(content.times[i], size, names);
   };
-  return firstThatFits(Axis::horizontal, {line(kBody, 2.0 * kGap), line(kCaption, kGap),
-                                          vstack({BodyRiseSetTimeView(content.times[0], kBody),
-                                                  BodyRiseSetTimeView(content.times[1], kBody)},
-                                                 0.0, Alignment::start)});
+  const auto line = [&](double size, double gap) {
+    return hstack({time(0, size), spacer(gap), time(1, size)});
+  };
+  constexpr double kDense = 9.0;
+  return firstThatFits(Axis::horizontal,
+                       {line(kBody, 2.0 * kGap), line(kCaption, kGap), line(kDense, kGap),
+                        vstack({time(0, kBody), time(1, kBody)}, 0.0, Alignment::start)});
 }
 
 Element chosenView(const LocationWidgetData& data, const Environment& environment,

@@ -84,7 +84,10 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
   platform::ImageContext context(box);
   context.save();
   context.clip(UIBezierPath::ellipse(disc));
-  if (const auto moon = platform::Services::current().assets().imageNamed("moon")) {
+  if (auto moon = platform::Services::current().assets().imageNamed("moon")) {
+    if (environment.isTinted()) {
+      moon = std::make_shared<const platform::UIImage>(accentedStyle(*moon, environment.accent));
+    }
     context.save();
     context.concatenate(Turn(whole.center(), static_cast<double>(data.zenithAngle)));
     context.embedImage(moon, disc, {});
@@ -106,29 +109,33 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
                    environment.isTinted() ? environment.accent : palette::kLumenquestYellow,
                    {kRing});
   }
-  return picture(context.image(), size);
+  const Element moon = picture(context.image(), size);
+  const std::string supermoon =
+      platform::localizedString("phase_supermoon", platform::kTableEphemeris);
+  // A full Moon's phase says it already.
+  const bool isSaid = data.moonPhaseString.find(supermoon) != std::string::npos;
+  return data.isSupermoon && !isSaid ? moon | label(supermoon) : moon;
 }
 
 namespace {
 
-/// On one line, or the name above the figures in parentheses, or as it comes.
+/// On one line, or the name above the figures in parentheses, on two lines if it has to be.
 Element Phase(const MoonContent& content) {
   const auto set = [](std::string words, int lines) {
     return text(std::move(words)) | font(kBody) | lineLimit(lines) | minScale(kLeastScale) |
            align(platform::TextAlignment::center);
   };
-  Elements forms{set(content.phase, 1)};
   const std::size_t blank = content.phase.rfind(" (");
-  if (blank != std::string::npos) {
-    forms.push_back(
-        vstack({set(content.phase.substr(0, blank), 1), set(content.phase.substr(blank + 1), 1)}));
-  }
-  forms.push_back(set(content.phase, 2));
-  return firstThatFits(Axis::horizontal, std::move(forms));
+  if (blank == std::string::npos) return set(content.phase, 2);
+  const auto above = [&](int nameLines) {
+    return vstack(
+        {set(content.phase.substr(0, blank), nameLines), set(content.phase.substr(blank + 1), 1)});
+  };
+  return firstThatFits(Axis::horizontal, {set(content.phase, 1), above(1), above(2)});
 }
 
 Element MoonRiseSet(const MoonWidgetData& data) {
-  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData);
+  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData, kMoonNames);
 }
 
 }  // namespace
@@ -138,35 +145,38 @@ Element MoonInfoViewSmall(const MoonWidgetData& data, const Environment& environ
   const auto form = [&](double moon, double gap) {
     return vstack({PostalAddressView(data.locationData) | fillWidth(), spacer(),
                    MoonIconView(data, moon, environment) | fillWidth(Alignment::center), spacer(),
-                   Phase(content) | fillWidth(Alignment::center), MoonRiseSet(data)},
+                   Phase(content) | fillWidth(Alignment::center),
+                   MoonRiseSet(data) | fillWidth(Alignment::center)},
                   gap, Alignment::start);
   };
   // The more lines there are under it, the smaller the Moon.
   constexpr double kDenseGap = 2.0;
-  return firstThatFits(Axis::vertical,
-                       {form(62.0, kGap), form(50.0, kGap), form(38.0, kGap), form(38.0, kDenseGap),
-                        form(31.0, kDenseGap), form(24.0, kDenseGap)});
+  return firstThatFits(Axis::vertical, {form(62.0, kGap), form(50.0, kGap), form(38.0, kGap),
+                                        form(38.0, kDenseGap), form(31.0, kDenseGap)});
 }
 
 Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidgetData& gcData,
                            const Environment& environment) {
   constexpr double kMoon = 76.0;
   const MoonContent content = moonContent(data, &gcData, environment.family);
-  // In the large family the place's title stands above already.
-  const Element heading =
-      environment.family == WidgetFamily::systemLarge
-          ? caption(platform::localizedString("appwidget_milky_way", platform::kTableCommon))
-          : PostalAddressView(data.locationData);
+  // Or the Moon itself would seem to be meant.
+  const Element window =
+      vstack({caption(platform::localizedString("appwidget_milky_way", platform::kTableCommon)) |
+                  fillWidth(),
+              GCVisibilityView(*content.galacticCenter, environment.family)},
+             kGap / 2.0, Alignment::start);
   const Element moon = vstack({MoonIconView(data, kMoon, environment), Phase(content)}, 1.5 * kGap);
-  const Element table = vstack({heading | fillWidth(), spacer(),
-                                GCVisibilityView(*content.galacticCenter, environment.family),
-                                spacer(), divider(), MoonRiseSet(data)},
-                               1.5 * kGap, Alignment::start) |
-                        fillWidth();
+  Elements lines;
+  // In the large family the place's title stands above already.
+  if (environment.family != WidgetFamily::systemLarge) {
+    lines.push_back(PostalAddressView(data.locationData) | fillWidth());
+  }
+  lines.insert(lines.end(), {spacer(), window, spacer(), divider(), MoonRiseSet(data)});
+  const Element table = vstack(std::move(lines), 1.5 * kGap, Alignment::start) | fillWidth();
   const auto columns = [&](double moonColumn, double gap) {
     return hstack({moon | frameWidth(moonColumn) | fillHeight(Alignment::center), table}, gap);
   };
-  return fromWidth(kRoomyWidth, columns(100.0, kContentInset), columns(kMoon, 2.0 * kGap));
+  return fromWidth(kRoomyWidth, columns(100.0, kContentInset), columns(kMoon + 2.0 * kGap, kGap));
 }
 
 Element MoonWidgetEntryView(const MoonTimelineEntry& entry, const Environment& environment) {

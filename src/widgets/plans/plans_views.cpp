@@ -14,7 +14,7 @@ Element Row(const PlanRow& row, int nameLines) {
   constexpr double kBar = 3.0;
   constexpr double kBarHeight = 26.0;
   const Element texts = vstack({text(row.name) | font(kBody) | minScale(0.9) | lineLimit(nameLines),
-                                text(row.date) | font(kBody) | color(named("contentSecondary")) |
+                                text(row.date) | font(kBody) | color(named("contentTertiary")) |
                                     monospacedDigits() | minScale(kLeastScale)},
                                1.0, Alignment::start);
   const Element line =
@@ -28,8 +28,8 @@ Element Row(const PlanRow& row, int nameLines) {
 
 Element PlansWidgetEntryView(const PlansTimelineEntry& entry, const Environment& environment) {
   const PlansContent content = plansContent(entry, environment.family);
-  Elements lines{hstack({image("plansIcon", kTitle) | color(named("contentSecondary")),
-                         text(content.title) | font(kTitle) | color(named("contentSecondary")) |
+  Elements lines{hstack({image("plansIcon", kTitle) | color(named("contentTertiary")),
+                         text(content.title) | font(kTitle) | color(named("contentTertiary")) |
                              minScale(kLeastScale)},
                         kGap) |
                  fillWidth()};

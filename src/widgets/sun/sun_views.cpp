@@ -1,10 +1,12 @@
 #include "widgets/sun/sun_views.h"
 
 #include "platform/assertion.h"
+#include "platform/localized_strings.h"
 #include "widgets/deep_links.h"
 #include "widgets/location/location_views.h"
 #include "widgets/moon/moon_views.h"
 #include "widgets/palette.h"
+#include "widgets/text.h"
 #include "widgets/view/style.h"
 
 namespace lumenquest::widgets {
@@ -18,7 +20,7 @@ Element LightNow(const SunContent& content, double haloSize) {
   constexpr double kHaloOpacity = 0.14;
   const double halo = content.iconSize * haloSize;
   // The faint Sun of the night would be lost on a light panel.
-  constexpr platform::UIColor kNightSky{0.11, 0.17, 0.33, 0.4};
+  constexpr platform::UIColor kNightSky{0.11, 0.17, 0.33, 0.25};
   const platform::UIColor glow =
       content.sunColor == palette::kNight ? kNightSky : content.sunColor.withAlpha(kHaloOpacity);
   return vstack({zstack({shape(glow, halo) | accented() | frame(halo, halo),
@@ -30,10 +32,15 @@ Element LightNow(const SunContent& content, double haloSize) {
 
 Element NextLight(const SunContent& content) {
   if (content.nextLight.empty()) return nothing();
+  const std::string spoken = platform::stringWithFormat(
+      platform::localizedString("spoken_next_light", platform::kTableEphemeris),
+      {spokenTime(content.nextLight)});
   const auto line = [&](double size, int lines) {
-    return hstack({image("nextLightIcon", kSmallIcon) | color(named("contentSecondary")),
-                   caption(content.nextLight) | font(size) | lineLimit(lines) | monospacedDigits()},
-                  kGap);
+    return hstack({image("nextLightIcon", kSmallIcon) | color(named("contentTertiary")),
+                   caption(content.nextLight) | font(size) | lineLimit(lines) | minScale(0.9) |
+                       monospacedDigits()},
+                  kGap) |
+           label(spoken);
   };
   // The time stands last, and is what must not be left out.
   return firstThatFits(Axis::horizontal,
@@ -41,27 +48,38 @@ Element NextLight(const SunContent& content) {
 }
 
 Element RiseSet(const SunLightWidgetData& data) {
-  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData);
+  return RiseSetView(data.mjdRise, data.mjdSet, data.mjdTomorrowAt0, data.locationData, kSunNames);
 }
+
+/// The colours of light are the sky's: by day one hardly stands out from a light panel, in the
+/// night from a dark one.
+Modifier OnAnyGround() { return outlined(named("contentTertiary")); }
 
 }  // namespace
 
 Element SunIconView(const platform::UIColor& sunColor, double size) {
-  return image("sunIcon", size) | color(sunColor) | accented();
+  return image("sunIcon", size) | color(sunColor) | accented() | OnAnyGround();
 }
 
 Element LightTypeIconView(const platform::UIColor& sunColor, double size) {
-  return image("lightTypeIcon", size) | color(sunColor) | accented();
+  return image("lightTypeIcon", size) | color(sunColor) | accented() | OnAnyGround();
 }
 
-Element LightTypeView(const LightTypeRow& row, double size) {
-  return hstack(
-      {LightTypeIconView(row.fillColor, size - 2.0),
-       text(row.title) | font(size) | color(named("contentSecondary")) | minScale(kLeastScale),
-       spacer(kGap),
-       text(row.interval) | font(size, platform::FontWeight::medium) | monospacedDigits() |
-           minScale(kLeastScale)},
-      kGap);
+Element LightTypeView(const LightTypeRow& row, double size, bool isOnTwoLines) {
+  const Element marker = LightTypeIconView(row.fillColor, size - 2.0);
+  const Element title =
+      text(row.title) | font(size) | color(named("contentTertiary")) | minScale(kLeastScale);
+  const Element interval =
+      text(row.interval) | font(size, platform::FontWeight::medium) | monospacedDigits();
+  const std::string spoken =
+      row.interval == kNoInterval
+          ? platform::localizedString("event_no_rise_set", platform::kTableEphemeris)
+          : row.interval;
+  const Element line = isOnTwoLines
+                           ? hstack({marker, vstack({title, interval}, 0.0, Alignment::start)},
+                                    kGap, Alignment::start)
+                           : hstack({marker, title, spacer(kGap), interval}, kGap);
+  return line | label(spokenLine(row.title, spoken));
 }
 
 Element SunInfoViewSmall(const SunLightWidgetData& sunData) {
@@ -84,16 +102,19 @@ Element SunInfoViewMedium(const SunLightWidgetData& sunData, WidgetFamily family
   const SunContent content = sunContent(sunData, family);
   Elements lines{PostalAddressView(sunData.locationData) | fillWidth(), spacer()};
   // Rows are a table: all in the same size, be one of them too long for the largest.
-  const auto rows = [&](double size) {
+  const auto rows = [&](double size, bool areOnTwoLines) {
     Elements elements;
-    for (const LightTypeRow& row : content.rows) elements.push_back(LightTypeView(row, size));
-    return vstack(std::move(elements), 1.5 * kGap, Alignment::start);
+    for (const LightTypeRow& row : content.rows) {
+      elements.push_back(LightTypeView(row, size, areOnTwoLines));
+    }
+    return vstack(std::move(elements), areOnTwoLines ? 1.0 : 1.5 * kGap, Alignment::start);
   };
   constexpr double kDense = 9.0;
   // Three rows are much to read, two may speak up.
-  lines.push_back(
-      firstThatFits(Axis::horizontal, {rows(family == WidgetFamily::systemLarge ? kBody : kTitle),
-                                       rows(kBody), rows(kCaption), rows(kDense)}));
+  lines.push_back(firstThatFits(
+      Axis::horizontal,
+      {rows(family == WidgetFamily::systemLarge ? kBody : kTitle, false), rows(kBody, false),
+       rows(kCaption, false), rows(kDense, false), rows(kDense, true)}));
   lines.insert(lines.end(),
                {spacer(), divider(), NextLight(content) | fillWidth(), RiseSet(sunData)});
   const auto columns = [&](double halo, double iconColumn, double gap, double lineGap) {
@@ -102,7 +123,8 @@ Element SunInfoViewMedium(const SunLightWidgetData& sunData, WidgetFamily family
                   gap);
   };
   return fromWidth(kRoomyWidth, columns(1.55, 100.0, kContentInset, 1.5 * kGap),
-                   columns(1.2, 76.0, 2.0 * kGap, kGap));
+                   firstThatFits(Axis::vertical, {columns(1.2, 76.0, 2.0 * kGap, kGap),
+                                                  columns(1.2, 76.0, 2.0 * kGap, 1.0)}));
 }
 
 Element SunInfoViewLarge(const SunLightWidgetData& sunData, const MoonWidgetData& moonData,

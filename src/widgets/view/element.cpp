@@ -145,6 +145,12 @@ Modifier mirrored() {
   };
 }
 
+Modifier outlined(Color color) {
+  return [color = std::move(color)](const Element& element) {
+    return Changed<Image>(element, [&](Image& image) { image.outline = color; });
+  };
+}
+
 Modifier padding(Insets insets) {
   return [=](const Element& element) { return Element(Padding{insets, element}); };
 }

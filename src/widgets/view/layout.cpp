@@ -306,6 +306,20 @@ void Mirror(Box& box, double width) {
   for (Box& child : box.children) Mirror(child, width);
 }
 
+/// A picture's shapes, wider by a thin line all around. `unit`: a point in the picture's units.
+platform::UIImage Outline(const platform::UIImage& picture, double unit) {
+  constexpr double kWidth = 0.5;
+  platform::UIImage outline{picture.size, {}};
+  for (const platform::PictureShape& shape : picture.shapes) {
+    const double own = shape.strokePaint ? shape.stroke.width : 0.0;
+    outline.shapes.push_back({shape.path,
+                              {},
+                              platform::CurrentColor{},
+                              {own + 2.0 * kWidth * unit, shape.stroke.ends, true}});
+  }
+  return outline;
+}
+
 class Painter {
  public:
   Painter(platform::Canvas& canvas, const Environment& environment, platform::AssetCatalog& assets)
@@ -340,6 +354,10 @@ class Painter {
                             .then(platform::CGAffineTransform::rotation(
                                 image.rotation * 3.14159265358979323846 / 180.0))
                             .then(platform::CGAffineTransform::translation(center.x, center.y)));
+    if (image.outline && !environment_.isTinted()) {
+      canvas_.drawImage(Outline(*found, found->size.width / box.rect.width), box.rect,
+                        Resolved(*image.outline, false));
+    }
     canvas_.drawImage(*found, box.rect, Resolved(image.color, image.isAccented));
     canvas_.restore();
   }
@@ -395,8 +413,8 @@ class Painter {
   }
 
   static double TintedOpacity(const std::string& name) {
-    if (name == "contentSecondary") return 0.75;
-    if (name == "contentTertiary" || name == "borderPrimary") return 0.55;
+    if (name == "contentTertiary") return 0.75;
+    if (name == "borderPrimary") return 0.55;
     return 1.0;
   }
 

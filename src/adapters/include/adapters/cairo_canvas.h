@@ -26,6 +26,8 @@ class CairoCanvas final : public platform::Canvas {
               const platform::Stroke& stroke) override;
   void drawText(const std::string& text, const platform::TextStyle& style,
                 const platform::UIColor& color, const platform::CGRect& rect) override;
+  /// Its pixels are kept for the next canvas, a megabyte of them in all.
+  void drawEmbedded(const platform::EmbeddedImage& embedded) override;
 
   /// Calls with each row of pixels, from above: 0xAARRGGBB, colours multiplied by alpha. Ends all
   /// saves. Throws as pngBytes().
@@ -36,6 +38,9 @@ class CairoCanvas final : public platform::Canvas {
 
  private:
   struct Surface;
+  class PixelCache;
+
+  explicit CairoCanvas(std::unique_ptr<Surface> surface);
 
   bool DrawsNothing() const;
   void EndClips();

@@ -14,6 +14,8 @@ namespace lumenquest::adapters {
 
 /// Whether two names are the same to a search: without case, accents and punctuation.
 bool isSameName(const std::string& a, const std::string& b);
+/// Whether a name goes on from a beginning, compared in the same way.
+bool isBeginningOfName(const std::string& beginning, const std::string& name);
 
 /// The gazetteer's file is missing, damaged or of another version. what() is one line for the log.
 struct GazetteerError : std::runtime_error {

@@ -58,9 +58,11 @@ class SvgCanvas final : public platform::Canvas {
   void Pop();
   void End(Kind kind);
   void WriteOpenTags();
-  /// Decimals that are finer than a thousandth of a point at the scale inside.
-  int Decimals() const;
-  std::string PathData(const platform::UIBezierPath& path) const;
+  /// Decimals that round by a hundredth of a point at most, a thirtieth of the finest pixels, in
+  /// coordinates that are so much larger than those around.
+  int Decimals(double innerScale = 1.0) const;
+  /// The beginning of the element that has this outline; empty for one without points.
+  static std::string Outline(const platform::UIBezierPath& path, int decimals);
   /// The attributes of a paint for "fill" or "stroke"; empty for one that shows nothing.
   std::string PaintAttributes(const std::string& name, const platform::Paint& paint);
   /// The id of a definition, which is kept once however often it is used.

@@ -11,6 +11,15 @@
 
 namespace lumenquest::app {
 
+/// A word that the shell can put in the place of a beginning, and what it means.
+struct Suggestion {
+  std::string word;
+  std::string meaning;
+};
+
+/// The words that go on from a beginning.
+using Suggestions = std::function<std::vector<Suggestion>(const std::string& beginning)>;
+
 /// An option or argument of a command: the keys of its help and of what would be right for it.
 struct OptionSpec {
   /// As in "--latitude" or "-o,--output"; a positional argument has no dashes.
@@ -22,6 +31,13 @@ struct OptionSpec {
   const char* expectationKey;
   /// Where a value goes: the last one given, whether the flag was given, or all arguments.
   std::variant<OptionText*, bool*, std::vector<std::string>*> value;
+  /// What the shell offers as values. Empty: the choices that `valueName` lists, files for FILE and
+  /// folders for DIR.
+  Suggestions suggestions{};
+
+  bool isFlag() const { return std::holds_alternative<bool*>(value); }
+  bool isList() const { return std::holds_alternative<std::vector<std::string>*>(value); }
+  bool isPositional() const { return name[0] != '-'; }
 };
 
 /// What a command says of itself: keys of its texts.
@@ -29,6 +45,16 @@ struct CommandHelp {
   const char* usageKey;
   const char* helpKey;
   const char* examplesKey;
+};
+
+/// A command, or a group of them, as the manual and the shell's completion need it.
+struct CommandOutline {
+  std::string name;
+  /// "lumenquest plans add"
+  std::string path;
+  CommandHelp help;
+  std::vector<OptionSpec> options;
+  std::vector<CommandOutline> commands;
 };
 
 /// The commands with their options, in the user's language. Each part of the application adds its
@@ -64,6 +90,13 @@ class CommandSet {
 
   /// Reads the arguments and does what they ask for. Throws as the actions do.
   std::string Run(const std::vector<std::string>& arguments);
+
+  /// Whether the commands and options exist and have their values, nothing done. Throws UsageError
+  /// when not; what an action alone can judge is not.
+  void Check(const std::vector<std::string>& arguments);
+
+  /// All commands, from the program itself on.
+  CommandOutline outline() const;
 
  private:
   class Implementation;

@@ -15,6 +15,9 @@ void addPlacesCommands(CommandSet& commands);
 /// there is none, or when several places bear the name; then the message lists them.
 platform::CLPlacemark resolvePlace(const std::string& text, const std::string& locale);
 
+/// "Chamonix-Mont-Blanc, Auvergne-Rhône-Alpes, France": enough to find the same place again.
+std::string fullName(const platform::CLPlacemark& place);
+
 /// The options by which a place is named: by --place, or by its coordinate.
 struct PlaceOptions {
   OptionText place;

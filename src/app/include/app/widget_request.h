@@ -12,6 +12,8 @@ namespace lumenquest::app {
 /// The options by which a host's request to a widget is made.
 struct WidgetOptions {
   OptionText kind;
+  /// Whether the command takes "all" in place of a kind.
+  bool mayBeAll = false;
   OptionText family;
   PlaceOptions place;
   bool myLocation = false;

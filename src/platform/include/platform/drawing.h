@@ -186,9 +186,12 @@ class Canvas {
 
   /// A picture scaled into a box. `color` is that of its CurrentColor shapes.
   void drawImage(const UIImage& image, const CGRect& rect, const UIColor& color);
+  /// A picture that others share; a canvas may keep what it made of it.
+  virtual void drawEmbedded(const EmbeddedImage& embedded);
 
- private:
-  void DrawShapes(const UIImage& image, const UIColor& color);
+ protected:
+  /// In the picture's own coordinates.
+  void drawShapes(const UIImage& image, const UIColor& color);
 };
 
 /// Records what is drawn as a picture; texts are a programming error.

@@ -15,4 +15,9 @@ platform::NSTimeZone zoneOf(const LocationWidgetData& data);
 /// mark when it lies after the day shown.
 std::string eventTimeText(double mjd, double mjdTomorrowAt0, const LocationWidgetData& data);
 
+/// For those who listen: a value with what it is.
+std::string spokenLine(const std::string& heading, const std::string& value);
+/// ... and a text of eventTimeText() or one that ends in it, without the mark of the next day.
+std::string spokenTime(const std::string& text);
+
 }  // namespace lumenquest::widgets

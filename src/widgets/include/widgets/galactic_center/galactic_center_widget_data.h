@@ -46,13 +46,13 @@ struct GCRiseSetTime {
   double bandTilt = 0.0;
 };
 
-/// What the galactic centre's views show: one of window, notVisibleUntil and alwaysInvisible, or
-/// none for a record without values.
+/// What the galactic centre's views show: the window, or else that there is none, and when there
+/// will be; nothing for a record without values.
 struct GCVisibilityContent {
   std::vector<GCRiseSetTime> window;
+  std::string alwaysInvisible;
   /// When it can be seen next.
   std::string notVisibleUntil;
-  std::string alwaysInvisible;
   /// In the large family alone.
   std::string moonlessHoursTitle;
   std::string moonlessHours;

@@ -33,8 +33,9 @@ view::Element SunInfoViewLarge(const SunLightWidgetData& sunData, const MoonWidg
                                const GalacticCenterWidgetData& gcData,
                                const view::Environment& environment);
 
-/// A row of an interval: its mark, title and times; `size` is that of its letters.
-view::Element LightTypeView(const LightTypeRow& row, double size);
+/// A row of an interval: its mark, title and times, beside each other or one below the other;
+/// `size` is that of its letters.
+view::Element LightTypeView(const LightTypeRow& row, double size, bool isOnTwoLines);
 /// The Sun in the colour of its elevation.
 view::Element SunIconView(const platform::UIColor& sunColor, double size);
 view::Element LightTypeIconView(const platform::UIColor& sunColor, double size);

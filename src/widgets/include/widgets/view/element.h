@@ -75,6 +75,8 @@ struct Image {
   /// Turned round where people read from right to left.
   bool isMirrored = false;
   bool isAccented = false;
+  /// Of a thin line around a picture that is a mere shape; a host that tints has none.
+  std::optional<Color> outline{};
 };
 
 /// A picture made for this view.
@@ -201,6 +203,8 @@ Modifier accented();
 /// Degrees, clockwise.
 Modifier rotated(double degrees);
 Modifier mirrored();
+/// For a shape in a colour that its ground may swallow.
+Modifier outlined(Color color);
 
 // Of anything.
 

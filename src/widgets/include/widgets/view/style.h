@@ -34,6 +34,9 @@ Element panel(const Element& content, const char* colorName, const Environment& 
 /// A widget on its background, which the host draws where it tints.
 Element widgetBackground(const Element& content, const Environment& environment);
 
+/// A picture as a host shows it that tints: its lights and shades in those of one colour.
+platform::UIImage accentedStyle(const platform::UIImage& picture, const platform::UIColor& accent);
+
 /// A line of small text.
 Element caption(std::string text);
 /// A line that a widget is about.

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/command_set.h"
+
+namespace lumenquest::app {
+
+// Values that the shell offers for options of several commands.
+
+/// Places that can follow --place, best known first; none before the second letter.
+std::vector<Suggestion> suggestPlaces(const std::string& beginning);
+/// The zones of the time-zone database that a place has.
+std::vector<Suggestion> suggestTimeZones(const std::string& beginning);
+/// The languages that there are words in.
+std::vector<Suggestion> suggestLocales(const std::string& beginning);
+std::vector<Suggestion> suggestKinds(const std::string& beginning);
+
+}  // namespace lumenquest::app

@@ -1,0 +1,77 @@
+#include <gtest/gtest.h>
+
+#include "command_fixture.h"
+
+namespace lumenquest::testing {
+namespace {
+
+/// The words offered, without their meanings.
+std::vector<std::string> Offered(std::vector<std::string> words) {
+  words.insert(words.begin(), "complete");
+  const Result result = Call(words);
+  EXPECT_EQ(result.code, app::kExitSuccess) << result.err;
+  std::vector<std::string> offered;
+  std::istringstream lines(result.out);
+  for (std::string line; std::getline(lines, line);) {
+    offered.push_back(line.substr(0, line.find('\t')));
+  }
+  return offered;
+}
+
+using Words = std::vector<std::string>;
+
+TEST(Completion, OffersWhatCanFollow) {
+  const struct {
+    const char* name;
+    Words words;
+    Words offered;
+  } cases[] = {
+      {"a command", {"ren"}, {"render"}},
+      {"a command of a group", {"places", "s"}, {"search"}},
+      {"no command where one stands", {"places", "search", "s"}, {}},
+      {"a kind, however it is written", {"render", "s"}, {"SunWidget"}},
+      {"what only one command takes", {"render", "al"}, {"all"}},
+      {"an option", {"render", "sun", "--sch"}, {"--scheme"}},
+      {"an option once", {"render", "sun", "--scheme", "dark", "--sch"}, {}},
+      {"... also when it was written with its value", {"render", "--scheme=dark", "--sch"}, {}},
+      {"its choices", {"render", "--scheme", ""}, {"light", "dark"}},
+      {"its choices in the same word", {"render", "--scheme=d"}, {"--scheme=dark"}},
+      {"none for a value that is free", {"today", "--latitude", ""}, {}},
+      {"an argument behind options",
+       {"render", "--my-location", "--at", "x", "mo"},
+       {"MoonWidget"}},
+      {"a file for a short option", {"render", "sun", "-o", ""}, {":files"}},
+      {"a folder", {"gallery", ""}, {":folders"}},
+      {"no second argument where one is all", {"gallery", "x", ""}, {}},
+      {"a zone", {"today", "--time-zone", "europe/lj"}, {"Europe/Ljubljana"}},
+      {"a language", {"today", "--locale", "j"}, {"ja"}},
+      {"a setting", {"settings", "get", "global_c"}, {"global_coordinate_system"}},
+      {"nothing for what is no option", {"today", "--nonsense=x"}, {}},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Offered(c.words), c.offered) << c.name;
+  EXPECT_EQ(Offered({}), Offered({""}));
+}
+
+TEST(Completion, OffersPlacesThatTheCommandUnderstands) {
+  const Words places = Offered({"today", "--place", "chamonix-m"});
+  ASSERT_EQ(places.size(), 1u);
+  EXPECT_TRUE(places[0].starts_with("Chamonix-Mont-Blanc, "));
+  EXPECT_EQ(Call({"today", "--place", places[0]}).code, app::kExitSuccess);
+  EXPECT_EQ(Offered({"today", "--place", "malaga, and"}).size(), 1u);
+  EXPECT_TRUE(Offered({"today", "--place", "m"}).empty());
+}
+
+TEST(Completion, OffersPlansByIdentifier) {
+  DataFolder data;
+  ASSERT_EQ(Call({"plans", "add", "Tab\there", "--date", "2027-05-08 23:30", "--latitude", "46",
+                  "--longitude", "14", "--time-zone", "Europe/Ljubljana"})
+                .code,
+            app::kExitSuccess);
+  const Words plans = Offered({"plans", "remove", ""});
+  ASSERT_EQ(plans.size(), 1u);
+  EXPECT_EQ(Offered({"plans", "remove", plans[0], ""}), plans) << "several may be given";
+  EXPECT_EQ(Call({"plans", "remove", plans[0]}).code, app::kExitSuccess);
+}
+
+}  // namespace
+}  // namespace lumenquest::testing
