@@ -9,6 +9,7 @@
 
 #include "adapters/rfc3339.h"
 #include "host/record_fields.h"
+#include "host/widget_summary.h"
 #include "widgets/text.h"
 
 namespace lumenquest::app {
@@ -111,6 +112,18 @@ nlohmann::ordered_json entryJson(const host::AnyEntry& entry) {
         return json;
       },
       entry);
+}
+
+nlohmann::ordered_json widgetJson(const host::ShownWidget& shown) {
+  const host::PlacedWidget& widget = shown.widget;
+  return {{"id", widget.id},
+          {"kind", widget.kind},
+          {"family", host::familyName(widget.family)},
+          {"state", host::stateOf(shown.entry)},
+          {"text", host::summaryOf(shown.entry)},
+          {"details", host::detailsOf(shown.entry, widget.family)},
+          {"date", adapters::formatRfc3339(host::dateOf(shown.entry))},
+          {"reload", adapters::formatRfc3339(shown.reloadDate)}};
 }
 
 nlohmann::ordered_json reloadJson(const widgets::TimelineReloadPolicy& policy) {

@@ -1,6 +1,9 @@
 #include "app/home_command.h"
 
 #include <gio/gio.h>
+#include <glib-unix.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -11,7 +14,6 @@
 
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
-#include "adapters/rfc3339.h"
 #include "adapters/shared_text_file.h"
 #include "app/entry_output.h"
 #include "app/home_host.h"
@@ -19,7 +21,6 @@
 #include "app/suggestions.h"
 #include "app/table.h"
 #include "app/widget_picture.h"
-#include "host/widget_summary.h"
 #include "platform/localized_strings.h"
 #include "widgets/view/style.h"
 
@@ -204,15 +205,8 @@ class Exporter {
     for (const ShownWidget& shown : all) {
       if (shown.isPlaceholder) continue;
       files.insert(FileOf(shown));
-      widgets.push_back({{"id", shown.widget.id},
-                         {"kind", shown.widget.kind},
-                         {"family", host::familyName(shown.widget.family)},
-                         {"file", FileOf(shown)},
-                         {"date", adapters::formatRfc3339(host::dateOf(shown.entry))},
-                         {"reload", adapters::formatRfc3339(shown.reloadDate)},
-                         {"state", host::stateOf(shown.entry)},
-                         {"text", host::summaryOf(shown.entry)},
-                         {"details", host::detailsOf(shown.entry, shown.widget.family)}});
+      widgets.push_back(widgetJson(shown));
+      widgets.back()["file"] = FileOf(shown);
     }
     writePicture(
         (folder_ / kList).string(),
@@ -270,19 +264,28 @@ std::string Export(const HomeCommandOptions& options) {
   return "";
 }
 
-/// A line for status bars, whose modules take "text", "tooltip" and "class".
+std::string Markup(const std::string& text) {
+  gchar* const escaped = g_markup_escape_text(text.c_str(), static_cast<gssize>(text.size()));
+  std::string markup = escaped;
+  g_free(escaped);
+  return markup;
+}
+
+/// A line for status bars, whose modules take "text", "tooltip" and "class". The texts are
+/// markup there: a plan called "Sun & Moon" would not be shown at all.
 std::string WaybarLine(const std::vector<ShownWidget>& all, const Chosen& chosen) {
   std::string text;
   std::string tooltip;
   Json classes = Json::array();
   for (const ShownWidget& shown : all) {
     if (!chosen.holds(shown.widget.id) || shown.isPlaceholder) continue;
-    text += (text.empty() ? "" : "  ") + host::summaryOf(shown.entry);
-    tooltip += (tooltip.empty() ? "" : "\n\n") + host::detailsOf(shown.entry, shown.widget.family);
-    classes.push_back(shown.widget.id);
-    const std::string state = host::stateOf(shown.entry);
-    if (std::find(classes.begin(), classes.end(), state) == classes.end()) {
-      classes.push_back(state);
+    const Json widget = widgetJson(shown);
+    text += (text.empty() ? "" : "  ") + Markup(widget["text"]);
+    tooltip += (tooltip.empty() ? "" : "\n\n") + Markup(widget["details"]);
+    for (const char* const name : {"id", "state"}) {
+      if (std::find(classes.begin(), classes.end(), widget[name]) == classes.end()) {
+        classes.push_back(widget[name]);
+      }
     }
   }
   return Json{{"text", text}, {"tooltip", tooltip}, {"class", classes}}.dump(
@@ -290,14 +293,38 @@ std::string WaybarLine(const std::vector<ShownWidget>& all, const Chosen& chosen
 }
 
 std::string EntryLine(const ShownWidget& shown) {
-  return Json{{"id", shown.widget.id},
-              {"kind", shown.widget.kind},
-              {"family", host::familyName(shown.widget.family)},
-              {"text", host::summaryOf(shown.entry)},
-              {"entry", entryJson(shown.entry)},
-              {"reload", adapters::formatRfc3339(shown.reloadDate)}}
-      .dump(-1, ' ', false, Json::error_handler_t::replace);
+  Json line = widgetJson(shown);
+  line["entry"] = entryJson(shown.entry);
+  return line.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
+
+/// Whether whoever reads the standard output has gone. A bar that is started anew would otherwise
+/// leave its watchers behind until they have something to say.
+class ReaderWatch {
+ public:
+  ReaderWatch() {
+    const auto gone = [](gint, GIOCondition, gpointer self) -> gboolean {
+      static_cast<ReaderWatch*>(self)->isGone_ = true;
+      static_cast<ReaderWatch*>(self)->source_ = 0;
+      return G_SOURCE_REMOVE;
+    };
+    struct stat status {};
+    const bool isPipe = ::fstat(STDOUT_FILENO, &status) == 0 &&
+                        (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode));
+    if (isPipe) source_ = g_unix_fd_add(STDOUT_FILENO, G_IO_ERR, gone, this);
+  }
+  ~ReaderWatch() {
+    if (source_ != 0) g_source_remove(source_);
+  }
+  ReaderWatch(const ReaderWatch&) = delete;
+  ReaderWatch& operator=(const ReaderWatch&) = delete;
+
+  bool isGone() const { return isGone_; }
+
+ private:
+  bool isGone_ = false;
+  unsigned source_ = 0;
+};
 
 std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
   const std::string format = options.format.value_or("jsonl");
@@ -323,12 +350,13 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
       isLineDue = true;
     }
   });
+  const ReaderWatch reader;
   home.run([&] {
     if (std::exchange(isLineDue, false)) {
       out << WaybarLine(home.scheduler().shown(), chosen) << '\n' << std::flush;
     }
     const bool isOnceDone = options.once && fresh.size() == home.scheduler().shown().size();
-    return !out.good() || isOnceDone;
+    return reader.isGone() || !out.good() || isOnceDone;
   });
   return "";
 }

@@ -14,6 +14,7 @@
 #include "adapters/icu_services.h"
 #include "adapters/svg_canvas.h"
 #include "adapters/xdg_file_manager.h"
+#include "app/entry_output.h"
 #include "app/widget_picture.h"
 #include "host/home_site.h"
 #include "host/web_server.h"
@@ -108,17 +109,31 @@ void serveHome(const HomeOptions& options, const OptionText& listen, std::ostrea
 
   std::optional<host::WebServer> server;
   host::HomeSiteOptions siteOptions;
-  siteOptions.drawWidget = [&](const host::ShownWidget& shown, platform::ColorScheme scheme,
-                               const std::string& idPrefix) {
+  const auto draw = [&](const host::ShownWidget& shown, platform::ColorScheme scheme,
+                        PictureFormat format, PictureOptions picture) {
     view::Environment own = environment;
     own.family = shown.widget.family;
     own.colorScheme = scheme;
     const view::Element element = host::viewOf(shown.entry, own);
-    const platform::CGSize size = view::sizeOf(own.family);
-    adapters::SvgCanvas canvas(size, idPrefix);
-    drawWidget(element, size, own, canvas);
-    return canvas.document(host::configurationOf(shown.widget.kind)->displayName,
-                           view::descriptionOf(element));
+    picture.size = view::sizeOf(own.family);
+    return pictureOf(element, own, format, picture);
+  };
+  siteOptions.drawWidget = [&](const host::ShownWidget& shown, platform::ColorScheme scheme,
+                               const std::string& idPrefix) {
+    PictureOptions picture;
+    picture.title = host::configurationOf(shown.widget.kind)->displayName;
+    picture.idPrefix = idPrefix;
+    return draw(shown, scheme, PictureFormat::svg, picture);
+  };
+  siteOptions.drawPng = [&](const host::ShownWidget& shown, platform::ColorScheme scheme,
+                            double scale) {
+    PictureOptions picture;
+    picture.scale = scale;
+    return draw(shown, scheme, PictureFormat::png, picture);
+  };
+  siteOptions.writeRecord = [](const host::ShownWidget& shown) {
+    return widgetJson(shown).dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) +
+           "\n";
   };
   siteOptions.drawImage = [](const platform::UIImage& image) {
     adapters::SvgCanvas canvas(image.size, "i");

@@ -1,11 +1,13 @@
 #include "host/home_site.h"
 
+#include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <variant>
 
 #include "events/moon_shadow.h"
@@ -27,8 +29,13 @@ namespace {
 using platform::ColorScheme;
 using platform::kTableApp;
 using platform::localizedString;
+using platform::stringWithFormat;
 
 constexpr const char* kSvg = "image/svg+xml";
+constexpr const char* kPng = "image/png";
+constexpr const char* kJson = "application/json";
+/// How soon to come again for what is being computed.
+constexpr int kSecondsToFirstEntry = 2;
 
 /// A version of contents, for caches: FNV-1a, 64 bits.
 std::string TagOf(const std::string& contents) {
@@ -54,6 +61,45 @@ std::string Parameter(const WebRequest& request, const char* name) {
 
 ColorScheme SchemeOf(const WebRequest& request) {
   return Parameter(request, "scheme") == "light" ? ColorScheme::light : ColorScheme::dark;
+}
+
+/// What is wrong with a parameter, by the key of what would be right.
+struct BadParameter {
+  const char* name;
+  const char* expected;
+};
+
+/// Another word than the schemes' may be a slip that nobody sees on a frame.
+ColorScheme GivenScheme(const WebRequest& request) {
+  const std::string text = Parameter(request, "scheme");
+  if (!text.empty() && text != "dark" && text != "light") {
+    throw BadParameter{"scheme", "expect_scheme"};
+  }
+  return SchemeOf(request);
+}
+
+/// Pixels a point.
+double GivenScale(const WebRequest& request) {
+  const std::string text = Parameter(request, "scale");
+  if (text.empty()) return 2.0;
+  double scale = 0.0;
+  const char* const end = text.data() + text.size();
+  const auto [rest, error] = std::from_chars(text.data(), end, scale, std::chars_format::fixed);
+  if (error != std::errc() || rest != end || !(scale >= 1.0 && scale <= 4.0)) {
+    throw BadParameter{"scale", "expect_scale"};
+  }
+  return scale;
+}
+
+WebResponse ErrorJson(const std::string& sentence, int status) {
+  WebResponse response;
+  response.status = status;
+  response.contentType = kJson;
+  // What was typed may be anything.
+  response.body = nlohmann::json{{"error", sentence}}.dump(
+                      -1, ' ', false, nlohmann::json::error_handler_t::replace) +
+                  "\n";
+  return response;
 }
 
 /// What an entry of the sky says of its place; null for the plans.
@@ -138,6 +184,7 @@ HomeSite::HomeSite(Scheduler& scheduler, HomeScreenFile& file, HomeSiteOptions o
     : scheduler_(scheduler),
       options_(std::move(options)),
       pictures_(options_.drawWidget),
+      pngs_(options_.drawPng),
       api_(scheduler, file, [this](const HomeScreen& screen) {
         scheduler_.show(screen);
         homeScreenIsNew();
@@ -150,6 +197,7 @@ void HomeSite::entryIsNew(const ShownWidget& shown) {
 
 void HomeSite::homeScreenIsNew() {
   pictures_.keepOnly(scheduler_.shown());
+  pngs_.keepOnly(scheduler_.shown());
   options_.publish("home", "{}");
 }
 
@@ -216,7 +264,45 @@ WebResponse HomeSite::SvgOf(const std::shared_ptr<const std::string>& svg) const
   return response;
 }
 
+WebResponse HomeSite::Plain(const std::string& id, bool isPicture, const WebRequest& request) try {
+  const ShownWidget* const shown = scheduler_.find(id);
+  if (shown == nullptr) {
+    std::string ids;
+    for (const ShownWidget& one : scheduler_.shown()) {
+      ids += (ids.empty() ? "" : ", ") + one.widget.id;
+    }
+    return ErrorJson(stringWithFormat(localizedString("home_error_unknown", platform::kTableCommon),
+                                      {id, ids.empty() ? "--" : ids}),
+                     404);
+  }
+  const ColorScheme scheme = isPicture ? GivenScheme(request) : ColorScheme::dark;
+  const double scale = isPicture ? GivenScale(request) : 1.0;
+  if (shown->isPlaceholder) {
+    // Who shows a picture for hours must not get one of sample data.
+    WebResponse response = ErrorJson(localizedString("web_loading", kTableApp), 503);
+    response.retryAfter = kSecondsToFirstEntry;
+    return response;
+  }
+  WebResponse response;
+  response.contentType = isPicture ? kPng : kJson;
+  response.sharedBody = isPicture
+                            ? pngs_.pngOf(*shown, scheme, scale)
+                            : std::make_shared<const std::string>(options_.writeRecord(*shown));
+  response.etag = TagOf(*response.sharedBody);
+  return response;
+} catch (const BadParameter& bad) {
+  return ErrorJson(stringWithFormat(localizedString("error_bad_option", kTableApp),
+                                    {bad.name, Parameter(request, bad.name),
+                                     localizedString(bad.expected, kTableApp)}),
+                   400);
+}
+
 WebResponse HomeSite::Widget(const std::string& name, const WebRequest& request) {
+  for (const std::string_view extension : {".png", ".json"}) {
+    if (name.ends_with(extension)) {
+      return Plain(name.substr(0, name.size() - extension.size()), extension == ".png", request);
+    }
+  }
   constexpr std::string_view kExtension = ".svg";
   const bool isPicture = name.ends_with(kExtension);
   const ShownWidget* const shown =

@@ -1,5 +1,6 @@
 #include "host/widget_pictures.h"
 
+#include <algorithm>
 #include <set>
 #include <string_view>
 
@@ -25,6 +26,12 @@ std::string ContentOf(const std::string& svg, const std::string& tag) {
   const std::size_t start = begin == std::string::npos ? begin : svg.find('>', begin);
   const std::size_t end = start == std::string::npos ? start : svg.find("</" + tag + ">", start);
   return end == std::string::npos ? "" : svg.substr(start + 1, end - start - 1);
+}
+
+std::set<std::string> IdsOf(const std::vector<ShownWidget>& shown) {
+  std::set<std::string> ids;
+  for (const ShownWidget& one : shown) ids.insert(one.widget.id);
+  return ids;
 }
 
 }  // namespace
@@ -71,8 +78,7 @@ const WidgetPicture& WidgetPictures::sampleOf(const std::string& kind, widgets::
 }
 
 void WidgetPictures::keepOnly(const std::vector<ShownWidget>& shown) {
-  std::set<std::string> ids;
-  for (const ShownWidget& one : shown) ids.insert(one.widget.id);
+  const std::set<std::string> ids = IdsOf(shown);
   std::erase_if(kept_, [&](const auto& one) { return !ids.contains(one.first.first); });
 }
 
@@ -106,6 +112,36 @@ WidgetPicture WidgetPictures::Draw(const ShownWidget& shown, platform::ColorSche
   picture.hasInnerLinks = pages.size() > 1;
   picture.svg = std::make_shared<const std::string>(std::move(svg));
   return picture;
+}
+
+std::shared_ptr<const std::string> WidgetPngs::pngOf(const ShownWidget& shown,
+                                                     platform::ColorScheme scheme, double scale) {
+  // Those of earlier entries will not be asked for again.
+  kept_.remove_if([&](const Kept& kept) {
+    return kept.widget.id == shown.widget.id &&
+           (kept.version != shown.version || !(kept.widget == shown.widget));
+  });
+  const auto known = std::find_if(kept_.begin(), kept_.end(), [&](const Kept& kept) {
+    return kept.widget.id == shown.widget.id && kept.scheme == scheme && kept.scale == scale;
+  });
+  if (known != kept_.end()) {
+    kept_.splice(kept_.end(), kept_, known);
+    return kept_.back().png;
+  }
+  auto png = std::make_shared<const std::string>(draw_(shown, scheme, scale));
+  kept_.push_back({shown.widget, shown.version, scheme, scale, png});
+  std::size_t bytes = 0;
+  for (const Kept& kept : kept_) bytes += kept.png->size();
+  while (bytes > mostBytes_) {
+    bytes -= kept_.front().png->size();
+    kept_.pop_front();
+  }
+  return png;
+}
+
+void WidgetPngs::keepOnly(const std::vector<ShownWidget>& shown) {
+  const std::set<std::string> ids = IdsOf(shown);
+  kept_.remove_if([&](const Kept& kept) { return !ids.contains(kept.widget.id); });
 }
 
 }  // namespace lumenquest::host

@@ -83,6 +83,8 @@ int Serve(const std::string& instant, const std::string& locale) {
     picture.idPrefix = idPrefix;
     return app::pictureOf(view, environment, app::PictureFormat::svg, picture);
   };
+  options.drawPng = [](const host::ShownWidget&, platform::ColorScheme, double) { return ""; };
+  options.writeRecord = [](const host::ShownWidget&) { return "{}"; };
   options.drawImage = [](const platform::UIImage& image) {
     adapters::SvgCanvas canvas(image.size, "i");
     canvas.drawImage(image, {0.0, 0.0, image.size.width, image.size.height}, {});

@@ -123,9 +123,18 @@ class HomeSiteTest : public ::testing::Test {
   HomeScreenFile screenFile{file};
   Scheduler scheduler{{std::make_shared<NoAlarm>(), nullptr, "en_US"}};
   std::vector<std::string> published;
+  int pngCount = 0;
+  std::size_t pngBytes = 0;
   HomeSite site{scheduler,
                 screenFile,
                 {Draw,
+                 [this](const ShownWidget& shown, platform::ColorScheme scheme, double scale) {
+                   ++pngCount;
+                   return shown.widget.kind +
+                          (scheme == platform::ColorScheme::dark ? " dark " : " light ") +
+                          std::to_string(scale) + std::string(pngBytes, '.');
+                 },
+                 [](const ShownWidget& shown) { return "{\"id\":\"" + shown.widget.id + "\"}"; },
                  [](const platform::UIImage& image) {
                    return "<svg>" + std::to_string(image.shapes.size()) + "</svg>";
                  },
@@ -191,6 +200,54 @@ TEST_F(HomeSiteTest, APictureIsDrawnAnewForANewEntryOnly) {
                                      std::to_string(scheduler.find("sun")->version) + "}"));
 }
 
+TEST_F(HomeSiteTest, FramesGetPngsAndProgramsRecords) {
+  const WebResponse first = Answer("GET", "/widget/sun.png?scheme=light&scale=1.5");
+  EXPECT_EQ(first.contentType, "image/png");
+  EXPECT_EQ(*first.sharedBody, "SunWidget light 1.500000");
+  EXPECT_EQ(Get("/widget/sun.png"), "SunWidget dark 2.000000");
+  EXPECT_EQ(Answer("GET", "/widget/sun.png?scheme=light&scale=1.50").sharedBody, first.sharedBody);
+  EXPECT_EQ(pngCount, 2);
+  world.clock->Advance(60.0);
+  scheduler.reloadAll();
+  world.queue->RunAll();
+  const WebResponse next = Answer("GET", "/widget/sun.png?scheme=light&scale=1.5");
+  EXPECT_EQ(pngCount, 3);
+  EXPECT_EQ(next.etag, first.etag);
+  EXPECT_NE(Answer("GET", "/widget/sun.png?scale=1.5").etag, first.etag);
+
+  const WebResponse record = Answer("GET", "/widget/moon.json");
+  EXPECT_EQ(record.contentType, "application/json");
+  EXPECT_EQ(*record.sharedBody, "{\"id\":\"moon\"}");
+  EXPECT_FALSE(record.etag.empty());
+}
+
+TEST_F(HomeSiteTest, PngsTakeNoMoreMemoryThanTheyMay) {
+  pngBytes = 5u << 20;
+  for (const char* const scale : {"1", "2", "3", "1", "4", "1"}) {
+    Get(std::string("/widget/sun.png?scale=") + scale);
+  }
+  EXPECT_EQ(pngCount, 4) << "the one that is asked for now and again stays";
+  Get("/widget/sun.png?scale=2");
+  EXPECT_EQ(pngCount, 5) << "the one that nobody asked for longest is gone";
+}
+
+TEST_F(HomeSiteTest, WhatFramesAskForWronglyIsSaid) {
+  const std::tuple<const char*, int, const char*> cases[] = {
+      {"/widget/none.png", 404, "home_error_unknown"},
+      {"/widget/none.json", 404, "home_error_unknown"},
+      {"/widget/sun.png?scale=0.9", 400, "error_bad_option"},
+      {"/widget/sun.png?scale=4.1", 400, "error_bad_option"},
+      {"/widget/sun.png?scale=nan", 400, "error_bad_option"},
+      {"/widget/sun.png?scale=2x", 400, "error_bad_option"},
+      {"/widget/sun.png?scheme=Dark", 400, "error_bad_option"},
+  };
+  for (const auto& [address, status, key] : cases) {
+    EXPECT_THAT(Json::parse(Get(address, status))["error"].get<std::string>(), HasSubstr(key))
+        << address;
+  }
+  EXPECT_EQ(pngCount, 0);
+}
+
 TEST_F(HomeSiteTest, AddressesWithoutAnything) {
   for (const char* const address :
        {"/nothing", "/widget/none", "/widget/none.svg", "/sample/SunWidget-large.svg",
@@ -253,6 +310,11 @@ TEST_F(HomeSiteTest, AWidgetThatHasNoAnswerYetHasNoDayYet) {
   Show(R"({"widgets":[{"kind":"SunWidget","place":{"name":"Far","latitude":1,"longitude":90}}]})");
   EXPECT_THAT(Get("/"), HasSubstr("alt=\"&lt;web_loading&gt;\""));
   EXPECT_THAT(Get("/sun?widget=sun"), HasSubstr("web_loading"));
+  for (const char* const address : {"/widget/sun.png", "/widget/sun.json"}) {
+    EXPECT_THAT(Get(address, 503), HasSubstr("web_loading"));
+    EXPECT_GT(Answer("GET", address).retryAfter, 0);
+  }
+  EXPECT_EQ(pngCount, 0) << "a frame must not show sample data";
   world.geocoder->Answer();
   world.queue->RunAll();
   EXPECT_THAT(Get("/sun?widget=sun"), HasSubstr("Etc/GMT-6"));

@@ -17,10 +17,14 @@ namespace lumenquest::host {
 
 /// Draws a picture as an SVG document.
 using DrawImage = std::function<std::string(const platform::UIImage& image)>;
+/// What a widget shows as a JSON object, for programs.
+using WriteRecord = std::function<std::string(const ShownWidget& shown)>;
 
 /// What a site needs from around it.
 struct HomeSiteOptions {
   DrawWidget drawWidget;
+  DrawPng drawPng;
+  WriteRecord writeRecord;
   DrawImage drawImage;
   /// The site's own files by their names: "style.css", "home.js", "edit.js", "icon.svg".
   std::map<std::string, std::string> files{};
@@ -40,6 +44,9 @@ struct HomeSiteOptions {
 ///     /plans /plan             ?id=ID of a plan's object
 ///     /open                    ?url=lumenquest://...: to the page of a deep link
 ///     /widget/ID /widget/ID.svg?scheme=dark|light
+///     /widget/ID.png           ?scheme=dark|light&scale=1..4 (pixels a point, 2 when not given)
+///     /widget/ID.json          what the widget says; with .png, for frames and programs: 503 until
+///                              there is an entry, and what is wrong as {"error": "..."}
 ///     /sample/KIND-FAMILY.svg?scheme=dark|light
 ///     /api/...                 see HomeApi
 ///
@@ -62,6 +69,8 @@ class HomeSite {
   WebResponse NotFound() const;
   WebResponse SvgOf(const std::shared_ptr<const std::string>& svg) const;
   WebResponse Widget(const std::string& name, const WebRequest& request);
+  /// A widget's picture or record for somebody who is no browser.
+  WebResponse Plain(const std::string& id, bool isPicture, const WebRequest& request);
   WebResponse Sample(const std::string& name, const WebRequest& request);
   WebResponse Day(const WebRequest& request);
   WebResponse Open(const std::string& url) const;
@@ -69,6 +78,7 @@ class HomeSite {
   Scheduler& scheduler_;
   HomeSiteOptions options_;
   WidgetPictures pictures_;
+  WidgetPngs pngs_;
   HomeApi api_;
   NextVisibleDates nextVisibleDates_;
 };

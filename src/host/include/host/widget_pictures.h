@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <list>
 #include <map>
 #include <memory>
 #include <string>
@@ -18,6 +20,10 @@ namespace lumenquest::host {
 /// do not see it what it shows. `idPrefix` begins every id, so that documents can share a page.
 using DrawWidget = std::function<std::string(const ShownWidget& shown, platform::ColorScheme scheme,
                                              const std::string& idPrefix)>;
+
+/// Draws a widget as a PNG with `scale` pixels a point.
+using DrawPng = std::function<std::string(const ShownWidget& shown, platform::ColorScheme scheme,
+                                          double scale)>;
 
 /// Where a deep link of a widget leads on the site; `widgetId` may be empty. Nothing for an address
 /// that is none of ours.
@@ -59,6 +65,33 @@ class WidgetPictures {
   std::map<std::pair<std::string, platform::ColorScheme>, Kept> kept_;
   std::map<std::tuple<std::string, widgets::WidgetFamily, platform::ColorScheme>, WidgetPicture>
       samples_;
+};
+
+/// The shown widgets as PNGs, drawn when first asked for and kept until the next entry. Of those
+/// that take more than `mostBytes` together, the ones that nobody has asked for longest go.
+class WidgetPngs {
+ public:
+  explicit WidgetPngs(DrawPng draw, std::size_t mostBytes = 16u << 20)
+      : draw_(std::move(draw)), mostBytes_(mostBytes) {}
+
+  std::shared_ptr<const std::string> pngOf(const ShownWidget& shown, platform::ColorScheme scheme,
+                                           double scale);
+  /// Forgets widgets that are shown no more.
+  void keepOnly(const std::vector<ShownWidget>& shown);
+
+ private:
+  struct Kept {
+    PlacedWidget widget;
+    std::uint64_t version = 0;
+    platform::ColorScheme scheme = platform::ColorScheme::dark;
+    double scale = 0.0;
+    std::shared_ptr<const std::string> png;
+  };
+
+  DrawPng draw_;
+  std::size_t mostBytes_;
+  /// The last asked for is the last.
+  std::list<Kept> kept_;
 };
 
 }  // namespace lumenquest::host
