@@ -58,7 +58,7 @@ PlacedWidget WidgetOf(const Json& json) {
   return HomeScreen::fromJson(Json{{"widgets", Json::array({json})}}.dump()).widgets().at(0);
 }
 
-Json Shown(const Scheduler& scheduler) {
+Json Shown(const Scheduler& scheduler, const HomeScreenFile& file) {
   Json list = Json::array();
   for (const ShownWidget& shown : scheduler.shown()) {
     Json json = ToJson(shown.widget);
@@ -66,7 +66,9 @@ Json Shown(const Scheduler& scheduler) {
     json["isPlaceholder"] = shown.isPlaceholder;
     list.push_back(std::move(json));
   }
-  return {{"widgets", std::move(list)}};
+  Json shown{{"widgets", std::move(list)}};
+  if (const auto problem = file.problem()) shown["error"] = *problem;
+  return shown;
 }
 
 Json Parsed(const std::string& body) {
@@ -170,7 +172,7 @@ WebResponse HomeApi::answer(const WebRequest& request) {
   static constexpr std::string_view kChanges = "/api/home/";
   const bool isPost = request.method == "POST";
   if (request.path == "/api/home") {
-    return isPost ? NotAllowed("GET, HEAD") : Answer(Shown(scheduler_));
+    return isPost ? NotAllowed("GET, HEAD") : Answer(Shown(scheduler_, file_));
   }
   if (request.path == "/api/places") {
     const auto term = request.query.find("q");
@@ -210,7 +212,7 @@ WebResponse HomeApi::Change(const std::string& operation, const std::string& bod
   const HomeScreen screen =
       file_.update([&](HomeScreen& changed) { id = kOperations.at(operation)(changed, json); });
   changed_(screen);
-  Json answer = Shown(scheduler_);
+  Json answer = Shown(scheduler_, file_);
   answer["id"] = id;
   return Answer(answer);
 } catch (const HomeScreenError& error) {

@@ -271,7 +271,7 @@ WebPage homePage(const std::vector<ShownWidget>& shown, WidgetPictures& pictures
   return page;
 }
 
-WebPage editPage(const std::vector<ShownWidget>& shown) {
+WebPage editPage(const std::vector<ShownWidget>& shown, const std::optional<std::string>& problem) {
   WebPage page;
   page.title = localizedString("web_edit_title", kTableApp);
   page.kind = "editing";
@@ -281,7 +281,8 @@ WebPage editPage(const std::vector<ShownWidget>& shown) {
               "</h1>\n<a class=\"done\" href=\"/\">" + webText("web_done") +
               "</a></header>\n<noscript><p class=\"card\">" + webText("web_edit_needs_script") +
               "</p></noscript>\n<p id=\"said\" role=\"status\"></p>\n<p id=\"failed\" "
-              "role=\"alert\"></p>\n";
+              "role=\"alert\">" +
+              htmlEscaped(problem.value_or("")) + "</p>\n";
   page.main +=
       "<section aria-labelledby=\"placed-title\">\n<h2 id=\"placed-title\" "
       "tabindex=\"-1\">" +

@@ -30,4 +30,11 @@ HomeScreen HomeScreenFile::update(const std::function<void(HomeScreen& screen)>&
   return screen;
 }
 
+std::optional<std::string> HomeScreenFile::problem() const try {
+  load();
+  return std::nullopt;
+} catch (const HomeScreenError& error) {
+  return error.what();
+}
+
 }  // namespace lumenquest::host

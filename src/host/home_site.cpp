@@ -36,6 +36,9 @@ constexpr const char* kPng = "image/png";
 constexpr const char* kJson = "application/json";
 /// How soon to come again for what is being computed.
 constexpr int kSecondsToFirstEntry = 2;
+/// Plans are changed by another program, which tells nobody.
+constexpr int kSecondsToPlans = 15;
+constexpr const char* kPlansRefresh = " data-refresh=\"15\"";
 
 /// A version of contents, for caches: FNV-1a, 64 bits.
 std::string TagOf(const std::string& contents) {
@@ -182,6 +185,7 @@ platform::UIImage MoonImage(const PlaceDay& day) {
 
 HomeSite::HomeSite(Scheduler& scheduler, HomeScreenFile& file, HomeSiteOptions options)
     : scheduler_(scheduler),
+      file_(file),
       options_(std::move(options)),
       pictures_(options_.drawWidget),
       pngs_(options_.drawPng),
@@ -205,24 +209,27 @@ WebResponse HomeSite::answer(const WebRequest& request) {
   const std::string& path = request.path;
   if (path.starts_with("/api/")) return api_.answer(request);
   if (request.method == "POST") {
-    WebResponse response = Message(localizedString("web_page_missing_title", kTableApp),
-                                   localizedString("web_page_missing", kTableApp), 405);
+    WebResponse response = Message(localizedString("web_method_title", kTableApp),
+                                   localizedString("web_method", kTableApp), 405);
     response.allow = "GET, HEAD";
     return response;
   }
   if (path == "/") return Page(homePage(scheduler_.shown(), pictures_));
-  if (path == "/edit") return Page(editPage(scheduler_.shown()));
+  if (path == "/edit") return Page(editPage(scheduler_.shown(), file_.problem()));
   if (path == "/sun" || path == "/moon" || path == "/moon.svg") return Day(request);
   if (path == "/plans") {
     WebPage page{localizedString("appwidget_plans", platform::kTableCommon), "plans-page",
-                 plansPageContent(), "home.js"};
+                 plansPageContent(), "home.js", kPlansRefresh};
+    page.refreshSeconds = kSecondsToPlans;
     return Page(page);
   }
   if (path == "/plan") {
     const auto content = planPageContent(Parameter(request, "id"));
     if (!content) return NotFound();
-    return Page({localizedString("appwidget_plans", platform::kTableCommon), "plans-page", *content,
-                 "home.js"});
+    WebPage page{localizedString("appwidget_plans", platform::kTableCommon), "plans-page", *content,
+                 "home.js", kPlansRefresh};
+    page.refreshSeconds = kSecondsToPlans;
+    return Page(page);
   }
   if (path == "/open") return Open(Parameter(request, "url"));
   const auto after = [&](std::string_view start) { return path.substr(start.size()); };
@@ -326,11 +333,23 @@ WebResponse HomeSite::Sample(const std::string& name, const WebRequest& request)
   return NotFound();
 }
 
+const ShownWidget* HomeSite::WidgetOfDay(const std::string& id, const std::string& kind) const {
+  if (!id.empty()) return scheduler_.find(id);
+  const ShownWidget* first = nullptr;
+  for (const ShownWidget& shown : scheduler_.shown()) {
+    const bool isOfKind = shown.widget.kind == kind || shown.widget.kind == "LumenquestWidget";
+    if (!isOfKind || shown.isPlaceholder) continue;
+    if (!shown.widget.place) return &shown;
+    if (first == nullptr) first = &shown;
+  }
+  return first;
+}
+
 WebResponse HomeSite::Day(const WebRequest& request) {
   const std::string id = Parameter(request, "widget");
-  const ShownWidget* const shown = id.empty() ? nullptr : scheduler_.find(id);
-  if (!id.empty() && shown == nullptr) return NotFound();
   const bool isSun = request.path == "/sun";
+  const ShownWidget* const shown = WidgetOfDay(id, isSun ? "SunWidget" : "MoonWidget");
+  if (!id.empty() && shown == nullptr) return NotFound();
   const std::string title =
       localizedString(isSun ? "appwidget_sun" : "appwidget_moon", platform::kTableCommon);
   const std::optional<DayPlace> place = PlaceOf(shown);

@@ -257,6 +257,7 @@ TEST_F(HomeSiteTest, AddressesWithoutAnything) {
   }
   const WebResponse posted = Answer("POST", "/sun");
   EXPECT_EQ(posted.status, 405);
+  EXPECT_THAT(posted.body, AllOf(HasSubstr("web_method"), Not(HasSubstr("web_page_missing"))));
   EXPECT_EQ(posted.allow, "GET, HEAD");
   EXPECT_EQ(Answer("GET", "/api/home/add").allow, "POST");
   EXPECT_EQ(Answer("GET", "/open?url=lumenquest://moon").location, "/moon");
@@ -303,6 +304,24 @@ TEST_F(HomeSiteTest, AWidgetThatFollowsTheDeviceIsWhereTheDeviceIs) {
                                      platform::kUserDefaultsTodayExtensionLastLatitude);
   EXPECT_THAT(Get("/sun"), HasSubstr("web_no_location"));
   Get("/moon.svg", 404);
+}
+
+TEST_F(HomeSiteTest, ADayWithoutAWidgetIsThatOfTheWidgetThatKnowsThePlace) {
+  // The widgets there follow the device; its zone is not the one of the computer's clock.
+  EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("src=\"/moon.svg\"")));
+  EXPECT_THAT(Get("/sun"), AllOf(HasSubstr("<bdi>-33,18</bdi>"), HasSubstr("Etc/GMT-1")));
+  // Where none follows the device, the first of the kind.
+  Show(R"({"widgets":[{"kind":"PlansWidget"},{"kind":"MoonWidget","place":)"
+       R"({"name":"Far","latitude":1,"longitude":90}},{"kind":"SunWidget","place":)" +
+       std::string(kBled) + "}]}");
+  EXPECT_THAT(Get("/sun"), AllOf(HasSubstr("<bdi>Bled &lt;script&gt;</bdi>"),
+                                 HasSubstr("<bdi>46.360000°"), HasSubstr("Etc/GMT-1")));
+  EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("<bdi>Far</bdi>"), HasSubstr("Etc/GMT-6")));
+  // Where nobody knows a name, the coordinate stands for it, and stands once.
+  Show(R"({"widgets":[{"kind":"PlansWidget"}]})");
+  const std::string html = Get("/sun");
+  EXPECT_THAT(html, HasSubstr("<p class=\"where\"><bdi>33.000000°"));
+  EXPECT_EQ(html.find("<bdi>33."), html.rfind("<bdi>33."));
 }
 
 TEST_F(HomeSiteTest, AWidgetThatHasNoAnswerYetHasNoDayYet) {
@@ -371,6 +390,21 @@ TEST_F(HomeSiteTest, WhatIsWrongIsSaidAndChangesNothing) {
   EXPECT_EQ(*file->text, before);
   EXPECT_TRUE(published.empty());
   EXPECT_NE(scheduler.find("sun"), nullptr);
+}
+
+TEST_F(HomeSiteTest, AFileThatIsDamagedMeanwhileIsSpokenOf) {
+  const std::string whole = *file->text;
+  EXPECT_FALSE(Json::parse(Get("/api/home")).contains("error"));
+  file->text = "{\"widgets\": <";
+  const Json home = Json::parse(Get("/api/home"));
+  EXPECT_THAT(home["error"].get<std::string>(), HasSubstr("home_error"));
+  EXPECT_EQ(home["widgets"].size(), 4u) << "what is shown stays";
+  EXPECT_THAT(Get("/edit"),
+              AllOf(HasSubstr("role=\"alert\">&lt;home_error"), HasSubstr("\"sun\"")));
+  Post("remove", R"({"id":"sun"})", 400);
+  EXPECT_EQ(file->text, "{\"widgets\": <");
+  file->text = whole;
+  EXPECT_THAT(Get("/edit"), HasSubstr("role=\"alert\"></p>"));
 }
 
 TEST_F(HomeSiteTest, PlacesAreSearchedFor) {

@@ -17,7 +17,7 @@ namespace lumenquest::host {
 /// The site's interface for its scripts: JSON in, JSON out. What is wrong with a request is said in
 /// one line, {"error": ...}, with the status 400, and has changed nothing.
 ///
-///     GET  /api/home
+///     GET  /api/home         the widgets shown; with "error" while the file cannot be read
 ///     GET  /api/places?q=TEXT
 ///     POST /api/home/add     {"kind", "family", "theme", "place", "id", "position"}, all but kind
 ///                            may be left out

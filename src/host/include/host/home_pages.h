@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,6 @@ std::string widgetItem(const ShownWidget& shown, WidgetPictures& pictures);
 WebPage homePage(const std::vector<ShownWidget>& shown, WidgetPictures& pictures);
 
 /// The placed widgets with what can be done to each, and the widgets that can be added.
-WebPage editPage(const std::vector<ShownWidget>& shown);
+WebPage editPage(const std::vector<ShownWidget>& shown, const std::optional<std::string>& problem);
 
 }  // namespace lumenquest::host

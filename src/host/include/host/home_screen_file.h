@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "host/home_screen.h"
 #include "platform/text_file.h"
@@ -21,6 +22,8 @@ class HomeScreenFile {
   /// now. A change that throws changes nothing. Throws HomeScreenError; a file that cannot be read
   /// is not written over.
   HomeScreen update(const std::function<void(HomeScreen& screen)>& change);
+  /// Why the file cannot be read as it stands, in a sentence for the user; absent when it can.
+  std::optional<std::string> problem() const;
 
  private:
   std::shared_ptr<platform::TextFile> file_;

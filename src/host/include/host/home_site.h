@@ -73,9 +73,12 @@ class HomeSite {
   WebResponse Plain(const std::string& id, bool isPicture, const WebRequest& request);
   WebResponse Sample(const std::string& name, const WebRequest& request);
   WebResponse Day(const WebRequest& request);
+  /// Of this identifier; without one the widget whose place the page of this kind tells of.
+  const ShownWidget* WidgetOfDay(const std::string& id, const std::string& kind) const;
   WebResponse Open(const std::string& url) const;
 
   Scheduler& scheduler_;
+  HomeScreenFile& file_;
   HomeSiteOptions options_;
   WidgetPictures pictures_;
   WidgetPngs pngs_;
