@@ -100,8 +100,9 @@ std::string Heading(const PlaceDay& day, const std::string& title) {
                                 htmlEscaped(Date(day.now, day.place.timeZone, "yMMMMEEEEd")) +
                                 "</span> <span class=\"clock\">" +
                                 htmlEscaped(EphemerisUtils::mjdToString(day.mjdNow)) +
-                                "</span></p>\n<p class=\"coordinates\">" + bdi(coordinate) +
-                                " <span>" + bdi(day.place.timeZone.name) + "</span></p>\n");
+                                "</span></p>\n<p class=\"coordinates\">" +
+                                (coordinate == day.place.title ? "" : bdi(coordinate)) + " <span>" +
+                                bdi(day.place.timeZone.name) + "</span></p>\n");
 }
 
 std::string Card(const std::string& heading, const std::string& content, const char* kind = "") {
@@ -131,9 +132,12 @@ class Band {
         parts + "</g>\n";
     svg += RiseSetMarks() + HourMarks();
     const double now = Place(day_.mjdNow);
-    return svg + "<line class=\"now\" x1=\"" + Plain(now) + "%\" x2=\"" + Plain(now) +
-           "%\" y1=\"22\" y2=\"82\"/><circle class=\"now\" cx=\"" + Plain(now) +
-           "%\" cy=\"22\" r=\"4\"/></svg>\n";
+    // The edge keeps the mark apart from whichever light it stands in.
+    for (const char* const kind : {"now edge", "now"}) {
+      svg += std::string("<line class=\"") + kind + "\" x1=\"" + Plain(now) + "%\" x2=\"" +
+             Plain(now) + "%\" y1=\"22\" y2=\"82\"/>";
+    }
+    return svg + "<circle class=\"now\" cx=\"" + Plain(now) + "%\" cy=\"22\" r=\"4\"/></svg>\n";
   }
 
  private:
