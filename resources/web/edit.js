@@ -14,11 +14,17 @@
   function say(text, ...more) {
     failed.textContent = "";
     said.replaceChildren(text, ...more);
+    clearSaidLater();
+  }
+
+  function clearSaidLater() {
     clearTimeout(saidTimer);
     saidTimer = setTimeout(() => {
       if (!said.contains(document.activeElement)) said.replaceChildren();
     }, 12000);
   }
+
+  said.addEventListener("focusout", clearSaidLater);
 
   function fail(text) {
     said.replaceChildren();
@@ -36,22 +42,42 @@
       });
       const answer = await response.json();
       if (response.ok) {
-        await redraw();
+        await redraw({ isAfterStep: true });
         return answer;
       }
       fail(answer.error);
     } catch {
       fail(words.failed);
     }
-    await redraw().catch(() => {});
+    await redraw({ isAfterStep: true, keepsError: true }).catch(() => {});
     return null;
   }
 
-  /** Shows the list as the server has it, the focus where it was. */
-  async function redraw() {
+  async function load() {
     const response = await fetch("/edit", { cache: "no-cache" });
-    const parsed = new DOMParser().parseFromString(await response.text(), "text/html");
+    if (!response.ok) throw new Error(String(response.status));
+    return new DOMParser().parseFromString(await response.text(), "text/html");
+  }
+
+  // One after the other: an older answer never comes over a newer one.
+  let last = Promise.resolve();
+  function inOrder(work) {
+    const done = last.then(work);
+    last = done.catch(() => {});
+    return done;
+  }
+
+  const redraw = (how) => inOrder(() => redrawNow(how));
+
+  /** Shows the list as the server has it, the focus where it was. */
+  async function redrawNow({ isAfterStep = false, keepsError = false } = {}) {
+    const parsed = await load();
+    if (!isAfterStep && isBusy()) return;
+    if (!keepsError) showProblem(parsed);
     const fresh = document.importNode(parsed.getElementById("placed"), true);
+    // A choice that is open closes with its list, so a list that stands as it stood is left alone;
+    // after a step the controls may show what was refused.
+    if (!isAfterStep && fresh.outerHTML === list().outerHTML) return;
     const focused = document.activeElement;
     const id = focused?.closest?.(".placed")?.dataset.id;
     const action = focused?.dataset?.action;
@@ -63,10 +89,47 @@
     }
     list().replaceWith(fresh);
     document.querySelector("section > .empty")?.remove();
+    const empty = parsed.querySelector("section > .empty");
+    if (empty) fresh.after(document.importNode(empty, true));
     if (id && action) focusOn(id, action);
   }
 
-  const focusOn = (id, action) => itemOf(id)?.querySelector(`[data-action="${action}"]`)?.focus();
+  /** What the server says is wrong with the file, as long as it is wrong. */
+  let problemTimer = 0;
+  function showProblem(parsed) {
+    const problem = parsed.getElementById("failed").textContent;
+    if (failed.textContent !== problem) failed.textContent = problem;
+    clearTimeout(problemTimer);
+    // A file that is mended and holds what is shown already is no event.
+    if (problem) problemTimer = setTimeout(() => redraw().catch(() => {}), 3000);
+  }
+
+  let areThumbnailsDue = false;
+  /** Shows the widgets' new pictures, and touches nothing that somebody may be using. */
+  function redrawThumbnails() {
+    if (areThumbnailsDue) return;
+    areThumbnailsDue = true;
+    inOrder(async () => {
+      areThumbnailsDue = false;
+      const parsed = await load();
+      for (const item of parsed.querySelectorAll("#placed > [data-id]")) {
+        const thumbnail = document.importNode(item.querySelector(".thumb"), true);
+        const isOld = (one) => one && one.innerHTML !== thumbnail.innerHTML;
+        if (!isOld(itemOf(item.dataset.id)?.querySelector(".thumb"))) continue;
+        await Promise.all(
+          [...thumbnail.querySelectorAll("img")].map((image) => image.decode().catch(() => {})));
+        itemOf(item.dataset.id)?.querySelector(".thumb").replaceWith(thumbnail);
+      }
+    }).catch(() => {});
+  }
+
+  /** Takes the first of these actions that the widget has. */
+  function focusOn(id, ...actions) {
+    for (const action of actions) {
+      const control = itemOf(id)?.querySelector(`[data-action="${action}"]`);
+      if (control) return control.focus();
+    }
+  }
 
   async function move(item, position) {
     const { id, name } = item.dataset;
@@ -86,8 +149,6 @@
       // Said when the step itself fails.
     }
     if (!(await change("remove", { id }))) return;
-    const neighbour = list().children[Math.min(index, list().children.length - 1)];
-    (neighbour?.querySelector('[data-action="remove"]') ?? document.getElementById("placed-title")).focus();
     const undo = document.createElement("button");
     undo.type = "button";
     undo.textContent = words.undo;
@@ -99,6 +160,8 @@
       }
     });
     say(fill(words.removed, name), ...(widget ? [undo] : []));
+    // The button that had the focus is gone; a slip is mended with one more key.
+    (widget ? undo : document.getElementById("placed-title")).focus();
   }
 
   async function add(button) {
@@ -107,7 +170,7 @@
     if (!answer) return;
     say(fill(words.added, name));
     itemOf(answer.id)?.scrollIntoView({ block: "nearest", behavior: "auto" });
-    focusOn(answer.id, "remove");
+    focusOn(answer.id, "place", "theme");
   }
 
   main.addEventListener("click", (event) => {
@@ -176,11 +239,13 @@
   let placeOf = null;
   let asked = 0;
   let typing = 0;
+  // Enter came before the search was answered: its first place is taken when it is.
+  let isEntered = false;
 
   function choosePlace(item) {
     placeOf = item.dataset.id;
     search.value = "";
-    options.replaceChildren();
+    clearFound();
     dialog.showModal();
     search.focus();
     find();
@@ -197,8 +262,19 @@
     return null;
   }
 
+  /** What was found for an earlier text is not what Enter means now. */
+  function clearFound() {
+    clearTimeout(typing);
+    ++asked;
+    isEntered = false;
+    options.replaceChildren();
+    select(null);
+    message.textContent = words.searching;
+  }
+
   async function find() {
     const number = ++asked;
+    clearTimeout(typing);
     const term = search.value.trim();
     message.textContent = words.searching;
     try {
@@ -208,9 +284,11 @@
       const found = options.querySelectorAll("[role=option]").length - 1;
       message.textContent =
         term === "" ? "" : found > 0 ? fill(words.found, found.toLocaleString(document.documentElement.lang)) : words.nothingFound;
+      if (isEntered && selected()) choose(selected().place);
     } catch {
       if (number === asked) message.textContent = words.failed;
     }
+    if (number === asked) isEntered = false;
   }
 
   function show(places) {
@@ -242,9 +320,10 @@
       }
     }
     options.replaceChildren(...groups);
-    // What was searched for comes first; without a search there is one entry alone.
+    // What was searched for comes first. Where nothing was found, the device's own location is no
+    // answer that Enter may take.
     const all = options.querySelectorAll("[role=option]");
-    select(all[search.value.trim() !== "" && all.length > 1 ? 1 : 0]);
+    select(all[search.value.trim() === "" ? 0 : 1]);
   }
 
   const selected = () => options.querySelector('[aria-selected="true"]');
@@ -253,7 +332,8 @@
     selected()?.setAttribute("aria-selected", "false");
     option?.setAttribute("aria-selected", "true");
     option?.scrollIntoView({ block: "nearest" });
-    search.setAttribute("aria-activedescendant", option?.id ?? "");
+    if (option) search.setAttribute("aria-activedescendant", option.id);
+    else search.removeAttribute("aria-activedescendant");
   }
 
   async function choose(place) {
@@ -266,13 +346,19 @@
   }
 
   search.addEventListener("input", () => {
-    clearTimeout(typing);
-    // What was found for an earlier text is not what Enter means now.
-    ++asked;
+    clearFound();
     typing = setTimeout(find, 120);
   });
 
+  dialog.addEventListener("close", () => {
+    clearFound();
+    // What changed meanwhile was kept back.
+    redraw().catch(() => {});
+  });
+
   search.addEventListener("keydown", (event) => {
+    // An input method takes the keys for itself, Enter above all.
+    if (event.isComposing) return;
     const all = [...options.querySelectorAll("[role=option]")];
     const index = all.indexOf(selected());
     switch (event.key) {
@@ -283,7 +369,12 @@
         select(all[Math.max(index - 1, 0)]);
         break;
       case "Enter":
-        if (selected()) choose(selected().place);
+        if (selected()) {
+          choose(selected().place);
+        } else if (options.childElementCount === 0) {
+          find();
+          isEntered = true;
+        }
         break;
       case "Escape":
         // Else the first one would merely empty the field.
@@ -296,8 +387,30 @@
   });
 
   // Whatever somebody else changes, a command or another page, is shown as well.
-  const events = new EventSource("/events");
-  events.addEventListener("home", () => {
-    if (!dialog.open && !document.querySelector(".is-held")) redraw().catch(() => {});
+
+  function isBusy() {
+    return dialog.open || document.querySelector(".is-held") !== null;
+  }
+
+  function redrawUnlessBusy() {
+    if (!isBusy()) redraw().catch(() => {});
+  }
+
+  function listen() {
+    const events = new EventSource("/events");
+    // Events that came while nobody listened are lost: whoever listens asks for the state.
+    events.onopen = redrawUnlessBusy;
+    events.addEventListener("home", redrawUnlessBusy);
+    events.addEventListener("entry", redrawThumbnails);
+    events.onerror = () => {
+      // Only a lost connection is taken up again by the browser itself, not a refused one.
+      if (events.readyState === EventSource.CLOSED) setTimeout(listen, 5000);
+    };
+  }
+
+  // Whoever comes back from another window may have edited the file there.
+  document.addEventListener("visibilitychange", () => {
+    if (!document.hidden) redrawUnlessBusy();
   });
+  listen();
 })();

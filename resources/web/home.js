@@ -5,9 +5,9 @@
   let grid = document.querySelector(".grid");
   const toDocument = (html) => new DOMParser().parseFromString(html, "text/html");
 
-  async function load(address) {
+  async function load(address, mayBeGone = false) {
     const response = await fetch(address, { cache: "no-cache" });
-    if (!response.ok) throw new Error(String(response.status));
+    if (!response.ok && !(mayBeGone && response.status === 404)) throw new Error(String(response.status));
     return toDocument(await response.text());
   }
 
@@ -95,7 +95,8 @@
   if (!seconds) return;
   async function refreshPage() {
     if (document.hidden) return;
-    const fresh = await load(location.href);
+    // What the page was about may have been removed; then the page says so.
+    const fresh = await load(location.href, true);
     const parsed = fresh.querySelector("main");
     if (parsed.innerHTML === main.innerHTML) return;
     const hasFocus = main.contains(document.activeElement);

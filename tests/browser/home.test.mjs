@@ -43,6 +43,10 @@ async function serve(locale = "en_US") {
       program.stdin.write(`advance ${seconds}\n`);
       assert.equal((await lines.next()).value, "advanced");
     },
+    async write(text) {
+      program.stdin.write(`file ${text}\n`);
+      assert.equal((await lines.next()).value, "written");
+    },
     async stop() {
       const ended = new Promise((resolve) => program.once("exit", resolve));
       program.stdin.end();
@@ -167,9 +171,10 @@ test("widgets are added, arranged, themed and removed with the keyboard alone", 
   await press("Add Moon, Medium");
   await said("Moon added");
   assert.equal(await page.locator("#placed > li").count(), 6);
-  // The focus goes to the new one.
+  // The focus goes to the new one, to what may be wrong about it.
   assert.equal(
     await page.evaluate(() => document.activeElement.closest("[data-id]").dataset.id), "moon-2");
+  assert.equal(await page.evaluate(() => document.activeElement.dataset.action), "place");
   await press("Move Moon, number 6 up", " ");
   await said("Moon is now number 5");
   assert.equal(await page.evaluate(() => document.activeElement.dataset.action), "up");
@@ -181,9 +186,9 @@ test("widgets are added, arranged, themed and removed with the keyboard alone", 
 
   await press("Remove Moon, number 2");
   await said("Moon removed");
-  assert.equal(await page.evaluate(() => document.activeElement.dataset.action), "remove");
+  assert.equal(await page.evaluate(() => document.activeElement.textContent), "Undo");
   await until(async () => !(await idsOf(home)).includes("moon"));
-  await page.getByRole("button", { name: "Undo" }).click();
+  await page.keyboard.press("Enter");
   await page.locator('[data-id="moon"]').waitFor();
   assert.deepEqual(await idsOf(page), ["sun", "moon", "milky-way", "lumenquest", "moon-2", "plans"]);
   assert.deepEqual(home.problems, []);
@@ -225,6 +230,71 @@ test("a place is found as one types", async () => {
   await page.getByText("No place found").waitFor();
   await page.keyboard.press("Escape");
   assert.ok(!(await page.getByRole("dialog").isVisible()));
+});
+
+test("Enter right after the text takes what the text finds, and no earlier finding", async () => {
+  page = await open("/edit");
+  await page.getByRole("button", { name: /^Place of Moon/ }).click();
+  const search = page.getByRole("combobox", { name: "Search for a place" });
+  await search.fill("helsinki");
+  await page.getByRole("option", { name: /Helsinki/ }).first().waitFor();
+  await search.fill("reykjavik");
+  await search.press("Enter");
+  await page.getByRole("button", { name: /Place of Moon: Reykjav/ }).waitFor();
+
+  await page.getByRole("button", { name: /^Place of Moon/ }).click();
+  await search.fill("qqqqqq");
+  await search.press("Enter");
+  await page.getByText("No place found").waitFor();
+  await search.press("Enter");
+  assert.ok(await page.getByRole("dialog").isVisible(), "nothing found is nothing chosen");
+  assert.equal(await search.getAttribute("aria-activedescendant"), null);
+  // The Enter that ends a word of an input method is none of ours.
+  await search.fill("oslo");
+  await page.getByRole("option", { name: /Oslo/ }).first().waitFor();
+  await search.evaluate((field) => field.dispatchEvent(
+    new KeyboardEvent("keydown", { key: "Enter", isComposing: true, bubbles: true })));
+  assert.ok(await page.getByRole("dialog").isVisible());
+});
+
+test("the edit page shows new entries, and says that there are no widgets left", async () => {
+  page = await open("/edit");
+  const thumbnail = page.locator('[data-id="sun"] img');
+  const old = await thumbnail.getAttribute("src");
+  const theme = page.getByRole("combobox", { name: "Theme of Sun" });
+  await theme.focus();
+  await theme.evaluate((select) => (select.isSame = true));
+  await server.advance(2.5 * 3600);
+  await until(async () => (await thumbnail.getAttribute("src")) !== old);
+  assert.ok(await theme.evaluate((select) => select.isSame && select === document.activeElement));
+
+  for (let count = 5; count > 0; --count) {
+    await page.getByRole("button", { name: /^Remove / }).first().click();
+    await until(async () => (await idsOf(page)).length === count - 1);
+  }
+  await page.getByText("There are no widgets on the home screen.").waitFor();
+});
+
+test("a file that is damaged meanwhile is spoken of until it is mended", async () => {
+  page = await open("/edit");
+  const alert = page.getByRole("alert");
+  assert.equal(await alert.textContent(), "");
+  await server.write("{");
+  await page.evaluate(() => document.dispatchEvent(new Event("visibilitychange")));
+  await until(async () => (await alert.textContent()) !== "");
+  assert.equal((await idsOf(page)).length, 5);
+  await server.write('{"widgets":[{"kind":"SunWidget"}]}');
+  await until(async () => (await alert.textContent()) === "");
+});
+
+test("a new plan is shown without a reload", async () => {
+  page = await open("/plans");
+  assert.equal(await page.getByRole("link", { name: /Moonrise/ }).count(), 0);
+  execFileSync(join(bin, "lumenquest"), ["plans", "add", "Moonrise over the dunes", "--date",
+    "2026-09-01 20:00", "--latitude", "46.36", "--longitude", "14.09"], { env: environment });
+  await page.evaluate(() => document.dispatchEvent(new Event("visibilitychange")));
+  await page.getByRole("link", { name: /Moonrise/ }).waitFor();
+  assert.ok(Number(await page.locator("main").getAttribute("data-refresh")) <= 60);
 });
 
 test("an error is said, and the list shows what stands", async () => {

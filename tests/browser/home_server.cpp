@@ -3,6 +3,7 @@
 //
 //     home_server INSTANT LOCALE    prints its address
 //     advance SECONDS               on standard input; prints "advanced"
+//     file TEXT                     the home screen's file becomes this; prints "written"
 //
 // The home screen and the settings live in memory, the device is in Bled; the plans are those under
 // $XDG_DATA_HOME.
@@ -34,6 +35,7 @@ class TextInMemory final : public platform::TextFile {
     text_ = change(text_);
     return std::nullopt;
   }
+  void Write(std::string text) { text_ = std::move(text); }
 
  private:
   std::optional<std::string> text_;
@@ -102,7 +104,8 @@ int Serve(const std::string& instant, const std::string& locale) {
     if (publisher != nullptr) publisher->publish(event, data);
   };
 
-  host::HomeScreenFile file(std::make_shared<TextInMemory>());
+  const auto text = std::make_shared<TextInMemory>();
+  host::HomeScreenFile file(text);
   const auto alarm = std::make_shared<AlarmOnVirtualClock>();
   host::Scheduler scheduler({alarm, nullptr, locale});
   host::HomeSite site(scheduler, file, options);
@@ -120,6 +123,12 @@ int Serve(const std::string& instant, const std::string& locale) {
     if (!std::getline(std::cin, line)) {
       g_main_loop_quit(loop);
       return false;
+    }
+    constexpr std::string_view kFile = "file ";
+    if (line.starts_with(kFile)) {
+      text->Write(line.substr(kFile.size()));
+      std::cout << "written" << std::endl;
+      return true;
     }
     if (std::istringstream(line) >> word >> seconds && word == "advance") {
       clock->Advance(seconds);
