@@ -215,6 +215,25 @@ std::vector<std::vector<const ShownWidget*>> Blocks(const std::vector<ShownWidge
   return blocks;
 }
 
+std::size_t RowsOf(const std::vector<const ShownWidget*>& block) {
+  return block.front()->widget.family == widgets::WidgetFamily::systemLarge ? 2 : 1;
+}
+
+/// Whether the blocks, filled in column after column, leave a gap below the last ones at most.
+/// Where they would leave one below an earlier column, they are better filled in row after row.
+bool FillsColumns(const std::vector<std::vector<const ShownWidget*>>& blocks, std::size_t count) {
+  // A browser balances columns: it takes the least height for which there are enough of them.
+  for (std::size_t height = 2;; ++height) {
+    std::vector<std::size_t> columns(1, 0);
+    for (const auto& block : blocks) {
+      if (columns.back() + RowsOf(block) > height) columns.push_back(0);
+      columns.back() += RowsOf(block);
+    }
+    if (columns.size() > count) continue;
+    return columns.size() == count && std::is_sorted(columns.rbegin(), columns.rend());
+  }
+}
+
 }  // namespace
 
 std::string widgetItem(const ShownWidget& shown, WidgetPictures& pictures) {
@@ -256,14 +275,17 @@ WebPage homePage(const std::vector<ShownWidget>& shown, WidgetPictures& pictures
   std::string order;
   for (const ShownWidget& one : shown) order += (order.empty() ? "" : " ") + one.widget.id;
   for (const auto& block : blocks) {
-    rows += block.front()->widget.family == widgets::WidgetFamily::systemLarge ? 2 : 1;
+    rows += RowsOf(block);
     html += "<div class=\"block\">\n";
     for (const ShownWidget* const one : block) html += widgetItem(*one, pictures);
     html += "</div>\n";
   }
   constexpr std::size_t kRowsOfTwoColumns = 6;
-  page.main += std::string("<div class=\"grid") + (rows > kRowsOfTwoColumns ? " is-full" : "") +
-               "\"" + Attribute("data-order", order) + ">\n" + html + "</div>\n";
+  const bool isFull = rows > kRowsOfTwoColumns;
+  page.main += std::string("<div class=\"grid") + (isFull ? " is-full" : "") +
+               (FillsColumns(blocks, 2) ? " fills-2" : "") +
+               (isFull && FillsColumns(blocks, 3) ? " fills-3" : "") + "\"" +
+               Attribute("data-order", order) + ">\n" + html + "</div>\n";
   if (shown.empty()) {
     page.main += "<p class=\"empty\">" + webText("web_empty") + " <a href=\"/edit\">" +
                  webText("web_add_some") + "</a></p>\n";

@@ -187,6 +187,32 @@ TEST_F(HomeSiteTest, TheHomeScreenShowsEachWidgetWithItsLinks) {
   EXPECT_THAT(Get("/sample/MoonWidget-medium.svg"), HasSubstr("MoonWidget"));
 }
 
+TEST_F(HomeSiteTest, NoGapIsLeftUnderAnEarlierColumn) {
+  // s, m, l: a widget of that size.
+  const std::pair<std::string, const char*> cases[] = {
+      {"ssssl", "grid fills-2\""},
+      {"ssssml", "grid fills-2\""},
+      {"sssslm", "grid\""},
+      {"lssss", "grid fills-2\""},
+      {"mmm", "grid fills-2\""},
+      {"lmm", "grid fills-2\""},
+      {"m", "grid\""},
+      {"mlllll", "grid is-full\""},
+      {"llllll", "grid is-full fills-2 fills-3\""},
+  };
+  for (const auto& [sizes, expected] : cases) {
+    Json list = Json::array();
+    for (const char size : sizes) {
+      list.push_back({{"kind", size == 'l' ? "LumenquestWidget" : "SunWidget"},
+                      {"family", size == 'l'   ? "large"
+                                 : size == 'm' ? "medium"
+                                               : "small"}});
+    }
+    Show(Json{{"widgets", list}}.dump());
+    EXPECT_THAT(Get("/"), HasSubstr(std::string("<div class=\"") + expected)) << sizes;
+  }
+}
+
 TEST_F(HomeSiteTest, APictureIsDrawnAnewForANewEntryOnly) {
   const WebResponse first = Answer("GET", "/widget/sun.svg");
   EXPECT_EQ(Answer("GET", "/widget/sun.svg").sharedBody, first.sharedBody);
