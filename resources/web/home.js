@@ -40,7 +40,7 @@
     const response = await fetch("/api/home", { cache: "no-cache" });
     const { widgets } = await response.json();
     const isSame =
-      grid.dataset.order === widgets.map((one) => one.id).join(" ") &&
+      grid.dataset.order === widgets.map((one) => `${one.id}:${one.family}`).join(" ") &&
       widgets.every((one) => itemOf(grid, one.id)?.dataset.version === String(one.version));
     if (isSame) return;
     const parsed = await load("/");

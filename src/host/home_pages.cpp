@@ -273,7 +273,10 @@ WebPage homePage(const std::vector<ShownWidget>& shown, WidgetPictures& pictures
   std::size_t rows = 0;
   std::string html;
   std::string order;
-  for (const ShownWidget& one : shown) order += (order.empty() ? "" : " ") + one.widget.id;
+  // A widget of another size stands in another place.
+  for (const ShownWidget& one : shown) {
+    order += (order.empty() ? "" : " ") + one.widget.id + ":" + familyName(one.widget.family);
+  }
   for (const auto& block : blocks) {
     rows += RowsOf(block);
     html += "<div class=\"block\">\n";

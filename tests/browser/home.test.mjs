@@ -160,6 +160,17 @@ test("a new entry is shown without a reload, the focus where it was", async () =
     await page.evaluate(() => document.activeElement.closest("[data-id]")?.dataset.id), "sun");
 });
 
+test("a widget of another size finds its new place on an open page", async () => {
+  page = await open("/");
+  const set = (id, family) => page.evaluate((body) => fetch("/api/home/set", { method: "POST",
+    headers: { "Content-Type": "application/json" }, body: JSON.stringify(body) }), { id, family });
+  const width = () => page.locator('[data-id="plans"]').evaluate((one) => one.offsetWidth);
+  const small = await width();
+  await set("plans", "medium");
+  await until(async () => (await width()) > 2 * small);
+  assert.equal(await page.locator('.block:has([data-id="plans"]) > .widget').count(), 1);
+});
+
 test("widgets are added, arranged, themed and removed with the keyboard alone", async () => {
   page = await open("/edit");
   const home = await open("/");
