@@ -145,7 +145,6 @@
     event.preventDefault();
     const item = grip.closest(".placed");
     const before = [...list().children].indexOf(item);
-    grip.setPointerCapture(event.pointerId);
     item.classList.add("is-held");
     const onMove = (moved) => {
       const others = [...list().children].filter((one) => one !== item);
@@ -156,16 +155,16 @@
       if (next !== item.nextElementSibling) list().insertBefore(item, next ?? null);
     };
     const onEnd = (ended) => {
-      grip.removeEventListener("pointermove", onMove);
+      for (const [type, listener] of listeners) document.removeEventListener(type, listener);
       item.classList.remove("is-held");
       const after = [...list().children].indexOf(item);
       if (after === before) return;
       if (ended.type === "pointercancel") redraw();
       else move(item, after);
     };
-    grip.addEventListener("pointermove", onMove);
-    grip.addEventListener("pointerup", onEnd, { once: true });
-    grip.addEventListener("pointercancel", onEnd, { once: true });
+    // On the document: a grip that is moved with its item loses the capture of the pointer.
+    const listeners = [["pointermove", onMove], ["pointerup", onEnd], ["pointercancel", onEnd]];
+    for (const [type, listener] of listeners) document.addEventListener(type, listener);
   });
 
   // The choice of a place, searched as one types.
@@ -285,6 +284,10 @@
         break;
       case "Enter":
         if (selected()) choose(selected().place);
+        break;
+      case "Escape":
+        // Else the first one would merely empty the field.
+        dialog.close();
         break;
       default:
         return;

@@ -95,12 +95,13 @@ void AddRiseSet(Facts& facts, const PlaceDay& day, const char* riseKey, const ch
 std::string Heading(const PlaceDay& day, const std::string& title) {
   const std::string coordinate =
       platform::LocationUtils::latLonStringWithCoordinate(day.place.location.coordinate);
-  return pageHeading(
-      title, "<p class=\"where\">" + bdi(day.place.title) + "</p>\n<p class=\"when\">" +
-                 htmlEscaped(Date(day.now, day.place.timeZone, "yMMMMEEEEd")) +
-                 " <span class=\"clock\">" + htmlEscaped(EphemerisUtils::mjdToString(day.mjdNow)) +
-                 "</span></p>\n<p class=\"coordinates\">" + bdi(coordinate) + " <span>" +
-                 bdi(day.place.timeZone.name) + "</span></p>\n");
+  return pageHeading(title, "<p class=\"where\">" + bdi(day.place.title) +
+                                "</p>\n<p class=\"when\">" + "<span>" +
+                                htmlEscaped(Date(day.now, day.place.timeZone, "yMMMMEEEEd")) +
+                                "</span> <span class=\"clock\">" +
+                                htmlEscaped(EphemerisUtils::mjdToString(day.mjdNow)) +
+                                "</span></p>\n<p class=\"coordinates\">" + bdi(coordinate) +
+                                " <span>" + bdi(day.place.timeZone.name) + "</span></p>\n");
 }
 
 std::string Card(const std::string& heading, const std::string& content, const char* kind = "") {

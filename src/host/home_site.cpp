@@ -334,6 +334,7 @@ WebResponse HomeSite::Day(const WebRequest& request) {
   const std::string title =
       localizedString(isSun ? "appwidget_sun" : "appwidget_moon", platform::kTableCommon);
   const std::optional<DayPlace> place = PlaceOf(shown);
+  if (!place && request.path == "/moon.svg") return NotFound();
   if (!place) {
     const bool isComing = shown != nullptr && shown->isPlaceholder && shown->widget.place;
     WebPage page{title, "message",

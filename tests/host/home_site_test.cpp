@@ -302,6 +302,7 @@ TEST_F(HomeSiteTest, AWidgetThatFollowsTheDeviceIsWhereTheDeviceIs) {
   world.services.settings->setObject(std::nullopt,
                                      platform::kUserDefaultsTodayExtensionLastLatitude);
   EXPECT_THAT(Get("/sun"), HasSubstr("web_no_location"));
+  Get("/moon.svg", 404);
 }
 
 TEST_F(HomeSiteTest, AWidgetThatHasNoAnswerYetHasNoDayYet) {

@@ -311,7 +311,8 @@ TEST(MoonShadow, ASupermoonHasARing) {
   const auto icon = [&](bool isSupermoon, const view::Environment& environment) {
     data.isSupermoon = isSupermoon;
     const view::Element element = MoonIconView(data, kSide, environment);
-    return *std::get<view::Picture>(element.node()).image;
+    const auto* const label = std::get_if<view::Label>(&element.node());
+    return *std::get<view::Picture>(label == nullptr ? element.node() : label->child.node()).image;
   };
   view::Environment environment;
   EXPECT_EQ(Strokes(icon(false, environment)).size(), 1u);  // the disc's rim

@@ -1,0 +1,160 @@
+// `lumenquest home` as its users call it.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "command_fixture.h"
+
+namespace lumenquest::app {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+using testing::Call;
+using testing::Result;
+
+/// A user's folders, with nothing in them.
+class Home : public testing::DataFolder {
+ public:
+  Home() {
+    setenv("XDG_CONFIG_HOME", (path() + "/config").c_str(), 1);
+    setenv("XDG_CACHE_HOME", (path() + "/cache").c_str(), 1);
+  }
+  ~Home() {
+    setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
+    unsetenv("XDG_CACHE_HOME");
+  }
+  fs::path file() const { return *this / "config/lumenquest/home.json"; }
+};
+
+Result HomeCall(std::vector<std::string> arguments) {
+  arguments.insert(arguments.begin(), "home");
+  return Call(arguments);
+}
+
+Json Widgets() {
+  const Result listed = HomeCall({"list", "--format", "json"});
+  EXPECT_EQ(listed.code, 0) << listed.err;
+  return Json::parse(listed.out).at("widgets");
+}
+
+std::string Ids() {
+  std::string ids;
+  for (const Json& widget : Widgets()) ids += widget.at("id").get<std::string>() + " ";
+  return ids;
+}
+
+TEST(HomeCommand, TheHomeScreenIsEdited) {
+  const Home home;
+  EXPECT_EQ(Ids(), "sun moon milky-way lumenquest plans ");
+  EXPECT_FALSE(fs::exists(home.file()));
+  EXPECT_EQ(HomeCall({"add", "sun", "--family", "medium", "--place", "Bled", "--position", "1"}).out,
+            "sun-2\n");
+  EXPECT_EQ(HomeCall({"set", "moon", "--latitude", "60", "--longitude", "25", "--theme", "light"}).code,
+            0);
+  EXPECT_EQ(HomeCall({"move", "plans", "2"}).code, 0);
+  EXPECT_EQ(HomeCall({"remove", "milky-way"}).code, 0);
+  const Json widgets = Widgets();
+  EXPECT_EQ(Ids(), "sun-2 plans sun moon lumenquest ");
+  EXPECT_EQ(widgets[0].at("family"), "medium");
+  EXPECT_EQ(widgets[0].at("place").at("name"), "Bled, Slovenia");
+  EXPECT_EQ(widgets[3].at("theme"), "light");
+  EXPECT_EQ(widgets[3].at("place").at("latitude"), 60.0);
+  EXPECT_EQ(HomeCall({"set", "moon", "--my-location"}).code, 0);
+  EXPECT_FALSE(Widgets()[3].contains("place"));
+  EXPECT_EQ(Widgets()[3].at("theme"), "light");
+}
+
+TEST(HomeCommand, WhatIsWrongIsSaidAndNothingIsLost) {
+  const Home home;
+  HomeCall({"add", "sun", "--locale", "en"});
+  std::ifstream stream(home.file());
+  const std::string before{std::istreambuf_iterator<char>(stream), {}};
+  const struct {
+    std::vector<std::string> arguments;
+    int code;
+    const char* said;
+  } cases[] = {
+      {{"remove", "nix"}, 1, "give one of sun, moon"},
+      {{"remove"}, 2, "ID"},
+      {{"move", "sun", "0"}, 2, "a whole number from 1"},
+      {{"move", "sun", "1.5"}, 2, "a whole number from 1"},
+      {{"add", "clock"}, 2, "SunWidget"},
+      {{"add", "sun", "--id", "Sun 2"}, 1, "lower-case letters"},
+      {{"add", "sun", "--id", "moon"}, 1, "two widgets"},
+      {{"add", "plans", "--place", "Bled"}, 2, "no place"},
+      {{"add", "sun", "--family", "large"}, 2, "small, medium"},
+      {{"set", "sun"}, 2, "nothing to change"},
+      {{"set", "milky-way", "--family", "large"}, 2, "small"},
+      {{"serve", "--listen", "nowhere"}, 2, "127.0.0.1:"},
+      {{"watch", "--format", "xml"}, 2, "waybar or jsonl"},
+      {{"watch", "--widget", "nix", "--once"}, 1, "give one of sun"},
+      {{"export"}, 2, "a folder"},
+      {{"export", "/dev/null/x"}, 1, "/dev/null/x"},
+      {{"open", "https://example.org"}, 2, "lumenquest://sun"},
+      {{"open", "lumenquest://sun"}, 1, "lumenquest home serve"},
+  };
+  for (const auto& [arguments, code, said] : cases) {
+    const Result result = HomeCall(arguments);
+    std::string call;
+    for (const std::string& argument : arguments) call += argument + " ";
+    EXPECT_EQ(result.code, code) << call << result.err;
+    EXPECT_NE(result.err.find(said), std::string::npos) << call << result.err;
+    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+  }
+  std::ifstream again(home.file());
+  EXPECT_EQ(std::string(std::istreambuf_iterator<char>(again), {}), before);
+
+  std::ofstream(home.file()) << "{";
+  for (const char* const command : {"list", "serve", "watch"}) {
+    const Result damaged = HomeCall({command});
+    EXPECT_EQ(damaged.code, 1);
+    EXPECT_NE(damaged.err.find("JSON"), std::string::npos) << damaged.err;
+  }
+}
+
+TEST(HomeCommand, PicturesAreExportedAndThoseOfRemovedWidgetsGo) {
+  const Home home;
+  const fs::path folder = home / "frames";
+  const std::vector<std::string> call{"export", folder.string(), "--once",  "--here",
+                                      "46.36,14.09", "--scale",  "1"};
+  EXPECT_EQ(HomeCall(call).code, 0);
+  std::ofstream(folder / "mine.png") << "a picture of somebody else";
+  Json list = Json::parse(std::ifstream(folder / "index.json"));
+  ASSERT_EQ(list.at("widgets").size(), 5u);
+  for (const Json& widget : list.at("widgets")) {
+    EXPECT_GT(fs::file_size(folder / widget.at("file").get<std::string>()), 500u);
+    EXPECT_FALSE(widget.at("text").get<std::string>().empty());
+  }
+  EXPECT_EQ(HomeCall({"remove", "sun"}).code, 0);
+  EXPECT_EQ(HomeCall(call).code, 0);
+  EXPECT_FALSE(fs::exists(folder / "sun.png"));
+  EXPECT_TRUE(fs::exists(folder / "moon.png"));
+  EXPECT_TRUE(fs::exists(folder / "mine.png"));
+}
+
+TEST(HomeCommand, WatchPrintsALineAWidget) {
+  const Home home;
+  const auto watch = [](const char* format) {
+    return HomeCall({"watch", "--once", "--format", format, "--here", "46.36,14.09"});
+  };
+  // Twice: the second finds the first's entries.
+  for (int i = 0; i < 2; ++i) {
+    const Result lines = watch("jsonl");
+    EXPECT_EQ(lines.code, 0) << lines.err;
+    EXPECT_EQ(std::count(lines.out.begin(), lines.out.end(), '\n'), 5) << lines.out;
+    const Json first = Json::parse(lines.out.substr(0, lines.out.find('\n')));
+    EXPECT_TRUE(first.contains("entry"));
+  }
+  const Result bar = watch("waybar");
+  ASSERT_FALSE(bar.out.empty());
+  const Json line = Json::parse(bar.out);
+  EXPECT_EQ(line.at("class"), Json({"sun", "information"}));
+  EXPECT_FALSE(line.at("text").get<std::string>().empty());
+}
+
+}  // namespace
+}  // namespace lumenquest::app
