@@ -202,6 +202,7 @@ TEST(Scheduler, EntriesSurviveARestart) {
   }
   EXPECT_EQ(before.size(), 5u);
 
+  const auto version = host.scheduler->find("sun")->version;
   host.scheduler.reset();
   host.world.device->last.reset();
   host.isSilent = true;
@@ -220,6 +221,8 @@ TEST(Scheduler, EntriesSurviveARestart) {
   host.isSilent = false;
   host.RunFor(600.0);
   host.ExpectAllUpToDate();
+  // A page that was left open tells the new entry from the old one.
+  EXPECT_NE(host.scheduler->find("sun")->version, version);
   EXPECT_GT(dateOf(host.scheduler->find("sun")->entry), Instant("2024-08-12T12:05:00Z"));
 
   // Something else in the file, or another language: as if there were none.
@@ -256,6 +259,18 @@ TEST(Scheduler, ChangesAskTheChangedAlone) {
   host.scheduler->reload([](const PlacedWidget& widget) { return widget.id == "sun"; });
   host.RunFor(10.0);
   EXPECT_GT(version("sun"), sun);
+}
+
+TEST(Scheduler, TheDayThatIsShownEndsAtItsPlacesMidnight) {
+  Host host("2024-08-12T14:50:00Z");
+  // Midnight in Tokyo is at 15 h UT.
+  host.scheduler->show(HomeScreen::fromJson(
+      R"({"widgets": [{"kind": "MoonWidget", "place": {"latitude": 36, "longitude": 140}}]})"));
+  host.RunFor(5.0);
+  const ShownWidget& moon = host.scheduler->shown().front();
+  EXPECT_EQ(moon.reloadDate, Instant("2024-08-12T15:00:00Z"));
+  host.RunFor(600.0);
+  EXPECT_EQ(dateOf(moon.entry), Instant("2024-08-12T15:00:00Z"));
 }
 
 TEST(ReloadDate, OfATimelineWithoutOne) {
