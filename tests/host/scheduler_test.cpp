@@ -102,6 +102,8 @@ struct Host {
       EXPECT_GT(shown.reloadDate, now) << shown.widget.id;
       EXPECT_LE(shown.reloadDate, Later(now, 3600.0)) << shown.widget.id;
     }
+    const NSDate midnight = NSDate::dateWithStartDateTime(now.dateByAddingNumberOfDays(1));
+    EXPECT_LE(scheduler->find("plans")->reloadDate, midnight);
   }
 
   static platform::Services::Adapters WithoutPlans() {
@@ -158,7 +160,7 @@ TEST(Scheduler, NoReloadIsMissedAndMemoryIsFlat) {
   if (isLong) std::cout << before << " bytes in use after a week, " << after << " at the end\n";
 }
 
-TEST(Scheduler, SleepAndClocksThatAreSetAreFollowed) {
+TEST(Scheduler, SleepSetClocksAndOtherZonesAreFollowed) {
   Host host("2024-03-28T12:00:00Z");
   host.scheduler->show(HomeScreen::standard());
   host.RunFor(60.0);
@@ -172,6 +174,12 @@ TEST(Scheduler, SleepAndClocksThatAreSetAreFollowed) {
     host.alarm->ClockIsSet(jump(random));
     host.RunFor(10.0);
     EXPECT_GE(host.entries, before + 5);
+    host.ExpectAllUpToDate();
+    const char* const zones[] = {"Pacific/Auckland", "America/St_Johns", "Europe/Ljubljana"};
+    host.due.clear();
+    host.world.TravelTo(zones[i % 3]);
+    host.scheduler->restart();
+    host.RunFor(10.0);
     host.ExpectAllUpToDate();
     host.due.clear();
   }
@@ -191,7 +199,7 @@ TEST(Scheduler, ADeviceThatNeverAnswersIsAskedAnew) {
   host.isSilent = false;
   host.RunFor(600.0);
   EXPECT_EQ(host.entries, 1);
-  host.ExpectAllUpToDate();
+  EXPECT_FALSE(host.scheduler->shown().front().isPlaceholder);
 }
 
 TEST(Scheduler, EntriesSurviveARestart) {
