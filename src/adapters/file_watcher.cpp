@@ -5,6 +5,7 @@
 
 #include <array>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 namespace lumenquest::adapters {
@@ -32,7 +33,30 @@ class FileWatcher::Implementation {
  public:
   Implementation(std::vector<std::filesystem::path> files, std::function<void()> changed)
       : files_(std::move(files)), changed_(std::move(changed)), prints_(Prints()) {
-    for (const auto& path : files_) {
+    Watch();
+  }
+
+  ~Implementation() {
+    if (pause_ != 0) g_source_remove(pause_);
+    Unwatch();
+  }
+
+ private:
+  /// The files, and what links among them lead to.
+  std::vector<std::filesystem::path> Places() const {
+    std::vector<std::filesystem::path> places = files_;
+    for (const auto& file : files_) {
+      std::error_code error;
+      if (!std::filesystem::is_symlink(file, error)) continue;
+      const auto target = std::filesystem::weakly_canonical(file, error);
+      if (!error) places.push_back(target);
+    }
+    return places;
+  }
+
+  void Watch() {
+    places_ = Places();
+    for (const auto& path : places_) {
       GFile* const file = g_file_new_for_path(path.c_str());
       // Null where the system watches no more files: the host still reloads in time.
       if (GFileMonitor* const monitor =
@@ -45,16 +69,15 @@ class FileWatcher::Implementation {
     }
   }
 
-  ~Implementation() {
-    if (pause_ != 0) g_source_remove(pause_);
+  void Unwatch() {
     for (GFileMonitor* const monitor : monitors_) {
       g_signal_handlers_disconnect_by_data(monitor, this);
       g_file_monitor_cancel(monitor);
       g_object_unref(monitor);
     }
+    monitors_.clear();
   }
 
- private:
   static void OnChanged(Implementation* self) {
     if (self->pause_ != 0) return;
     const auto look = [](gpointer data) -> gboolean {
@@ -66,6 +89,10 @@ class FileWatcher::Implementation {
 
   void Look() {
     pause_ = 0;
+    if (Places() != places_) {
+      Unwatch();
+      Watch();
+    }
     std::vector<Print> prints = Prints();
     if (prints == prints_) return;
     prints_ = std::move(prints);
@@ -82,6 +109,7 @@ class FileWatcher::Implementation {
   std::vector<std::filesystem::path> files_;
   std::function<void()> changed_;
   std::vector<Print> prints_;
+  std::vector<std::filesystem::path> places_;
   std::vector<GFileMonitor*> monitors_;
   unsigned pause_ = 0;
 };

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <set>
@@ -245,20 +246,36 @@ std::string Export(const HomeCommandOptions& options) {
     environment.layoutDirection = view::LayoutDirection::rightToLeft;
   }
   Exporter exporter(*options.folder, scale, environment);
-  bool isListDue = true;
-  const auto writeList = [&] {
-    isListDue = false;
-    exporter.WriteList(home.scheduler().shown());
-  };
+  bool isDue = true;
+  std::set<std::string> due;
   std::set<std::string> fresh;
   home.scheduler().onEntry([&](const ShownWidget& shown) {
-    exporter.Write(shown);
+    due.insert(shown.widget.id);
     fresh.insert(shown.widget.id);
-    isListDue = true;
+    isDue = true;
   });
-  home.onHomeScreen([&] { isListDue = true; });
+  home.onHomeScreen([&] { isDue = true; });
+  const auto write = [&] {
+    for (const ShownWidget& shown : home.scheduler().shown()) {
+      if (!due.contains(shown.widget.id)) continue;
+      exporter.Write(shown);
+      due.erase(shown.widget.id);
+    }
+    exporter.WriteList(home.scheduler().shown());
+  };
+  std::string trouble;
   home.run([&] {
-    if (isListDue) writeList();
+    try {
+      if (std::exchange(isDue, false)) {
+        write();
+        trouble.clear();
+      }
+    } catch (const std::runtime_error& error) {
+      if (options.once) throw;
+      // The disk may be full for an hour: what is due is written with the next entry.
+      if (trouble != error.what()) reportTrouble(error.what());
+      trouble = error.what();
+    }
     return options.once && fresh.size() == home.scheduler().shown().size();
   });
   return "";
@@ -273,12 +290,13 @@ std::string Markup(const std::string& text) {
 
 /// A line for status bars, whose modules take "text", "tooltip" and "class". The texts are
 /// markup there: a plan called "Sun & Moon" would not be shown at all.
-std::string WaybarLine(const std::vector<ShownWidget>& all, const Chosen& chosen) {
+std::string WaybarLine(const std::vector<ShownWidget>& all,
+                       const std::function<bool(const std::string& id)>& holds) {
   std::string text;
   std::string tooltip;
   Json classes = Json::array();
   for (const ShownWidget& shown : all) {
-    if (!chosen.holds(shown.widget.id) || shown.isPlaceholder) continue;
+    if (!holds(shown.widget.id) || shown.isPlaceholder) continue;
     const Json widget = widgetJson(shown);
     text += (text.empty() ? "" : "  ") + Markup(widget["text"]);
     tooltip += (tooltip.empty() ? "" : "\n\n") + Markup(widget["details"]);
@@ -332,28 +350,30 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
     throwBadOption("--format", format, "expect_watch_format");
   }
   HomeHost home(options.host);
-  std::vector<std::string> ids = options.ids;
-  const HomeScreen screen = home.file().load();
+  const bool isBar = format == "waybar";
+  const Chosen chosen(options.ids, home.file().load());
   // A bar has room for one.
-  if (ids.empty() && format == "waybar" && !screen.widgets().empty()) {
-    ids.push_back(screen.widgets().front().id);
-  }
-  const Chosen chosen(ids, screen);
+  const auto holds = [&](const std::string& id) {
+    if (isBar && options.ids.empty()) return home.scheduler().shown().front().widget.id == id;
+    return chosen.holds(id);
+  };
   bool isLineDue = false;
   std::set<std::string> fresh;
   home.scheduler().onEntry([&](const ShownWidget& shown) {
     fresh.insert(shown.widget.id);
-    if (!chosen.holds(shown.widget.id)) return;
-    if (format == "jsonl") {
-      out << EntryLine(shown) << '\n' << std::flush;
-    } else {
+    if (!holds(shown.widget.id)) return;
+    if (isBar) {
       isLineDue = true;
+    } else {
+      out << EntryLine(shown) << '\n' << std::flush;
     }
   });
+  // What is there no more leaves the bar.
+  home.onHomeScreen([&] { isLineDue = isBar; });
   const ReaderWatch reader;
   home.run([&] {
     if (std::exchange(isLineDue, false)) {
-      out << WaybarLine(home.scheduler().shown(), chosen) << '\n' << std::flush;
+      out << WaybarLine(home.scheduler().shown(), holds) << '\n' << std::flush;
     }
     const bool isOnceDone = options.once && fresh.size() == home.scheduler().shown().size();
     return reader.isGone() || !out.good() || isOnceDone;

@@ -5,11 +5,13 @@
 #include <array>
 #include <csignal>
 #include <filesystem>
+#include <iostream>
 #include <stdexcept>
 #include <utility>
 
 #include "adapters/clocks.h"
 #include "adapters/glib_main_queue.h"
+#include "adapters/printable_text.h"
 #include "adapters/shared_text_file.h"
 #include "adapters/system_alarm.h"
 #include "adapters/xdg_file_manager.h"
@@ -21,6 +23,7 @@ namespace lumenquest::app {
 namespace {
 
 namespace fs = std::filesystem;
+using platform::stringWithFormat;
 
 /// Where systems keep their time zone.
 const std::vector<fs::path> kZoneFiles{"/etc/localtime", "/etc/timezone"};
@@ -29,6 +32,14 @@ fs::path HomeScreenPath() {
   const auto folder = adapters::configurationFolder();
   if (!folder) throw std::runtime_error(appText("error_no_configuration_folder"));
   return *folder / "home.json";
+}
+
+/// For the user alone; without it the host runs as well.
+void MakeFolder(const fs::path& folder) {
+  std::error_code ignored;
+  if (fs::create_directories(folder, ignored)) {
+    fs::permissions(folder, fs::perms::owner_all, ignored);
+  }
 }
 
 /// Ends a main loop when the process is told to end.
@@ -66,6 +77,12 @@ std::vector<OptionSpec> homeOptionSpecs(HomeOptions& options) {
           localeOption(options.locale)};
 }
 
+void reportTrouble(const std::string& message) {
+  const std::string line = adapters::printableText(message, 400);
+  std::cerr << stringWithFormat(appText("error_line"), {line}) << std::endl;
+  platform::Services::current().log().write(line);
+}
+
 host::HomeScreenFile homeScreenFile() {
   return host::HomeScreenFile(std::make_shared<adapters::SharedTextFile>(HomeScreenPath()));
 }
@@ -82,6 +99,8 @@ HomeHost::HomeHost(const HomeOptions& options) : file_(homeScreenFile()) {
     runtime_.clock = clock;
   }
   installServices(runtime_);
+  // A folder that is not there yet can only be looked for now and then.
+  MakeFolder(HomeScreenPath().parent_path());
   // What is wrong with it is better told before anything starts.
   file_.load();
 
@@ -104,6 +123,7 @@ HomeHost::HomeHost(const HomeOptions& options) : file_(homeScreenFile()) {
   const auto group =
       platform::Services::current().fileManager().containerOfGroup(platform::kApplicationGroup);
   if (group) {
+    MakeFolder(*group);
     // The settings themselves are written by every widget that finds its place.
     watch({*group / kReloadRequestFile, *group / "Lumenquest.sqlite",
            *group / "Lumenquest.sqlite-wal"},
@@ -131,7 +151,7 @@ void HomeHost::ReadAgain() {
     onHomeScreen_();
   } catch (const host::HomeScreenError& error) {
     // Whoever edits it by hand goes on editing; what stood before stays on the screen.
-    platform::Services::current().log().write(error.what());
+    reportTrouble(error.what());
   }
 }
 

@@ -32,10 +32,10 @@ using platform::stringWithFormat;
 constexpr const char* kScheme = "lumenquest://";
 constexpr std::uint16_t kUsualPort = 8437;
 
-/// Where a running host says where it listens.
-std::optional<fs::path> AddressFile() {
+/// Where running hosts say where they listen, a file each.
+std::optional<fs::path> AddressFolder() {
   const auto folder = adapters::cacheFolder();
-  return folder ? std::optional(*folder / "home-address") : std::nullopt;
+  return folder ? std::optional(*folder / "hosts") : std::nullopt;
 }
 
 std::string Contents(const fs::path& file) {
@@ -46,24 +46,23 @@ std::string Contents(const fs::path& file) {
 /// Says where this host listens, as long as it does.
 class Announcement {
  public:
-  explicit Announcement(std::string url) : url_(std::move(url)) {
-    const auto file = AddressFile();
-    if (!file) return;
+  explicit Announcement(const host::WebServer& server) {
+    const auto folder = AddressFolder();
+    if (!folder) return;
     std::error_code ignored;
-    fs::create_directories(file->parent_path(), ignored);
-    adapters::writeFileWhole(*file, url_);
+    fs::create_directories(*folder, ignored);
+    file_ = *folder / std::to_string(server.port());
+    adapters::writeFileWhole(file_, server.url());
   }
   ~Announcement() {
-    const auto file = AddressFile();
     std::error_code ignored;
-    // Another host may have said meanwhile that it is there.
-    if (file && Contents(*file) == url_) fs::remove(*file, ignored);
+    if (!file_.empty()) fs::remove(file_, ignored);
   }
   Announcement(const Announcement&) = delete;
   Announcement& operator=(const Announcement&) = delete;
 
  private:
-  std::string url_;
+  fs::path file_;
 };
 
 /// The site's own files.
@@ -94,6 +93,23 @@ bool Answers(const std::string& url) {
   if (isThere) g_object_unref(connection);
   g_object_unref(client);
   return isThere;
+}
+
+/// The page of a host that answers.
+std::string RunningHost() {
+  std::vector<std::string> candidates;
+  std::error_code error;
+  if (const auto folder = AddressFolder()) {
+    for (const auto& entry : fs::directory_iterator(*folder, error)) {
+      candidates.push_back(Contents(entry.path()));
+    }
+  }
+  // Where one may be that could not say so.
+  candidates.push_back("http://127.0.0.1:" + std::to_string(kUsualPort) + "/");
+  for (const std::string& url : candidates) {
+    if (Answers(url)) return url;
+  }
+  throw std::runtime_error(appText("error_no_host"));
 }
 
 }  // namespace
@@ -152,7 +168,7 @@ void serveHome(const HomeOptions& options, const OptionText& listen, std::ostrea
   home.scheduler().onEntry([&](const host::ShownWidget& shown) { site.entryIsNew(shown); });
   home.onHomeScreen([&] { site.homeScreenIsNew(); });
 
-  const Announcement announcement(server->url());
+  const Announcement announcement(*server);
   out << stringWithFormat(appText("home_serving"), {server->url()}) << std::endl;
   home.run();
   server->stop();
@@ -162,9 +178,7 @@ std::string runningPage(const OptionText& deepLink) {
   if (deepLink && !deepLink->starts_with(kScheme)) {
     throwBadOption("URL", *deepLink, "expect_deep_link");
   }
-  const auto file = AddressFile();
-  const std::string url = file ? Contents(*file) : "";
-  if (url.empty() || !Answers(url)) throw std::runtime_error(appText("error_no_host"));
+  const std::string url = RunningHost();
   if (!deepLink) return url;
   char* const escaped = g_uri_escape_string(deepLink->c_str(), nullptr, FALSE);
   const std::string page = url + "open?url=" + escaped;

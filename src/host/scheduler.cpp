@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <utility>
 
 #include "host/entry_json.h"
@@ -67,6 +68,9 @@ NSDate reloadDateOf(const widgets::TimelineReloadPolicy& policy, NSDate now) {
 }
 
 Scheduler::Scheduler(Options options) : options_(std::move(options)) {
+  // So that a page of an earlier process does not take our entries for those it has. 52 bits, which
+  // scripts hold whole.
+  lastNumber_ = static_cast<std::uint64_t>(std::random_device{}()) << 20u;
   options_.alarm->onRing([this, isHere = std::weak_ptr(isHere_)](platform::Alarm::Reason reason) {
     if (!isHere.expired()) Ring(reason);
   });
@@ -169,7 +173,12 @@ void Scheduler::Take(std::uint64_t number, WidgetAnswer answer) {
   shown.entry = std::move(answer.entry);
   shown.isPlaceholder = false;
   shown.version = number;
-  shown.reloadDate = reloadDateOf(*answer.reloadPolicy, NSDate::date());
+  const NSDate now = NSDate::date();
+  shown.reloadDate = reloadDateOf(*answer.reloadPolicy, now);
+  // A time that is "tomorrow" until midnight is today's after it, wherever the widget's midnight
+  // is.
+  const auto midnight = endOfDayShown(shown.entry);
+  if (midnight && *midnight > now) shown.reloadDate = std::min(shown.reloadDate, *midnight);
   onEntry_(shown);
   Remember();
   SetAlarm();

@@ -31,6 +31,19 @@ platform::NSDate dateOf(const AnyEntry& entry) {
   return std::visit([](const auto& kind) { return kind.date; }, entry);
 }
 
+std::optional<platform::NSDate> endOfDayShown(const AnyEntry& entry) {
+  return std::visit(
+      [](const auto& kind) -> std::optional<platform::NSDate> {
+        if constexpr (requires { kind.data; }) {
+          if (kind.data.mjdTomorrowAt0 > 0.0) {
+            return platform::NSDate::dateFromModifiedJulianDay(kind.data.mjdTomorrowAt0);
+          }
+        }
+        return std::nullopt;
+      },
+      entry);
+}
+
 view::Element viewOf(const AnyEntry& entry, view::Environment& environment) {
   return std::visit(
       [&](const auto& kind) {

@@ -56,23 +56,25 @@ WidgetContent ContentOf(const AnyEntry& entry) {
       entry);
 }
 
-std::string TextsOf(const AnyEntry& entry, WidgetFamily family, const char* separator) {
+/// What the smallest view says in place of values.
+std::string Reason(const AnyEntry& entry) {
   widgets::view::Environment environment;
-  environment.family = family;
-  return Joined(widgets::view::textsOf(viewOf(entry, environment)), separator);
+  return Joined(widgets::view::textsOf(viewOf(entry, environment)), kSeparator);
 }
 
 }  // namespace
 
 std::string summaryOf(const AnyEntry& entry) {
   if (ContentOf(entry) != WidgetContent::information) {
-    return TextsOf(entry, WidgetFamily::systemSmall, kSeparator);
+    return Reason(entry);
   }
   return std::visit([](const auto& kind) { return Summary(kind); }, entry);
 }
 
 std::string detailsOf(const AnyEntry& entry, WidgetFamily family) {
-  return TextsOf(entry, family, "\n");
+  widgets::view::Environment environment;
+  environment.family = family;
+  return widgets::view::descriptionOf(viewOf(entry, environment), "\n");
 }
 
 std::string stateOf(const AnyEntry& entry) {

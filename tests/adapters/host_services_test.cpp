@@ -77,6 +77,14 @@ TEST(FileWatcher, TellsWhatHappensToFilesOnceAChange) {
   expectOne("replaced");
   std::filesystem::remove(file);
   expectOne("removed");
+  // As those who keep their configuration elsewhere do it.
+  std::ofstream(folder / "elsewhere") << "kept elsewhere";
+  std::filesystem::create_symlink(folder / "elsewhere", file);
+  expectOne("linked");
+  std::ofstream(folder / "elsewhere") << "written elsewhere";
+  expectOne("written through");
+  std::filesystem::remove(file);
+  expectOne("unlinked");
 
   // Readers of a database make such files beside it.
   std::ofstream(file).flush();

@@ -51,10 +51,12 @@ TEST(HomeCommand, TheHomeScreenIsEdited) {
   const Home home;
   EXPECT_EQ(Ids(), "sun moon milky-way lumenquest plans ");
   EXPECT_FALSE(fs::exists(home.file()));
-  EXPECT_EQ(HomeCall({"add", "sun", "--family", "medium", "--place", "Bled", "--position", "1"}).out,
-            "sun-2\n");
-  EXPECT_EQ(HomeCall({"set", "moon", "--latitude", "60", "--longitude", "25", "--theme", "light"}).code,
-            0);
+  EXPECT_EQ(
+      HomeCall({"add", "sun", "--family", "medium", "--place", "Bled", "--position", "1"}).out,
+      "sun-2\n");
+  EXPECT_EQ(
+      HomeCall({"set", "moon", "--latitude", "60", "--longitude", "25", "--theme", "light"}).code,
+      0);
   EXPECT_EQ(HomeCall({"move", "plans", "2"}).code, 0);
   EXPECT_EQ(HomeCall({"remove", "milky-way"}).code, 0);
   const Json widgets = Widgets();
@@ -119,8 +121,8 @@ TEST(HomeCommand, WhatIsWrongIsSaidAndNothingIsLost) {
 TEST(HomeCommand, PicturesAreExportedAndThoseOfRemovedWidgetsGo) {
   const Home home;
   const fs::path folder = home / "frames";
-  const std::vector<std::string> call{"export", folder.string(), "--once",  "--here",
-                                      "46.36,14.09", "--scale",  "1"};
+  const std::vector<std::string> call{"export",      folder.string(), "--once", "--here",
+                                      "46.36,14.09", "--scale",       "1"};
   EXPECT_EQ(HomeCall(call).code, 0);
   std::ofstream(folder / "mine.png") << "a picture of somebody else";
   Json list = Json::parse(std::ifstream(folder / "index.json"));
@@ -147,13 +149,24 @@ TEST(HomeCommand, WatchPrintsALineAWidget) {
     EXPECT_EQ(lines.code, 0) << lines.err;
     EXPECT_EQ(std::count(lines.out.begin(), lines.out.end(), '\n'), 5) << lines.out;
     const Json first = Json::parse(lines.out.substr(0, lines.out.find('\n')));
-    EXPECT_TRUE(first.contains("entry"));
+    for (const char* const member : {"entry", "text", "state", "reload"}) {
+      EXPECT_TRUE(first.contains(member)) << member;
+    }
   }
   const Result bar = watch("waybar");
   ASSERT_FALSE(bar.out.empty());
   const Json line = Json::parse(bar.out);
   EXPECT_EQ(line.at("class"), Json({"sun", "information"}));
   EXPECT_FALSE(line.at("text").get<std::string>().empty());
+
+  // Bars read markup and show nothing at all of what is none.
+  Call({"plans", "add", "Sun & <Moon>", "--date", "2999-05-08 23:30", "--place", "Bled"});
+  const Result plans = HomeCall({"watch", "--once", "--format", "waybar", "--widget", "plans"});
+  for (const char* const member : {"text", "tooltip"}) {
+    EXPECT_NE(Json::parse(plans.out).at(member).get<std::string>().find("Sun &amp; &lt;Moon&gt;"),
+              std::string::npos)
+        << plans.out;
+  }
 }
 
 }  // namespace

@@ -178,7 +178,11 @@ struct WidgetWorld {
   explicit WidgetWorld(const std::string& now = "2024-08-12T12:00:00Z",
                        const std::string& zone = "UTC", platform::Services::Adapters with = {})
       : clock(std::make_shared<VirtualClock>(Instant(now))),
-        services(now, zone, "en_US", Adapters(std::move(with))) {}
+        adapters(Adapters(std::move(with))),
+        services(now, zone, "en_US", adapters) {}
+
+  /// The device is in another zone, and the services are installed anew.
+  void TravelTo(const std::string& zone) { services = TestServices("", zone, "en_US", adapters); }
 
   /// Does something after so many seconds.
   void After(double seconds, std::function<void()> work) {
@@ -204,6 +208,7 @@ struct WidgetWorld {
   std::shared_ptr<QueueInMemory> queue = std::make_shared<QueueInMemory>();
   std::shared_ptr<ScriptedLocations> device = std::make_shared<ScriptedLocations>();
   std::shared_ptr<ScriptedGeocoder> geocoder = std::make_shared<ScriptedGeocoder>(queue);
+  platform::Services::Adapters adapters;
   TestServices services;
 
  private:

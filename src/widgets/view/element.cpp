@@ -249,11 +249,11 @@ std::vector<std::string> imagesOf(const Element& element) {
   return Collected(element, &Image::name);
 }
 
-std::string descriptionOf(const Element& element) {
+std::string descriptionOf(const Element& element, const std::string& separator) {
   std::string description;
   const auto add = [&](const std::string& part) {
     if (part.empty()) return;
-    if (!description.empty()) description += ". ";
+    if (!description.empty()) description += separator;
     description += part;
   };
   Walk(element, [&](const Node& node) {

@@ -8,8 +8,8 @@
 namespace lumenquest::adapters {
 
 /// Tells, on GLib's default main context, that files were changed, made, replaced or removed; once
-/// for changes that come together. A file of no length is none: readers of a database make such
-/// beside it and take them away.
+/// for changes that come together; of a link, what it leads to as well. A file of no length is
+/// none: readers of a database make such beside it and take them away.
 class FileWatcher {
  public:
   /// The folders need not be there yet.

@@ -22,6 +22,9 @@ struct HomeOptions {
 
 std::vector<OptionSpec> homeOptionSpecs(HomeOptions& options);
 
+/// Says on standard error, and in the log, what is wrong while a host goes on. One line.
+void reportTrouble(const std::string& message);
+
 /// The user's home screen. Throws std::runtime_error when the user has no folder for it.
 host::HomeScreenFile homeScreenFile();
 

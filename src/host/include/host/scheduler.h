@@ -21,7 +21,7 @@ struct ShownWidget {
   AnyEntry entry;
   /// Sample data, until the provider has answered for the first time.
   bool isPlaceholder = true;
-  /// Another number for each entry that this process has shown.
+  /// Another number for each entry that is shown, in this process and in others.
   std::uint64_t version = 0;
   /// When the provider is asked again.
   platform::NSDate reloadDate;
@@ -29,8 +29,8 @@ struct ShownWidget {
 
 /// Asks the widgets of a home screen for their timelines, keeps the one entry of each, and asks
 /// again at its reload instant. A timeline that names no instant is asked for again at the next
-/// local midnight, at the latest after 30 minutes. When the clock or the time zone is changed, all
-/// are asked.
+/// local midnight, at the latest after 30 minutes; any at the end of the day that it shows. When
+/// the clock or the time zone is changed, all are asked.
 ///
 /// Lives on the main queue.
 class Scheduler {

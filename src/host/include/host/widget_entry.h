@@ -20,6 +20,10 @@ using AnyEntry = std::variant<widgets::SunTimelineEntry, widgets::MoonTimelineEn
 /// From when on it is shown.
 platform::NSDate dateOf(const AnyEntry& entry);
 
+/// The midnight at which the day that it tells of ends, in its place's zone; absent for plans and
+/// where there is no place.
+std::optional<platform::NSDate> endOfDayShown(const AnyEntry& entry);
+
 /// The view of an entry. Its theme decides the colour scheme where it does not follow the host's.
 widgets::view::Element viewOf(const AnyEntry& entry, widgets::view::Environment& environment);
 

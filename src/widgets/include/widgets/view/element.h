@@ -226,7 +226,7 @@ std::vector<std::string> textsOf(const Element& element);
 std::vector<std::string> linksOf(const Element& element);
 /// The names of its pictures.
 std::vector<std::string> imagesOf(const Element& element);
-/// For those who do not see it: labels and texts, one after another.
-std::string descriptionOf(const Element& element);
+/// For those who do not see it: labels and texts, one after another; `separator` between them.
+std::string descriptionOf(const Element& element, const std::string& separator = ". ");
 
 }  // namespace lumenquest::widgets::view
