@@ -96,9 +96,14 @@
 
   /** What the server says is wrong with the file, as long as it is wrong. */
   let problemTimer = 0;
+  let lastProblem = failed.textContent;
   function showProblem(parsed) {
     const problem = parsed.getElementById("failed").textContent;
-    if (failed.textContent !== problem) failed.textContent = problem;
+    // What a step was refused for stays until the next step.
+    if (problem || failed.textContent === lastProblem) {
+      if (failed.textContent !== problem) failed.textContent = problem;
+    }
+    lastProblem = problem;
     clearTimeout(problemTimer);
     // A file that is mended and holds what is shown already is no event.
     if (problem) problemTimer = setTimeout(() => redraw().catch(() => {}), 3000);

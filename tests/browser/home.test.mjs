@@ -310,11 +310,15 @@ test("a new plan is shown without a reload", async () => {
 
 test("an error is said, and the list shows what stands", async () => {
   page = await open("/edit");
-  await page.locator('[data-id="sun"]').evaluate((item) => (item.dataset.id = "gone"));
-  await page.getByRole("button", { name: "Move Sun, number 1 down" }).click();
+  // At one stroke: the list is drawn anew when the stream of events opens.
+  await page.locator('[data-id="sun"]').evaluate((item) => {
+    item.dataset.id = "gone";
+    item.querySelector('[aria-label="Move Sun, number 1 down"]').click();
+  });
   await page.getByRole("alert").filter({ hasText: "gone" }).waitFor();
   assert.equal((await idsOf(page))[0], "sun");
-  // The browser itself notes the refusal.
+  // The browser itself notes the refusal, in its own time.
+  await until(async () => page.problems.some((problem) => problem.includes("400")));
   page.problems = page.problems.filter((problem) => !problem.includes("400"));
 });
 
