@@ -12,6 +12,7 @@
 #include "platform/formatters.h"
 #include "platform/localized_strings.h"
 #include "platform/location_utils.h"
+#include "platform/number_text.h"
 #include "platform/services.h"
 
 namespace lumenquest::app {
@@ -23,6 +24,7 @@ using platform::kTableEphemeris;
 using platform::localizedString;
 using platform::NSDate;
 using platform::NSDateFormatterStyle;
+using platform::numberText;
 using platform::Services;
 using platform::stringWithFormat;
 
@@ -30,15 +32,6 @@ constexpr const char* kNothing = "--";
 constexpr float kHoursPerDay = 24.0f;
 
 std::string EphemerisText(const char* key) { return localizedString(key, kTableEphemeris); }
-
-/// A number in the user's digits.
-std::string Number(double number, int decimals) {
-  platform::NumberStyle style;
-  style.minimumFractionDigits = decimals;
-  style.maximumFractionDigits = decimals;
-  style.usesGroupingSeparator = false;
-  return Services::current().formatters().numberFormatter("", style)->stringFromNumber(number);
-}
 
 std::string DateText(NSDate date, const platform::NSTimeZone& zone, const std::string& pattern) {
   const auto formatter = Services::current().formatters().dateFormatter(
@@ -74,9 +67,9 @@ std::string GalacticCentreEnd(const TodayReport& report, const char* titleKey, d
   const double wholeDegrees = std::fmod(std::round(azimuth), 360.0);
   return stringWithFormat(
       appText("value_galactic_centre_end"),
-      {EphemerisText(titleKey), TimeText(report.values, mjd), Number(wholeDegrees, 0),
+      {EphemerisText(titleKey), TimeText(report.values, mjd), numberText(wholeDegrees, 0),
        platform::LocationUtils::cardinalNameForBearing(azimuth),
-       Number(tilt * ephemeris::kRadiansToDegrees, 0)});
+       numberText(tilt * ephemeris::kRadiansToDegrees, 0)});
 }
 
 void AddGalacticCentre(Table& table, const TodayReport& report) {

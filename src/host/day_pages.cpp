@@ -14,6 +14,7 @@
 #include "platform/formatters.h"
 #include "platform/localized_strings.h"
 #include "platform/location_utils.h"
+#include "platform/number_text.h"
 #include "platform/services.h"
 
 namespace lumenquest::host {
@@ -27,6 +28,7 @@ using platform::kTableEphemeris;
 using platform::localizedString;
 using platform::NSDate;
 using platform::NSDateFormatterStyle;
+using platform::numberText;
 using platform::Services;
 using platform::stringWithFormat;
 
@@ -34,15 +36,6 @@ constexpr const char* kNothing = "--";
 
 std::string Ephemeris(const char* key) { return localizedString(key, kTableEphemeris); }
 std::string Common(const char* key) { return localizedString(key, kTableCommon); }
-
-/// In the user's digits.
-std::string Number(double number, int decimals, bool isGrouped = false) {
-  platform::NumberStyle style;
-  style.minimumFractionDigits = decimals;
-  style.maximumFractionDigits = decimals;
-  style.usesGroupingSeparator = isGrouped;
-  return Services::current().formatters().numberFormatter("", style)->stringFromNumber(number);
-}
 
 /// An attribute's number, in no language.
 std::string Plain(double number) {
@@ -239,7 +232,7 @@ std::string OrNothing(const std::optional<std::string>& text) {
 }
 
 std::string AzimuthText(double azimuth) {
-  return Number(std::fmod(std::round(azimuth), 360.0), 0) + "° " +
+  return numberText(std::fmod(std::round(azimuth), 360.0), 0) + "° " +
          platform::LocationUtils::cardinalNameForBearing(azimuth);
 }
 
@@ -262,12 +255,13 @@ std::string GalacticCentreCard(const PlaceDay& day) {
       const bool isInstant = EphemerisUtils::drawEventAtMjd(end.mjd);
       const double azimuth =
           isInstant ? events::MilkyWay::azimuthOfGalacticCenter(day.place.location, end.mjd) : 0.0;
-      html += "<tr><th scope=\"row\">" + htmlEscaped(Ephemeris(end.title)) + "</th><td>" +
-              bdi(Time(day, end.mjd)) + "</td><td>" +
-              bdi(isInstant ? AzimuthText(azimuth) : kNothing) + "</td><td>" +
-              bdi(isInstant ? Number(std::round(end.tilt * ephemeris::kRadiansToDegrees), 0) + "°"
-                            : kNothing) +
-              "</td></tr>\n";
+      html +=
+          "<tr><th scope=\"row\">" + htmlEscaped(Ephemeris(end.title)) + "</th><td>" +
+          bdi(Time(day, end.mjd)) + "</td><td>" + bdi(isInstant ? AzimuthText(azimuth) : kNothing) +
+          "</td><td>" +
+          bdi(isInstant ? numberText(std::round(end.tilt * ephemeris::kRadiansToDegrees), 0) + "°"
+                        : kNothing) +
+          "</td></tr>\n";
     }
     html += "</tbody>\n</table>\n<p class=\"note\">" + webText("web_tilt_note") + "</p>\n";
   } else if (values.dateNextVisiblity) {
@@ -321,14 +315,14 @@ std::string moonPageContent(const PlaceDay& day, const std::string& moonPicture)
   Facts facts;
   const auto percent = static_cast<double>(phase.phaseIllumination * 100.0f);
   facts.Row(localizedString("web_illumination", kTableApp),
-            stringWithFormat(localizedString("web_percent", kTableApp), {Number(percent, 1)}));
+            stringWithFormat(localizedString("web_percent", kTableApp), {numberText(percent, 1)}));
   // The instant of a principal phase, on its day.
   if (phase.mjdPhase > 0.0) facts.Row(name, Time(day, phase.mjdPhase));
   AddRiseSet(facts, day, "row_moonrise", "row_moonset", "row_moonrise_moonset", values.mjdMoonRise,
              values.mjdMoonSet);
   facts.Row(localizedString("web_distance", kTableApp),
             stringWithFormat(localizedString("web_kilometres", kTableApp),
-                             {Number(std::round(day.moonDistance / 100.0) * 100.0, 0, true)}));
+                             {numberText(std::round(day.moonDistance / 100.0) * 100.0, 0, true)}));
   std::string html = "<div class=\"moon\"><img src=\"" + htmlEscaped(moonPicture) +
                      "\" width=\"180\" height=\"180\" alt=\"" +
                      htmlEscaped(values.moonPhase.value_or(name)) +
