@@ -8,6 +8,7 @@
 #include "app/today_command.h"
 #include "ephemeris/constants.h"
 #include "events/ephemeris_utils.h"
+#include "events/event_text.h"
 #include "events/milky_way.h"
 #include "platform/formatters.h"
 #include "platform/localized_strings.h"
@@ -43,9 +44,7 @@ std::string DateText(NSDate date, const platform::NSTimeZone& zone, const std::s
 
 /// Time of an instant, with a mark when it belongs to yesterday or tomorrow.
 std::string TimeText(const events::WidgetAstrolib& values, double mjd) {
-  return EphemerisUtils::drawEventAtMjd(mjd)
-             ? EphemerisUtils::stringForMjd(mjd, values.mjdTodayAt0, values.mjdTomorrowAt0)
-             : EphemerisUtils::mjdToString(mjd);
+  return events::eventText(mjd, values.mjdTodayAt0, values.mjdTomorrowAt0);
 }
 
 /// Rise and set in two rows; in one when the body does neither.

@@ -8,6 +8,7 @@
 
 #include "ephemeris/constants.h"
 #include "events/ephemeris_utils.h"
+#include "events/event_text.h"
 #include "events/milky_way.h"
 #include "host/web_page.h"
 #include "host/web_text.h"
@@ -47,9 +48,7 @@ std::string Plain(double number) {
 
 /// Time, with a mark when it belongs to another day; or the words of a special value.
 std::string Time(const PlaceDay& day, double mjd) {
-  return EphemerisUtils::drawEventAtMjd(mjd)
-             ? EphemerisUtils::stringForMjd(mjd, day.values.mjdTodayAt0, day.values.mjdTomorrowAt0)
-             : EphemerisUtils::mjdToString(mjd);
+  return events::eventText(mjd, day.values.mjdTodayAt0, day.values.mjdTomorrowAt0);
 }
 
 std::string Date(NSDate date, const platform::NSTimeZone& zone, const char* fields) {

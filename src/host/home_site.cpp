@@ -36,7 +36,7 @@ constexpr const char* kPng = "image/png";
 constexpr const char* kJson = "application/json";
 /// How soon to come again for what is being computed.
 constexpr int kSecondsToFirstEntry = 2;
-/// Plans are changed by another program, which tells nobody.
+/// Plans are changed by another program, and a home screen may have no widget that tells of it.
 constexpr int kSecondsToPlans = 15;
 constexpr const char* kPlansRefresh = " data-refresh=\"15\"";
 
