@@ -13,6 +13,7 @@
 #include "app/widget_request.h"
 #include "platform/services.h"
 #include "widgets/view/style.h"
+#include "widgets/widget_bundle.h"
 
 namespace lumenquest::bench {
 namespace {

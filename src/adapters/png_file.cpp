@@ -1,7 +1,9 @@
 #include "png_file.h"
 
+#include <isa-l/igzip_lib.h>
 #include <png.h>
 
+#include <array>
 #include <cmath>
 #include <csetjmp>
 #include <cstdint>
@@ -20,8 +22,11 @@ constexpr std::size_t kLongestFault = 160;
 
 }  // namespace
 
-/// The library leaves by longjmp() where it fails, past all destructors: whoever calls it in this
-/// file has none to run.
+/// The file is libpng's, the pixels in it are packed by ISA-L: flat panels with texts come out as
+/// large as with zlib's lower levels, in a fifth of the time.
+///
+/// libpng leaves by longjmp() where it fails, past all destructors: whoever calls it in this file
+/// has none to run.
 struct PngFile::Writer {
   Writer() = default;
   Writer(const Writer&) = delete;
@@ -29,7 +34,8 @@ struct PngFile::Writer {
   ~Writer() { png_destroy_write_struct(&png, &info); }
 
   bool Begin(png_uint_32 height, png_uint_32 pixelsPerMeter);
-  bool Write(const unsigned char* row);
+  /// Packs `row`.
+  bool Write();
   bool End();
   [[noreturn]] void Throw() const;
 
@@ -38,7 +44,14 @@ struct PngFile::Writer {
   png_uint_32 width = 0;
   png_structp png = nullptr;
   png_infop info = nullptr;
+  /// With the number of its filter before it: none, which only makes these pictures larger.
   std::vector<unsigned char> row;
+  isal_zstream packer{};
+  std::vector<unsigned char> packerMemory = std::vector<unsigned char>(ISAL_DEF_LVL1_DEFAULT);
+  std::array<unsigned char, 32 * 1024> packed{};
+
+ private:
+  void TakePacked();
 };
 
 namespace {
@@ -89,28 +102,44 @@ bool PngFile::Writer::Begin(png_uint_32 height, png_uint_32 pixelsPerMeter) {
   if (info == nullptr) return false;
   if (setjmp(png_jmpbuf(png)) != 0) return false;
   png_set_write_fn(png, &bytes, Append, Flush);
-  // Flat panels with texts: filters only make them larger, and higher levels take twice as long
-  // for a seventh less.
-  constexpr int kLevel = 3;
-  png_set_compression_level(png, kLevel);
-  png_set_filter(png, PNG_FILTER_TYPE_BASE, PNG_FILTER_NONE);
   png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
                PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
   png_set_sRGB(png, info, PNG_sRGB_INTENT_PERCEPTUAL);
   png_set_pHYs(png, info, pixelsPerMeter, pixelsPerMeter, PNG_RESOLUTION_METER);
   png_write_info(png, info);
+  isal_deflate_init(&packer);
+  packer.level = 1;
+  packer.level_buf = packerMemory.data();
+  packer.level_buf_size = static_cast<std::uint32_t>(packerMemory.size());
+  packer.gzip_flag = IGZIP_ZLIB;
   return true;
 }
 
-bool PngFile::Writer::Write(const unsigned char* data) {
+void PngFile::Writer::TakePacked() {
+  do {
+    packer.next_out = packed.data();
+    packer.avail_out = static_cast<std::uint32_t>(packed.size());
+    if (isal_deflate(&packer) != COMP_OK) png_error(png, "its pixels cannot be packed");
+    const std::size_t length = packed.size() - packer.avail_out;
+    if (length > 0) {
+      png_write_chunk(png, reinterpret_cast<png_const_bytep>("IDAT"), packed.data(), length);
+    }
+  } while (packer.avail_out == 0);
+}
+
+bool PngFile::Writer::Write() {
   if (setjmp(png_jmpbuf(png)) != 0) return false;
-  png_write_row(png, data);
+  packer.next_in = row.data();
+  packer.avail_in = static_cast<std::uint32_t>(row.size());
+  TakePacked();
   return true;
 }
 
 bool PngFile::Writer::End() {
   if (setjmp(png_jmpbuf(png)) != 0) return false;
-  png_write_end(png, nullptr);
+  packer.end_of_stream = 1;
+  TakePacked();
+  png_write_chunk(png, reinterpret_cast<png_const_bytep>("IEND"), nullptr, 0);
   return true;
 }
 
@@ -121,7 +150,7 @@ void PngFile::Writer::Throw() const {
 PngFile::PngFile(int width, int height, double scale) : writer_(std::make_unique<Writer>()) {
   constexpr double kPointsPerMeter = 96.0 / 0.0254;
   writer_->width = static_cast<png_uint_32>(width);
-  writer_->row.resize(4 * static_cast<std::size_t>(width));
+  writer_->row.resize(1 + 4 * static_cast<std::size_t>(width));
   if (!writer_->Begin(static_cast<png_uint_32>(height),
                       static_cast<png_uint_32>(std::lround(kPointsPerMeter * scale)))) {
     writer_->Throw();
@@ -131,13 +160,13 @@ PngFile::PngFile(int width, int height, double scale) : writer_(std::make_unique
 PngFile::~PngFile() = default;
 
 void PngFile::addRow(const unsigned char* premultiplied) {
-  unsigned char* to = writer_->row.data();
+  unsigned char* const to = writer_->row.data() + 1;
   for (png_uint_32 x = 0; x < writer_->width; ++x) {
     std::uint32_t pixel = 0;
     std::memcpy(&pixel, premultiplied + 4 * x, sizeof pixel);
     Separate(pixel, to + 4 * x);
   }
-  if (!writer_->Write(writer_->row.data())) writer_->Throw();
+  if (!writer_->Write()) writer_->Throw();
 }
 
 std::string PngFile::finish() {
