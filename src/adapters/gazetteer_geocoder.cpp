@@ -38,7 +38,18 @@ GazetteerGeocoder::GazetteerGeocoder(Opener open, std::shared_ptr<platform::Main
 
 void GazetteerGeocoder::reverseGeocodeLocation(const platform::CLLocation& location,
                                                Completion completion) {
-  Ask([location](Gazetteer& gazetteer) { return gazetteer.reverseGeocodeLocation(location); },
+  Ask(
+      [location](Gazetteer& gazetteer) {
+        auto placemarks = gazetteer.reverseGeocodeLocation(location);
+        // Where no place is near, as under the darkest skies, its hours are still known.
+        if (placemarks.empty() && location.coordinate.isValid()) {
+          platform::CLPlacemark wilderness;
+          wilderness.location = location;
+          wilderness.timeZone = gazetteer.timeZoneAt(location.coordinate);
+          placemarks.push_back(std::move(wilderness));
+        }
+        return placemarks;
+      },
       std::move(completion));
 }
 

@@ -122,7 +122,7 @@ SqliteConnection& SqliteUserDefaults::Writing() {
 
 std::optional<platform::NSUserDefaults::Value> SqliteUserDefaults::objectForKey(
     const std::string& key) const {
-  const std::lock_guard lock(mutex_);
+  const std::scoped_lock lock(mutex_);
   SqliteConnection* connection = Reading();
   if (connection == nullptr) return std::nullopt;
   try {
@@ -137,7 +137,7 @@ std::optional<platform::NSUserDefaults::Value> SqliteUserDefaults::objectForKey(
 }
 
 void SqliteUserDefaults::setObject(const std::optional<Value>& value, const std::string& forKey) {
-  const std::lock_guard lock(mutex_);
+  const std::scoped_lock lock(mutex_);
   try {
     SqliteConnection& connection = Writing();
     SqliteStatement statement(
@@ -158,7 +158,7 @@ void SqliteUserDefaults::setObject(const std::optional<Value>& value, const std:
 }
 
 platform::NSUserDefaults::Dictionary SqliteUserDefaults::dictionaryRepresentation() const {
-  const std::lock_guard lock(mutex_);
+  const std::scoped_lock lock(mutex_);
   Dictionary values;
   SqliteConnection* connection = Reading();
   if (connection == nullptr) return values;
@@ -171,14 +171,39 @@ platform::NSUserDefaults::Dictionary SqliteUserDefaults::dictionaryRepresentatio
   return values;
 }
 
+void SqliteUserDefaults::atomically(const std::function<void()>& body) {
+  const std::scoped_lock lock(mutex_);
+  std::optional<SqliteTransaction> transaction;
+  std::error_code unreachable;
+  if (!isAtomic_ && std::filesystem::exists(path_, unreachable)) {
+    try {
+      transaction.emplace(Writing(), true);
+    } catch (const SqliteFailure& failure) {
+      error_ = fileError(failure, path_);
+    } catch (const std::filesystem::filesystem_error& failure) {
+      error_ = fileError(failure, path_);
+    }
+  }
+  const bool wasAtomic = std::exchange(isAtomic_, true);
+  body();
+  isAtomic_ = wasAtomic;
+  if (!transaction) return;
+  try {
+    transaction->Commit();
+  } catch (const SqliteFailure& failure) {
+    error_ = fileError(failure, path_);
+    writeFailed_ = true;
+  }
+}
+
 bool SqliteUserDefaults::synchronize() {
-  const std::lock_guard lock(mutex_);
+  const std::scoped_lock lock(mutex_);
   // Every write was committed when it was made.
   return !std::exchange(writeFailed_, false);
 }
 
 std::optional<platform::NSError> SqliteUserDefaults::error() const {
-  const std::lock_guard lock(mutex_);
+  const std::scoped_lock lock(mutex_);
   return error_;
 }
 

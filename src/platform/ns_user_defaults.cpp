@@ -119,6 +119,22 @@ void SavedLocation::savePlace(const SavedPlace& place) {
   suite->synchronize();
 }
 
+std::pair<std::optional<CLLocation>, SavedPlace> SavedLocation::loadWithPlace() {
+  NSUserDefaults* const suite = NSUserDefaults::lumenquestUserDefaults();
+  std::pair<std::optional<CLLocation>, SavedPlace> saved;
+  if (suite != nullptr) suite->atomically([&] { saved = {load(), readPlace()}; });
+  return saved;
+}
+
+void SavedLocation::atomically(const std::function<void()>& body) {
+  NSUserDefaults* const suite = NSUserDefaults::lumenquestUserDefaults();
+  if (suite != nullptr) {
+    suite->atomically(body);
+  } else {
+    body();
+  }
+}
+
 SavedPlace SavedLocation::readPlace() {
   const NSUserDefaults* suite = NSUserDefaults::lumenquestUserDefaults();
   if (suite == nullptr) return {};
@@ -130,18 +146,22 @@ SavedPlace SavedLocation::saveGeocoded(const std::vector<CLPlacemark>& placemark
                                        const CLLocation& location) {
   const SavedPlace place = geocodedPlace(placemarks, failed, location);
   // A coordinate's text is shown and never kept.
-  savePlace(failed || placemarks.empty() ? SavedPlace{} : place);
+  const bool hasPlace = !failed && !placemarks.empty();
+  savePlace({hasPlace ? placemarks.front().cityTitle() : std::nullopt, place.timeZone});
   return place;
 }
 
 SavedPlace SavedLocation::geocodedPlace(const std::vector<CLPlacemark>& placemarks, bool failed,
                                         const CLLocation& location) {
-  if (failed || placemarks.empty()) {
-    return {LocationUtils::latLonStringWithCoordinate(location.coordinate), std::nullopt};
+  SavedPlace place;
+  if (!failed && !placemarks.empty()) {
+    const CLPlacemark& placemark = placemarks.front();
+    place.address = placemark.cityTitle();
+    if (placemark.timeZone) place.timeZone = placemark.timeZone->name;
   }
-  const CLPlacemark& placemark = placemarks.front();
-  SavedPlace place{placemark.cityTitle(), std::nullopt};
-  if (placemark.timeZone) place.timeZone = placemark.timeZone->name;
+  if (!place.address) {
+    place.address = LocationUtils::latLonStringWithCoordinate(location.coordinate);
+  }
   return place;
 }
 

@@ -17,6 +17,7 @@ namespace {
 using platform::CLLocation;
 using platform::CLPlacemark;
 using platform::NSError;
+using platform::NSTimeZone;
 
 const std::string kFile = LUMENQUEST_TEST_RESOURCES "/gazetteer.sqlite";
 
@@ -37,16 +38,17 @@ struct Answer {
 
 TEST(GazetteerGeocoder, AnswersOnTheQueueEvenWhenItIsGone) {
   const auto queue = std::make_shared<testing::QueueInMemory>();
-  Answer forward, reverse, nothing;
+  Answer forward, reverse, wilderness, nothing;
   {
     GazetteerGeocoder geocoder(std::make_shared<Gazetteer>(kFile, "en_US"), queue);
     geocoder.geocodeAddressString("Moab, Utah", forward.Completion());
     geocoder.reverseGeocodeLocation(CLLocation{{46.3625, 14.0936}}, reverse.Completion());
+    geocoder.reverseGeocodeLocation(CLLocation{{-23.7, -67.8}}, wilderness.Completion());
     geocoder.geocodeAddressString("qqqqzzzz", nothing.Completion());
-    EXPECT_EQ(forward.calls + reverse.calls + nothing.calls, 0);
+    EXPECT_EQ(forward.calls + reverse.calls + wilderness.calls + nothing.calls, 0);
   }
   queue->RunAll();
-  for (const Answer* answer : {&forward, &reverse, &nothing}) {
+  for (const Answer* answer : {&forward, &reverse, &wilderness, &nothing}) {
     EXPECT_EQ(answer->calls, 1);
     EXPECT_FALSE(answer->error);
   }
@@ -56,6 +58,10 @@ TEST(GazetteerGeocoder, AnswersOnTheQueueEvenWhenItIsGone) {
             (platform::PostalAddress{"Moab", "Utah", "United States"}));
   ASSERT_EQ(reverse.placemarks.size(), 1u);
   EXPECT_EQ(reverse.placemarks[0].cityTitle(), "Bled");
+  // Far from every town there are hours, though no name.
+  ASSERT_EQ(wilderness.placemarks.size(), 1u);
+  EXPECT_EQ(wilderness.placemarks[0].timeZone, NSTimeZone{"America/Santiago"});
+  EXPECT_EQ(wilderness.placemarks[0].cityTitle(), std::nullopt);
   EXPECT_TRUE(nothing.placemarks.empty());
 }
 

@@ -85,6 +85,33 @@ TEST(SqliteUserDefaults, HoldsEveryTypeAndText) {
   EXPECT_EQ(again.integerForKey("integer"), 7);
 }
 
+TEST(SqliteUserDefaults, KeepsTogetherWhatIsDoneAtomically) {
+  const ScratchFolder folder;
+  const std::string path = folder / "settings.sqlite";
+  SqliteUserDefaults(path).setInteger(0, "first");
+  constexpr int kRounds = 200;
+  const auto count = [&] {
+    SqliteUserDefaults settings(path);
+    for (int i = 0; i < kRounds; ++i) {
+      settings.atomically([&] {
+        const std::int64_t value = settings.integerForKey("first") + 1;
+        settings.setInteger(value, "first");
+        settings.atomically([&] { settings.setInteger(value, "second"); });
+      });
+    }
+  };
+  const pid_t children[] = {Fork(count), Fork(count)};
+  const SqliteUserDefaults watcher(path);
+  for (int i = 0; i < kRounds; ++i) {
+    auto values = watcher.dictionaryRepresentation();
+    if (values.contains("second")) {
+      EXPECT_EQ(values["first"], values["second"]);
+    }
+  }
+  for (const pid_t child : children) EXPECT_EQ(Wait(child), 0);
+  EXPECT_EQ(watcher.integerForKey("first"), 2 * kRounds);
+}
+
 TEST(SqliteUserDefaults, LeavesForeignFilesAlone) {
   const ScratchFolder folder;
   const std::string foreign = folder / "foreign.sqlite";

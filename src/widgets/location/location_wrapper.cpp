@@ -1,6 +1,7 @@
 #include "widgets/location/location_wrapper.h"
 
 #include <cmath>
+#include <tuple>
 #include <utility>
 
 #include "platform/geocoder.h"
@@ -26,12 +27,14 @@ bool wantsCurrentLocation(const LocationSelectorIntent* intent) {
 
 /// One call of getLocation, and what was known when it began.
 struct LocationWrapper::Request {
-  std::optional<CLLocation> savedLocation = SavedLocation::load();
-  SavedPlace savedPlace = SavedLocation::readPlace();
+  std::optional<CLLocation> savedLocation;
+  SavedPlace savedPlace;
   ErrorReporter errorReporter;
   std::shared_ptr<CLAuthorizationStatus> status;
   Completion completion;
   bool isDone = false;
+
+  Request() { std::tie(savedLocation, savedPlace) = SavedLocation::loadWithPlace(); }
 
   bool isAnswered() const { return completion == nullptr; }
   void CompleteWithSaved() { Complete(savedLocation, savedPlace); }
@@ -181,13 +184,13 @@ void LocationWrapper::Request::ResolvePlace(const std::shared_ptr<Request>& requ
   const bool isSamePlace =
       request->savedPlace.address && request->savedLocation &&
       location->distanceFromLocation(*request->savedLocation) <= kSamePlaceDistance;
-  // A title that is not this place's must never stand beside its coordinate: another widget would
-  // take it for this place's. By now it may be that of some other widget's place, too.
-  const bool isTitled = isSamePlace && SavedLocation::readPlace() == request->savedPlace;
-  if (!isTitled) SavedLocation::savePlace({});
-  SavedLocation::save(location->coordinate);
+  // A title that is not this place's must never stand beside its coordinate: another widget, or
+  // another host, would take it for this place's.
+  SavedLocation::atomically([&] {
+    SavedLocation::save(location->coordinate);
+    SavedLocation::savePlace(isSamePlace ? request->savedPlace : SavedPlace{});
+  });
   if (isSamePlace) {
-    if (!isTitled) SavedLocation::savePlace(request->savedPlace);
     if (!wasDone) request->Complete(*location, request->savedPlace);
     return;
   }
@@ -195,11 +198,14 @@ void LocationWrapper::Request::ResolvePlace(const std::shared_ptr<Request>& requ
       *location,
       [request, location = *location, wasDone](const std::vector<platform::CLPlacemark>& placemarks,
                                                const std::optional<platform::NSError>& error) {
-        // By now another widget may have saved another place, whose title is on its way.
-        const auto last = SavedLocation::load();
-        const bool isLast = last && last->coordinate == location.coordinate;
-        const auto take = isLast ? &SavedLocation::saveGeocoded : &SavedLocation::geocodedPlace;
-        const SavedPlace place = take(placemarks, error.has_value(), location);
+        SavedPlace place;
+        SavedLocation::atomically([&] {
+          // By now another widget may have saved another place, whose title is on its way.
+          const auto last = SavedLocation::load();
+          const bool isLast = last && last->coordinate == location.coordinate;
+          const auto take = isLast ? &SavedLocation::saveGeocoded : &SavedLocation::geocodedPlace;
+          place = take(placemarks, error.has_value(), location);
+        });
         if (!wasDone) request->Complete(location, place);
       });
 }

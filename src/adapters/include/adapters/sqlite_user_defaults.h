@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -12,8 +13,9 @@ namespace lumenquest::adapters {
 
 class SqliteConnection;
 
-/// Settings in a SQLite file that several processes use at once. Every write is a transaction of
-/// its own: the last writer wins, key by key, and a process that dies leaves whole values.
+/// Settings in a SQLite file that several processes use at once. Every write outside atomically()
+/// is a transaction of its own: the last writer wins, key by key, and a process that dies leaves
+/// whole values.
 ///
 /// The file and its folder are made by the first write; until then every key is absent. A file that
 /// cannot be read, or is no settings file, is left as it is: readers find nothing, writers do
@@ -26,6 +28,8 @@ class SqliteUserDefaults final : public platform::NSUserDefaults {
   std::optional<Value> objectForKey(const std::string& key) const override;
   void setObject(const std::optional<Value>& value, const std::string& forKey) override;
   Dictionary dictionaryRepresentation() const override;
+  /// Where the file cannot be written, or is not there yet, only this object's threads wait.
+  void atomically(const std::function<void()>& body) override;
   /// False when a write since the last call failed.
   bool synchronize() override;
 
@@ -40,11 +44,12 @@ class SqliteUserDefaults final : public platform::NSUserDefaults {
   SqliteConnection& Writing();
 
   std::string path_;
-  mutable std::mutex mutex_;
+  mutable std::recursive_mutex mutex_;
   mutable std::unique_ptr<SqliteConnection> connection_;
   mutable std::optional<platform::NSError> error_;
   bool writable_ = false;
   bool writeFailed_ = false;
+  bool isAtomic_ = false;
 };
 
 }  // namespace lumenquest::adapters

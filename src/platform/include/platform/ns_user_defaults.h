@@ -6,6 +6,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -39,6 +40,9 @@ class NSUserDefaults {
   /// Nothing removes the key.
   virtual void setObject(const std::optional<Value>& value, const std::string& forKey) = 0;
   virtual Dictionary dictionaryRepresentation() const = 0;
+  /// What `body` reads and writes belongs together: no other process, thread or object on the same
+  /// store writes in between, and others see all of it or nothing. May be nested.
+  virtual void atomically(const std::function<void()>& body) { body(); }
   /// Makes what was written visible to other processes. False when that failed.
   virtual bool synchronize() = 0;
 
@@ -96,9 +100,13 @@ class SavedLocation {
   /// An absent part removes its key.
   static void savePlace(const SavedPlace& place);
   static SavedPlace readPlace();
+  /// Both as they stood at one moment: other processes save places, too.
+  static std::pair<std::optional<CLLocation>, SavedPlace> loadWithPlace();
+  /// Nobody else saves between what `body` does.
+  static void atomically(const std::function<void()>& body);
 
   /// Takes a geocoder's answer for a location: the first placemark's title and zone are saved. On
-  /// failure both keys are removed and the coordinate's text becomes the title handed on.
+  /// failure both keys are removed. Where there is no title the coordinate's text is handed on.
   static SavedPlace saveGeocoded(const std::vector<CLPlacemark>& placemarks, bool failed,
                                  const CLLocation& location);
   /// The place of such an answer, nothing saved.
