@@ -1,11 +1,15 @@
 #include "app/running_home.h"
 
-#include <gio/gio.h>
+#include <fcntl.h>
+#include <glib.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
-#include <vector>
 
 #include "adapters/files.h"
 #include "adapters/xdg_file_manager.h"
@@ -18,36 +22,30 @@ namespace fs = std::filesystem;
 
 constexpr const char* kScheme = "lumenquest://";
 
-/// Where running hosts say where they listen, a file each.
+/// Where running hosts say where they listen, a file each, which its host keeps locked.
 std::optional<fs::path> AddressFolder() {
   const auto folder = adapters::cacheFolder();
   return folder ? std::optional(*folder / "hosts") : std::nullopt;
 }
 
-bool Answers(const std::string& url) {
-  GSocketClient* const client = g_socket_client_new();
-  g_socket_client_set_timeout(client, 2);
-  GSocketConnection* const connection =
-      g_socket_client_connect_to_uri(client, url.c_str(), 80, nullptr, nullptr);
-  const bool isThere = connection != nullptr;
-  if (isThere) g_object_unref(connection);
-  g_object_unref(client);
-  return isThere;
+/// Whether the host that wrote the file still runs. What a host that died left behind is removed.
+bool IsHeld(const fs::path& path) {
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file < 0) return false;
+  const bool isHeld = flock(file, LOCK_SH | LOCK_NB) != 0;
+  std::error_code ignored;
+  if (!isHeld) fs::remove(path, ignored);
+  close(file);
+  return isHeld;
 }
 
-/// The page of a host that answers.
+/// The page of a host that runs.
 std::string RunningHost() {
-  std::vector<std::string> candidates;
   std::error_code error;
   if (const auto folder = AddressFolder()) {
     for (const auto& entry : fs::directory_iterator(*folder, error)) {
-      candidates.push_back(adapters::contentsOfFile(entry.path()));
+      if (IsHeld(entry.path())) return adapters::contentsOfFile(entry.path());
     }
-  }
-  // Where one may be that could not say so.
-  candidates.push_back("http://127.0.0.1:" + std::to_string(kUsualHomePort) + "/");
-  for (const std::string& url : candidates) {
-    if (Answers(url)) return url;
   }
   throw std::runtime_error(appText("error_no_host"));
 }
@@ -59,13 +57,24 @@ HomeAnnouncement::HomeAnnouncement(std::uint16_t port, const std::string& url) {
   if (!folder) return;
   std::error_code ignored;
   fs::create_directories(*folder, ignored);
-  file_ = *folder / std::to_string(port);
-  adapters::writeFileWhole(file_, url);
+  path_ = (*folder / std::to_string(port)).string();
+  do {
+    if (file_ >= 0) close(file_);
+    file_ = open(path_.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    if (file_ < 0) return;
+    flock(file_, LOCK_EX);
+    // Whoever looked meanwhile may have taken it for that of a host that died.
+    struct stat status {};
+    if (fstat(file_, &status) != 0 || status.st_nlink > 0) break;
+  } while (true);
+  // Where it cannot be written the host is one that `home open` does not find.
+  if (ftruncate(file_, 0) != 0 || write(file_, url.data(), url.size()) < 0) unlink(path_.c_str());
 }
 
 HomeAnnouncement::~HomeAnnouncement() {
-  std::error_code ignored;
-  if (!file_.empty()) fs::remove(file_, ignored);
+  if (file_ < 0) return;
+  unlink(path_.c_str());
+  close(file_);
 }
 
 std::string runningPage(const OptionText& deepLink) {

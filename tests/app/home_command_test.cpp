@@ -6,6 +6,8 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "app/running_home.h"
+#include "app/runtime.h"
 #include "command_fixture.h"
 
 namespace lumenquest::app {
@@ -45,6 +47,24 @@ std::string Ids() {
   std::string ids;
   for (const Json& widget : Widgets()) ids += widget.at("id").get<std::string>() + " ";
   return ids;
+}
+
+TEST(HomeCommand, ARunningHostIsFoundAndADeadOneForgotten) {
+  const Home home;
+  installServices({"en"});
+  const fs::path dead = home / "cache/lumenquest/hosts/9999";
+  fs::create_directories(dead.parent_path());
+  std::ofstream(dead) << "http://127.0.0.1:9999/";
+  EXPECT_THROW(runningPage(std::nullopt), std::runtime_error);
+  EXPECT_FALSE(fs::exists(dead));
+  {
+    const HomeAnnouncement running(8437, "http://127.0.0.1:8437/");
+    EXPECT_EQ(runningPage(std::nullopt), "http://127.0.0.1:8437/");
+    EXPECT_EQ(runningPage("lumenquest://plan?id=1"),
+              "http://127.0.0.1:8437/open?url=lumenquest%3A%2F%2Fplan%3Fid%3D1");
+  }
+  EXPECT_THROW(runningPage(std::nullopt), std::runtime_error);
+  EXPECT_TRUE(fs::is_empty(dead.parent_path()));
 }
 
 TEST(HomeCommand, TheHomeScreenIsEdited) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/command_line.h"
+#include "app/home_server.h"
 #include "scratch_folder.h"
 
 namespace lumenquest::testing {
@@ -29,7 +30,7 @@ struct Result {
 /// Calls the command as its users do.
 inline Result Call(const std::vector<std::string>& arguments) {
   std::ostringstream out, err;
-  const int code = app::run(arguments, out, err);
+  const int code = app::run(arguments, out, err, app::serveHome);
   return {code, out.str(), err.str()};
 }
 

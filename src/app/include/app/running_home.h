@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 
 #include "app/widget_request.h"
@@ -20,7 +19,9 @@ class HomeAnnouncement {
   HomeAnnouncement& operator=(const HomeAnnouncement&) = delete;
 
  private:
-  std::filesystem::path file_;
+  std::string path_;
+  /// Locked: so others tell a host that runs from one that died.
+  int file_ = -1;
 };
 
 /// The page of the running host to which a deep link leads; nothing given: its home screen. Throws
