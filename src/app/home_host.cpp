@@ -119,6 +119,8 @@ HomeHost::HomeHost(const HomeOptions& options) : file_(homeScreenFile()) {
         std::make_unique<adapters::FileWatcher>(std::move(files), std::move(changed)));
   };
   watch({HomeScreenPath()}, [this] { ReadAgain(); });
+  const auto position = configuredPositionFile();
+  if (position && !options.here) watch({*position}, [this] { ReadPosition(); });
   watch(kZoneFiles, [this] { Restart(); });
   const auto group =
       platform::Services::current().fileManager().containerOfGroup(platform::kApplicationGroup);
@@ -141,6 +143,16 @@ void HomeHost::run(const std::function<bool()>& done) {
 void HomeHost::Restart() {
   installServices(runtime_);
   scheduler_->restart();
+}
+
+void HomeHost::ReadPosition() {
+  try {
+    runtime_.here = configuredPosition();
+    Restart();
+  } catch (const std::runtime_error& error) {
+    // What stood before goes on until the file is right.
+    reportTrouble(error.what());
+  }
 }
 
 void HomeHost::ReadAgain() {

@@ -73,13 +73,16 @@ std::unique_ptr<adapters::Gazetteer> openGazetteer(const std::string& locale) {
   return std::make_unique<adapters::Gazetteer>(resourceFolder() + "/gazetteer.sqlite", locale);
 }
 
-std::optional<platform::CLLocationCoordinate2D> configuredPosition() {
+std::optional<std::filesystem::path> configuredPositionFile() {
   const auto folder = adapters::configurationFolder();
-  if (!folder) return std::nullopt;
-  const std::filesystem::path file = *folder / "position.json";
+  return folder ? std::optional(*folder / "position.json") : std::nullopt;
+}
+
+std::optional<platform::CLLocationCoordinate2D> configuredPosition() {
+  const auto file = configuredPositionFile();
   std::error_code error;
-  if (!std::filesystem::exists(file, error)) return std::nullopt;
-  std::ifstream stream(file);
+  if (!file || !std::filesystem::exists(*file, error)) return std::nullopt;
+  std::ifstream stream(*file);
   const auto json = nlohmann::json::parse(stream, nullptr, false);
   const auto number = [&](const char* name) {
     const auto found = json.is_object() ? json.find(name) : json.end();
@@ -89,7 +92,7 @@ std::optional<platform::CLLocationCoordinate2D> configuredPosition() {
   const platform::CLLocationCoordinate2D position{number("latitude"), number("longitude")};
   if (position.isValid()) return position;
   throw std::runtime_error(
-      platform::stringWithFormat(appText("error_position_file"), {file.string()}));
+      platform::stringWithFormat(appText("error_position_file"), {file->string()}));
 }
 
 void requestReload() {

@@ -29,7 +29,7 @@ void reportTrouble(const std::string& message);
 host::HomeScreenFile homeScreenFile();
 
 /// A host on this machine: the scheduler on the system's clock, and what makes it ask again before
-/// time: a changed home screen, changed plans, `settings set`, another time zone.
+/// time: a changed home screen, position or plans, `settings set`, another time zone.
 class HomeHost {
  public:
   /// Installs the services. Throws UsageError, HomeScreenError, std::runtime_error.
@@ -49,6 +49,7 @@ class HomeHost {
  private:
   void Restart();
   void ReadAgain();
+  void ReadPosition();
 
   RuntimeOptions runtime_;
   host::HomeScreenFile file_;

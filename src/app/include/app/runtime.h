@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,6 +31,8 @@ enum class StoreRole { reader, owner };
 /// 46.36, "longitude": 14.09}. Absent: there is no such file. Throws std::runtime_error when it
 /// says something else.
 std::optional<platform::CLLocationCoordinate2D> configuredPosition();
+/// Where that file is, or would be; absent: the user has no folder for it.
+std::optional<std::filesystem::path> configuredPositionFile();
 
 /// Which adapters to install.
 struct RuntimeOptions {
