@@ -61,8 +61,6 @@ struct Scene {
 const std::vector<Scene>& Scenes() {
   static const std::vector<WidgetSize> all{kSunSmall,   kSunMedium,      kMoonSmall,
                                            kMoonMedium, kGalacticCenter, kLarge};
-  static const std::vector<WidgetSize> bodies{kSunSmall, kSunMedium, kMoonSmall, kMoonMedium,
-                                              kLarge};
   static const std::vector<WidgetSize> moon{kMoonSmall, kMoonMedium, kLarge};
   // Lake Bled, the ice of Spitsbergen, the outback under the galactic centre, Atacama.
   static const std::vector<Scene> scenes{
@@ -70,8 +68,8 @@ const std::vector<Scene>& Scenes() {
       {"blue-hour", "gallery_blue_hour", -25.34, 131.03, "2027-07-03T08:55:00Z", all},
       {"day", "gallery_day", 38.57, -109.55, "2027-09-20T18:00:00Z", all},
       {"night", "gallery_night", -22.91, -68.2, "2027-06-05T04:00:00Z", all},
-      {"polar-day", "gallery_polar_day", 78.22, 15.65, "2027-06-21T22:00:00Z", bodies},
-      {"polar-night", "gallery_polar_night", 78.22, 15.65, "2027-12-21T11:00:00Z", bodies},
+      {"polar-day", "gallery_polar_day", 78.22, 15.65, "2027-06-21T22:00:00Z", all},
+      {"polar-night", "gallery_polar_night", 78.22, 15.65, "2027-12-21T11:00:00Z", all},
       {"no-galactic-centre",
        "gallery_no_galactic_centre",
        64.15,
@@ -165,22 +163,6 @@ Section NextVisibleSection(const std::string& locale) {
   return section;
 }
 
-/// Widgets whose theme is not the host's scheme.
-Section ThemeSection(const std::string& locale) {
-  Section section{appText("gallery_themes"), {}};
-  for (const auto& [name, theme] :
-       {std::pair("theme-dark", widgets::ThemeStyleEnum::themeDark),
-        std::pair("theme-light", widgets::ThemeStyleEnum::themeLight)}) {
-    Scene scene = Scenes().front();
-    scene.name = name;
-    for (Exhibit& exhibit : LocatedSection(scene, locale).exhibits) {
-      std::visit([&](auto& entry) { entry.theme = theme; }, exhibit.entry);
-      section.exhibits.push_back(std::move(exhibit));
-    }
-  }
-  return section;
-}
-
 Section PlansSection(const char* name, const char* titleKey, std::vector<widgets::PlanItem> plans) {
   const widgets::PlansTimelineEntry entry{platform::NSDate::date(), std::move(plans),
                                           widgets::ThemeStyleEnum::themeSystem};
@@ -198,6 +180,38 @@ std::vector<widgets::PlanItem> SamplePlans() {
           plan("gallery_plan_2", "2027-06-05T03:30:00Z", "America/Santiago", "2"),
           plan("gallery_plan_3", "2027-08-02T10:07:00Z", "Africa/Cairo", "3"),
           plan("gallery_plan_4", "2027-09-20T00:45:00Z", "America/Denver", "4")};
+}
+
+/// Widgets whose theme is not the host's scheme.
+Section ThemeSection(const std::string& locale) {
+  Section section{appText("gallery_themes"), {}};
+  for (const auto& [name, theme] :
+       {std::pair("theme-dark", widgets::ThemeStyleEnum::themeDark),
+        std::pair("theme-light", widgets::ThemeStyleEnum::themeLight)}) {
+    Scene scene = Scenes().front();
+    scene.name = name;
+    std::vector<Exhibit> exhibits = LocatedSection(scene, locale).exhibits;
+    const Section plans = PlansSection(name, "gallery_four_plans", SamplePlans());
+    exhibits.insert(exhibits.end(), plans.exhibits.begin(), plans.exhibits.end());
+    for (Exhibit& exhibit : exhibits) {
+      std::visit([&](auto& entry) { entry.theme = theme; }, exhibit.entry);
+      section.exhibits.push_back(std::move(exhibit));
+    }
+  }
+  return section;
+}
+
+/// Where systems know no tinting the host's wish for it changes nothing.
+Section EarlierSystemSection(const std::string& locale) {
+  Scene scene = Scenes().front();
+  scene.name = "earlier-system";
+  Section section = LocatedSection(scene, locale);
+  const Section plans = PlansSection(scene.name, "gallery_four_plans", SamplePlans());
+  section.exhibits.insert(section.exhibits.end(), plans.exhibits.begin(), plans.exhibits.end());
+  section.title = appText("gallery_earlier_system");
+  section.renderingMode = view::WidgetRenderingMode::accented;
+  section.system = {17, 0};
+  return section;
 }
 
 /// What a host that tints makes of some of the exhibits.
@@ -240,10 +254,19 @@ std::vector<Section> exhibition(const std::string& locale) {
       PlacelessSection("time-out", "gallery_time_out",
                        {&nowhere, CLAuthorizationStatus::authorizedWhenInUse, {}, {}, true}));
   sections.push_back(TintedSection(sections));
+  sections.push_back(EarlierSystemSection(locale));
   return sections;
 }
 
 namespace {
+
+view::Environment EnvironmentOf(const Section& section, const Exhibit& exhibit,
+                                view::Environment environment) {
+  environment.family = exhibit.family;
+  environment.renderingMode = section.renderingMode;
+  environment.system = section.system;
+  return environment;
+}
 
 /// Draws exhibits in rows under the headings of their sections, or only tells how high that gets.
 class Sheet {
@@ -307,9 +330,7 @@ class Sheet {
 
   void Draw(const Exhibit& exhibit, const Section& section, const view::Environment& environment,
             platform::CGPoint origin) {
-    view::Environment own = environment;
-    own.family = exhibit.family;
-    own.renderingMode = section.renderingMode;
+    view::Environment own = EnvironmentOf(section, exhibit, environment);
     const view::Element element = host::viewOf(exhibit.entry, own);
     canvas_->save();
     canvas_->concatenate(platform::CGAffineTransform::translation(origin.x, origin.y));
@@ -324,11 +345,11 @@ class Sheet {
 };
 
 /// Whether the host's scheme makes a difference: not where it tints, nor against a theme.
-bool FollowsScheme(const Section& section, const Exhibit& exhibit) {
+bool FollowsScheme(const Exhibit& exhibit, const view::Environment& environment) {
   const bool hasTheme = std::visit(
       [](const auto& entry) { return entry.theme != widgets::ThemeStyleEnum::themeSystem; },
       exhibit.entry);
-  return section.renderingMode == view::WidgetRenderingMode::fullColor && !hasTheme;
+  return !environment.isTinted() && !hasTheme;
 }
 
 std::string RunGallery(const GalleryOptions& options) {
@@ -353,11 +374,9 @@ std::string RunGallery(const GalleryOptions& options) {
     const std::string suffix = scheme == platform::ColorScheme::dark ? "-dark" : "-light";
     for (const Section& section : sections) {
       for (const Exhibit& exhibit : section.exhibits) {
-        const bool followsScheme = FollowsScheme(section, exhibit);
+        view::Environment own = EnvironmentOf(section, exhibit, environment);
+        const bool followsScheme = FollowsScheme(exhibit, own);
         if (!followsScheme && scheme != platform::ColorScheme::dark) continue;  // is there already
-        view::Environment own = environment;
-        own.family = exhibit.family;
-        own.renderingMode = section.renderingMode;
         const view::Element element = host::viewOf(exhibit.entry, own);
         const std::string file = exhibit.fileName + (followsScheme ? suffix : "") + ".png";
         const PictureOptions picture{view::sizeOf(exhibit.family), scale, ""};

@@ -188,6 +188,8 @@ class Exporter {
   }
 
   void Write(const ShownWidget& shown) {
+    // Somebody may have swept it away meanwhile, as people do with a cache.
+    makeFolder(folder_);
     view::Environment environment = environment_;
     environment.family = shown.widget.family;
     const view::Element element = host::viewOf(shown.entry, environment);
@@ -409,7 +411,7 @@ void addHomeCommands(CommandSet& commands, std::ostream& out, const ServeHome& s
       latitudeOption(o.widget.place.latitude),
       longitudeOption(o.widget.place.longitude),
       {"--my-location", "", "help_my_location", nullptr, &o.widget.myLocation},
-      {"--theme", "system|dark|light", "help_theme", "expect_theme", &o.widget.theme},
+      {"--theme", "system|dark|light", "help_home_theme", "expect_theme", &o.widget.theme},
       localeOption(o.widget.locale)};
   const auto with = [](std::vector<OptionSpec> first, const std::vector<OptionSpec>& more) {
     first.insert(first.end(), more.begin(), more.end());

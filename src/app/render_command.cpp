@@ -1,4 +1,5 @@
 #include <cmath>
+#include <cstdint>
 #include <filesystem>
 #include <iterator>
 #include <stdexcept>
@@ -31,25 +32,42 @@ struct RenderOptions {
   OptionText output;
 };
 
-/// Points that a widget may measure at least and at most.
-constexpr double kLeastSide = 100.0;
+/// On the smallest phone, in points: texts that fit nowhere else are made to fit there.
+platform::CGSize LeastSizeOf(widgets::WidgetFamily family) {
+  switch (family) {
+    case widgets::WidgetFamily::systemSmall:
+      return {141.0, 141.0};
+    case widgets::WidgetFamily::systemMedium:
+      return {292.0, 141.0};
+    default:
+      return {292.0, 311.0};
+  }
+}
 constexpr double kMostSide = 1000.0;
 
-std::optional<double> Side(const std::string& text) {
+std::optional<double> Side(const std::string& text, double least) {
   const auto side = parseNumber(text);
-  return side && *side >= kLeastSide && *side <= kMostSide ? side : std::nullopt;
+  return side && *side >= least && *side <= kMostSide ? side : std::nullopt;
 }
 
 /// "364x170"; nothing given: the family's.
 platform::CGSize ParseSize(const OptionText& text, widgets::WidgetFamily family) {
   if (!text) return view::sizeOf(family);
+  const platform::CGSize least = LeastSizeOf(family);
   const std::size_t times = text->find('x');
   if (times != std::string::npos) {
-    const auto width = Side(text->substr(0, times));
-    const auto height = Side(text->substr(times + 1));
+    const auto width = Side(text->substr(0, times), least.width);
+    const auto height = Side(text->substr(times + 1), least.height);
     if (width && height) return {*width, *height};
   }
-  throwBadOption("--size", *text, "expect_size");
+  const auto sizeText = [](platform::CGSize size) {
+    return stringWithFormat(
+        "%dx%d", {static_cast<std::int64_t>(size.width), static_cast<std::int64_t>(size.height)});
+  };
+  const std::string choices = stringWithFormat(appText("expect_size_of_family"),
+                                               {sizeText(least), sizeText({kMostSide, kMostSide})});
+  throw UsageError(stringWithFormat(appText("error_bad_option"),
+                                    {"--size", adapters::printableText(*text), choices}));
 }
 
 constexpr const char* kPngOnStandardOutput = "-";

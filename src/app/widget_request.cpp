@@ -143,7 +143,6 @@ WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* set
   RuntimeOptions runtime;
   runtime.locale = checkedLocale(options.locale);
   WidgetRequest request;
-  request.widget = parseWidget(options, runtime.locale);
   request.request = ParseChoice<HostRequest>("--request", options.request,
                                              {{"timeline", HostRequest::timeline},
                                               {"snapshot", HostRequest::snapshot},
@@ -160,6 +159,8 @@ WidgetRequest prepareWidgetRequest(const WidgetOptions& options, const char* set
     runtime.clock = std::make_shared<adapters::FixedClock>(parseInstant(options.at));
   }
   installServices(runtime);
+  // The coordinate of a place is written as the settings have it: these ones.
+  request.widget = parseWidget(options, runtime.locale);
   return request;
 }
 

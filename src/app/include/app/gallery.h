@@ -21,6 +21,7 @@ struct Section {
   std::string title;
   std::vector<Exhibit> exhibits;
   widgets::view::WidgetRenderingMode renderingMode = widgets::view::WidgetRenderingMode::fullColor;
+  widgets::SystemVersion system{};
 };
 
 /// Every widget in every family and state, for fixed places and instants. Installs the services of
