@@ -297,7 +297,7 @@ double Compare(const Json& actual, const Json& expected, const std::string& wher
     // What JSON has no number for.
     const double value = actual.get<double>();
     const std::string text = std::isnan(value) ? "nan" : (value > 0.0 ? "inf" : "-inf");
-    EXPECT_EQ(text, expected) << where;
+    EXPECT_EQ(text, expected.get<std::string>()) << where;
   } else {
     EXPECT_EQ(actual, expected) << where;
   }
