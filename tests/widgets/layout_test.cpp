@@ -277,7 +277,7 @@ TEST(Drawing, PicturesAreTurnedAndMirrored) {
     draw(element, {10, 10}, environment, letters, assets, canvas);
     platform::CGPoint at{0, 0};
     for (int i = 0; i < 4; ++i) {
-      const auto corner = canvas.fills.at(0).path.segments().at(static_cast<std::size_t>(i)).end();
+      const auto corner = canvas.fills.at(0).path.segments()[static_cast<std::size_t>(i)].end();
       at = {at.x + corner.x / 4, at.y + corner.y / 4};
     }
     return std::pair(std::round(at.x * 2) / 2, std::round(at.y * 2) / 2);
