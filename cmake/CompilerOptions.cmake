@@ -7,6 +7,13 @@ target_compile_features(lumenquest_options INTERFACE cxx_std_20)
 target_compile_options(lumenquest_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   $<$<BOOL:${PROJECT_IS_TOP_LEVEL}>:-Werror>
+  # What GCC concludes from optimised code is at times wrong, and every version errs elsewhere (14
+  # in the destructors of optional records): said, but no reason not to build on a newer system.
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-error=maybe-uninitialized>
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-error=array-bounds>
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-error=stringop-overflow>
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-error=restrict>
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-error=dangling-pointer>
   # One rounding per operation: a fused multiply-add would round a·b + c once where the series
   # round twice, and results would depend on the machine.
   -ffp-contract=off)

@@ -90,8 +90,8 @@ void ExpectRecords(const WidgetAstrolib& lib, const Json& expected) {
     const Json& wanted = expected.at("intervals").at(type);
     ExpectSame(intervals.mjdFirstInterval, wanted.at("mjdFirstInterval"), "first mjd");
     ExpectSame(intervals.mjdSecondInterval, wanted.at("mjdSecondInterval"), "second mjd");
-    EXPECT_EQ(intervals.firstInterval, wanted.at("firstInterval"));
-    EXPECT_EQ(intervals.secondInterval, wanted.at("secondInterval"));
+    EXPECT_EQ(intervals.firstInterval, wanted.at("firstInterval").get<std::string>());
+    EXPECT_EQ(intervals.secondInterval, wanted.at("secondInterval").get<std::string>());
   }
 
   const auto changes = day.eventsArray();
@@ -99,10 +99,11 @@ void ExpectRecords(const WidgetAstrolib& lib, const Json& expected) {
   for (std::size_t i = 0; i < changes.size(); ++i) {
     const Json& wanted = expected.at("eventsArray").at(i);
     ExpectSame(changes[i]->mjd(), wanted.at("mjd"), "light change");
-    EXPECT_EQ(changes[i]->name, wanted.at("name"));
+    EXPECT_EQ(changes[i]->name, wanted.at("name").get<std::string>());
     EXPECT_EQ(changes[i]->subtitle, wanted.at("subtitle").get<std::string>());
     const platform::NamedColor& color = changes[i]->bodyColor;
-    EXPECT_EQ(color.name + (color.alpha == 0.2 ? "@0.2" : ""), wanted.at("color"));
+    EXPECT_EQ(color.name + (color.alpha == 0.2 ? "@0.2" : ""),
+              wanted.at("color").get<std::string>());
   }
 
   const platform::NSDate now = platform::NSDate::date();

@@ -48,8 +48,8 @@ TEST(Formatters, FollowTheLocale) {
   const Case cases[] = {
       {"en_US", "5:07\u202FPM", "3/5/24", "Mar 5", "Mar 5, 5:07\u202FPM"},
       {"de_DE", "17:07", "05.03.24", "5. März", "5. März, 17:07"},
+      {"es_ES", "17:07", "5/3/24", "5 mar", "5 mar, 17:07"},
       // Locales whose short date has the year in full are cut to two digits.
-      {"es_AR", "17:07", "5/3/24", "5 mar", "5 mar, 17:07"},
       {"en_GB", "17:07", "05/03/24", "5 Mar", "5 Mar, 17:07"},
       // A clock that differs from the region's.
       {"en_US@hours=h23", "17:07", "3/5/24", "Mar 5", "Mar 5, 17:07"},

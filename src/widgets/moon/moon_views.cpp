@@ -176,7 +176,7 @@ Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidge
   const auto columns = [&](double moonColumn, double gap) {
     return hstack({moon | frameWidth(moonColumn) | fillHeight(Alignment::center), table}, gap);
   };
-  return fromWidth(kRoomyWidth, columns(100.0, kContentInset), columns(kMoon + 2.0 * kGap, kGap));
+  return fromWidth(kRoomyWidth, columns(100.0, kContentInset), columns(kMoon + 3.0 * kGap, kGap));
 }
 
 Element MoonWidgetEntryView(const MoonTimelineEntry& entry, const Environment& environment) {
