@@ -9,6 +9,7 @@
 #include <set>
 
 #include "adapters/asset_catalog.h"
+#include "boxes.h"
 #include "ephemeris/constants.h"
 #include "fake_views.h"
 #include "test_services.h"
@@ -213,6 +214,43 @@ TEST_F(Views, SaySmallMediumAndLargeThingsOfTheSun) {
   EXPECT_THAT(textsOf(links.at(1).child), Contains("Daytime"));
   EXPECT_THAT(textsOf(links.at(1).child), Not(Contains("<appwidget_milky_way>")));
   EXPECT_THAT(textsOf(links.at(2).child), Contains("First quarter (50.0%)"));
+}
+
+TEST_F(Views, RowsTakeASecondLineBeforeTheirLettersShrink) {
+  struct Case {
+    const char* interval;
+    platform::CGSize size;
+    double letters;
+    bool isOnTwoLines;
+  };
+  const Case cases[] = {
+      {"18:30 - 19:40", {364, 382}, 11, false},
+      {"06:48 - 07:50 (+1)", {364, 382}, 11, true},
+      {"06:48 - 07:50 (+1)", {292, 311}, 10, true},
+  };
+  for (const Case& c : cases) {
+    SunLightWidgetData data = Sun();
+    data.goldenHourInterval = c.interval;
+    BlockLetters letters;
+    std::vector<testing::PlacedText> texts;
+    const Element element = SunView(data, In(kLarge));
+    const view::Box root = layOut(element, c.size, In(kLarge), letters);
+    testing::collectTexts(root, texts);
+    const auto placed = [&](const std::string& text) {
+      for (const auto& one : texts) {
+        if (one.text == text) return one;
+      }
+      ADD_FAILURE() << "no " << text;
+      return testing::PlacedText{};
+    };
+    const auto title = placed("<twilight_golden_hour>");
+    const auto interval = placed(c.interval);
+    EXPECT_EQ(interval.size, c.letters) << c.interval << c.size.width;
+    EXPECT_EQ(interval.rect.y >= title.rect.y + title.rect.height, c.isOnTwoLines) << c.interval;
+    // Rows are alike, and the panes' tables stand one under the other.
+    EXPECT_EQ(placed("19:40 - 19:55").size, c.letters);
+    EXPECT_EQ(placed("Bled").rect.x, placed("<appwidget_milky_way>").rect.x) << c.size.width;
+  }
 }
 
 TEST_F(Views, TheSunHasTheColourOfItsElevation) {

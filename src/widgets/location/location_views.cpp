@@ -73,7 +73,6 @@ Element RiseSetView(double mjdRise, double mjdSet, double mjdTomorrowAt0,
   const auto line = [&](double size, double gap) {
     return hstack({time(0, size), spacer(gap), time(1, size)});
   };
-  constexpr double kDense = 9.0;
   return firstThatFits(Axis::horizontal,
                        {line(kBody, 2.0 * kGap), line(kCaption, kGap), line(kDense, kGap),
                         vstack({time(0, kBody), time(1, kBody)}, 0.0, Alignment::start)});

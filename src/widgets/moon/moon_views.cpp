@@ -172,11 +172,7 @@ Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidge
     lines.push_back(PostalAddressView(data.locationData) | fillWidth());
   }
   lines.insert(lines.end(), {spacer(), window, spacer(), divider(), MoonRiseSet(data)});
-  const Element table = vstack(std::move(lines), 1.5 * kGap, Alignment::start) | fillWidth();
-  const auto columns = [&](double moonColumn, double gap) {
-    return hstack({moon | frameWidth(moonColumn) | fillHeight(Alignment::center), table}, gap);
-  };
-  return fromWidth(kRoomyWidth, columns(100.0, kContentInset), columns(kMoon + 2.0 * kGap, kGap));
+  return pictureAndTable(moon, moon, vstack(std::move(lines), 1.5 * kGap, Alignment::start));
 }
 
 Element MoonWidgetEntryView(const MoonTimelineEntry& entry, const Environment& environment) {
