@@ -351,6 +351,25 @@ TEST_F(Views, SayWhatThereIsOfTheMoon) {
   EXPECT_EQ(imagesOf(MoonView(here, In(kSmall)))[0], "location.fill");
 }
 
+TEST_F(Views, LinesStandCloserBeforeTheMoonShrinks) {
+  // Rise and set below each other, as the words for tomorrow are long.
+  for (const auto& [phase, side] : {std::pair("First quarter (50.0%)", 62.0),
+                                    std::pair("First quarter (50.0%, 21:00)", 57.0)}) {
+    MoonWidgetData data = Moon();
+    data.moonPhaseString = phase;
+    const Element element = MoonView(data, In(kSmall));
+    BlockLetters letters;
+    const view::Box root = layOut(element, view::sizeOf(kSmall), In(kSmall), letters);
+    double shown = 0.0;
+    const auto look = [&](const auto& self, const view::Box& box) -> void {
+      if (std::holds_alternative<view::Picture>(*box.node)) shown = box.rect.width;
+      for (const view::Box& child : box.children) self(self, child);
+    };
+    look(look, root);
+    EXPECT_EQ(shown, side) << phase;
+  }
+}
+
 TEST_F(Views, SayWhenTheGalacticCentreIsSeen) {
   const Element window = CentreView(Centre());
   EXPECT_EQ(textsOf(window),

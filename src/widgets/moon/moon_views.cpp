@@ -142,17 +142,20 @@ Element MoonRiseSet(const MoonWidgetData& data) {
 
 Element MoonInfoViewSmall(const MoonWidgetData& data, const Environment& environment) {
   const MoonContent content = moonContent(data, nullptr, WidgetFamily::systemSmall);
-  const auto form = [&](double moon, double gap) {
-    return vstack({PostalAddressView(data.locationData) | fillWidth(), spacer(),
-                   MoonIconView(data, moon, environment) | fillWidth(Alignment::center), spacer(),
-                   Phase(content) | fillWidth(Alignment::center),
-                   MoonRiseSet(data) | fillWidth(Alignment::center)},
-                  gap, Alignment::start);
-  };
-  // The more lines there are under it, the smaller the Moon.
+  const Element title = PostalAddressView(data.locationData) | fillWidth();
+  const Element phase = Phase(content) | fillWidth(Alignment::center);
+  const Element riseSet = MoonRiseSet(data) | fillWidth(Alignment::center);
+  // The Moon is what people look for: lines stand closer before it shrinks, by small steps.
   constexpr double kDenseGap = 2.0;
-  return firstThatFits(Axis::vertical, {form(62.0, kGap), form(50.0, kGap), form(38.0, kGap),
-                                        form(38.0, kDenseGap), form(31.0, kDenseGap)});
+  Elements forms;
+  for (const double size : {62.0, 57.0, 52.0, 47.0, 42.0, 37.0, 31.0}) {
+    const Element moon = MoonIconView(data, size, environment) | fillWidth(Alignment::center);
+    for (const double gap : {kGap, kDenseGap}) {
+      forms.push_back(
+          vstack({title, spacer(), moon, spacer(), phase, riseSet}, gap, Alignment::start));
+    }
+  }
+  return firstThatFits(Axis::vertical, std::move(forms));
 }
 
 Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidgetData& gcData,
