@@ -97,8 +97,12 @@ TEST(Texts, AreBrokenAndShortenedToTheirLines) {
   };
   const Case cases[] = {
       {"one\ntwo\r\nthree", 3, {"one", "two", "three"}},
-      {"one\ntwo\nthree", 2, {"one", "two…"}},
-      {"one\u2028two\u2029three", 1, {"one…"}},
+      // Breaks that there are no lines for lose no words.
+      {"one\ntwo\nthree", 2, {"one two three"}},
+      {"\none\r\ntwo\n\nthree\u2028four\u2029", 1, {"one two three four"}},
+      {"Golden hour ends after midnight at the lake of the mountains\nBled",
+       2,
+       {"Golden hour ends after midnight at the lake of the", "mountains…"}},
       {"a\tb\x01\x7f", 1, {"a b"}},
       {"\n\nlow", 3, {"low"}},  // empty lines show nothing
   };
