@@ -3,14 +3,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <filesystem>
 #include <map>
 #include <set>
 
 #include "adapters/asset_catalog.h"
 #include "boxes.h"
+#include "contrast.h"
 #include "ephemeris/constants.h"
+#include "events/moon_shadow.h"
 #include "fake_views.h"
 #include "test_services.h"
 #include "widgets/galactic_center/galactic_center_views.h"
@@ -28,6 +29,7 @@ using platform::CLAuthorizationStatus;
 using platform::UIColor;
 using testing::BlockLetters;
 using ::testing::Contains;
+using testing::contrastOf;
 using ::testing::Each;
 using ::testing::ElementsAre;
 using testing::FewAssets;
@@ -277,18 +279,6 @@ TEST_F(Views, TheSunHasTheColourOfItsElevation) {
                                  palette::kAstronomicalTwilightLayerColor));
 }
 
-/// Contrast of two opaque colours, from 1 to 21. Source: W3C, WCAG 2.2.
-double Contrast(const UIColor& a, const UIColor& b) {
-  const auto luminance = [](const UIColor& color) {
-    const auto linear = [](double c) {
-      return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.red) + 0.7152 * linear(color.green) + 0.0722 * linear(color.blue);
-  };
-  const double lighter = std::max(luminance(a), luminance(b));
-  return (lighter + 0.05) / (std::min(luminance(a), luminance(b)) + 0.05);
-}
-
 TEST_F(Views, TheSunStandsOutInEveryLight) {
   adapters::FileAssetCatalog catalog(std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
   for (const float elevation : {30.0f, 3.0f, -5.0f, -9.0f, -15.0f, -40.0f}) {
@@ -304,7 +294,7 @@ TEST_F(Views, TheSunStandsOutInEveryLight) {
       const UIColor ground{over(halo.red, panel.red), over(halo.green, panel.green),
                            over(halo.blue, panel.blue), 1.0};
       const auto outline = std::get<platform::NamedColor>(*ImageOf(element, "sunIcon").outline);
-      EXPECT_GE(Contrast(*catalog.colorNamed(outline.name, scheme), ground), 3.0) << elevation;
+      EXPECT_GE(contrastOf(*catalog.colorNamed(outline.name, scheme), ground), 3.0) << elevation;
     }
   }
   // The marks stand on the panel itself, as do texts of this colour.
@@ -312,6 +302,43 @@ TEST_F(Views, TheSunStandsOutInEveryLight) {
     if (image.name != "lightTypeIcon") continue;
     EXPECT_EQ(image.outline, named("contentTertiary"));
   }
+}
+
+TEST(SupermoonsRing, HasAnOutlineThatStandsOut) {
+  platform::Services::Adapters adapters;
+  const auto catalog = std::make_shared<adapters::FileAssetCatalog>(
+      std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
+  adapters.assets = catalog;
+  const TestServices services("2024-08-12T12:00:00Z", "UTC", "en_GB", std::move(adapters));
+  MoonWidgetData data = Moon();
+  data.isSupermoon = true;
+  Environment environment = In(kLarge);
+  const auto strokes = [&] {
+    std::vector<platform::PictureShape> found;
+    const Element icon = MoonIconView(data, 60.0, environment);
+    const auto image = All<view::Picture>(icon).at(0).image;
+    for (const auto& shape : image->shapes) {
+      if (shape.strokePaint) found.push_back(shape);
+    }
+    return found;
+  };
+  const platform::UIImage onAnyPage =
+      events::MoonShadow::moonShadowImageOfSize({60, 60}, 0.0, 2, 30.0, 1.0, -1.0, true);
+  for (const auto scheme : {platform::ColorScheme::light, platform::ColorScheme::dark}) {
+    environment.colorScheme = scheme;
+    const auto lines = strokes();
+    ASSERT_EQ(lines.size(), 3u);  // the disc's rim, the outline, the ring
+    EXPECT_EQ(lines[1].path, lines[2].path);
+    EXPECT_EQ(lines[1].stroke.width, lines[2].stroke.width + 1.0);
+    for (const char* panel : {"backgroundPrimary", "backgroundSecondary", "WidgetBackground"}) {
+      const UIColor ground = *catalog->colorNamed(panel, scheme);
+      for (const auto& outline : {lines[1].strokePaint, onAnyPage.shapes.at(0).fill}) {
+        EXPECT_GE(contrastOf(std::get<UIColor>(*outline), ground), 3.0) << panel;
+      }
+    }
+  }
+  environment.renderingMode = WidgetRenderingMode::accented;
+  EXPECT_EQ(strokes().size(), 1u);
 }
 
 TEST_F(Views, SayWhatThereIsOfTheMoon) {

@@ -77,14 +77,16 @@ void MoonShadowView::draw(platform::Canvas& canvas, CGSize size) const {
 
 Element MoonIconView(const MoonWidgetData& data, double size, const Environment& environment) {
   constexpr double kRing = 1.5;
+  constexpr double kOutline = 0.5;
   const CGSize box{size, size};
   const CGRect whole{0.0, 0.0, size, size};
   // A supermoon's ring stands clear of the disc.
-  const CGRect disc = data.isSupermoon ? whole.insetBy(2.0 * kRing) : whole;
+  const CGRect disc = data.isSupermoon ? whole.insetBy(2.0 * (kRing + kOutline)) : whole;
   platform::ImageContext context(box);
   context.save();
   context.clip(UIBezierPath::ellipse(disc));
-  if (auto moon = platform::Services::current().assets().imageNamed("moon")) {
+  platform::AssetCatalog& assets = platform::Services::current().assets();
+  if (auto moon = assets.imageNamed("moon")) {
     if (environment.isTinted()) {
       moon = std::make_shared<const platform::UIImage>(accentedStyle(*moon, environment.accent));
     }
@@ -105,8 +107,13 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
     context.stroke(UIBezierPath::ellipse(disc), kRim, {kHairline});
   }
   if (data.isSupermoon) {
-    context.stroke(UIBezierPath::ellipse(whole.insetBy(kRing / 2.0)),
-                   environment.isTinted() ? environment.accent : palette::kLumenquestYellow,
+    const UIBezierPath ring = UIBezierPath::ellipse(whole.insetBy(kOutline + kRing / 2.0));
+    const auto outline = assets.colorNamed("contentTertiary", environment.colorScheme);
+    // A light panel would swallow the yellow, as it would the Sun's.
+    if (outline && !environment.isTinted()) {
+      context.stroke(ring, *outline, {kRing + 2.0 * kOutline});
+    }
+    context.stroke(ring, environment.isTinted() ? environment.accent : palette::kLumenquestYellow,
                    {kRing});
   }
   const Element moon = picture(context.image(), size);
