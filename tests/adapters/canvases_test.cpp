@@ -508,6 +508,16 @@ TEST(SvgCanvas, KeepsLinksAndLabelsAndLeavesOutWhatIsEmpty) {
   EXPECT_THAT(svg, HasSubstr("role=\"group\" aria-labelledby"));
 }
 
+TEST(SvgCanvas, SaysItsLanguage) {
+  for (const auto& [locale, tag] : {std::pair("he_IL.UTF-8@calendar=hebrew", "he-IL"),
+                                    std::pair("en-GB", "en-GB"), std::pair("", "")}) {
+    setTextLanguage(locale);
+    const XmlContents contents(Svg({1, 1}, [](Canvas&) {}));
+    EXPECT_EQ(contents.attribute("lang"), tag);
+    EXPECT_EQ(contents.attribute("xml:lang"), tag);
+  }
+}
+
 TEST(SvgCanvas, AnyTextMakesAWellFormedDocument) {
   std::string controls;
   for (char c = 1; c < 32; ++c) controls += c;

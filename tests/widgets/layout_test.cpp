@@ -302,8 +302,21 @@ TEST(Drawing, LinksWithinLinksTakeTheirPlace) {
   std::vector<std::string> links;
   for (const auto& word : canvas.words) links.push_back(word.link);
   EXPECT_THAT(links, ElementsAre("x://outer", "x://inner", "x://outer"));
+}
+
+TEST(Description, IsOfLabelsAndTextsAndKeepsUsersWordsApart) {
   EXPECT_EQ(descriptionOf(vstack({text("a") | label("long for a"), text(""), text("b")})),
             "long for a. b");
+  EXPECT_EQ(descriptionOf(vstack({text("mine") | given(), text("") | given(), text("b")})),
+            "\u2068mine\u2069. b");
+  // An override ends with its isolate; isolates within are closed, and too many ends left out.
+  const std::pair<const char*, const char*> cases[] = {
+      {"\u202Eevil", "\u2068\u202Eevil\u2069"},
+      {"\u2067a\u2066b", "\u2068\u2067a\u2066b\u2069\u2069\u2069"},
+      {"\u2066a\u2069\u2069b", "\u2068\u2066a\u2069b\u2069"},
+      {"a\n\u202Eb\u2029c", "\u2068a \u202Eb c\u2069"},
+  };
+  for (const auto& [words, expected] : cases) EXPECT_EQ(isolated(words), expected);
 }
 
 }  // namespace

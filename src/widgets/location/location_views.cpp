@@ -43,10 +43,11 @@ Element PostalAddressView(const LocationWidgetData& data) {
     line.push_back(image("location.fill", kArrow) | color(named("contentTertiary")) | mirrored());
   }
   line.push_back(text(address) | font(kBody, platform::FontWeight::semibold) |
-                 color(named("contentTertiary")) | minScale(kLeastScale));
+                 color(named("contentTertiary")) | minScale(kLeastScale) | given());
   const Element title = hstack(std::move(line), kGap);
   if (!data.isCurrentLocation) return title;
-  return title | label(spokenLine(localizedString("my_location", platform::kTableCommon), address));
+  return title | label(spokenLine(localizedString("my_location", platform::kTableCommon),
+                                  isolated(address)));
 }
 
 Element BodyRiseSetTimeView(const BodyRiseSetTime& time, double size, const BodyNames& names) {
