@@ -138,8 +138,6 @@ TEST(Texts, GrowWithTheirSizeAndKeepTheirDigitsApart) {
   EXPECT_GT(width("18:32", bold), width("18:32", Style()));
   EXPECT_NE(width("11:11", Style()), width("00:00", Style()));
   EXPECT_EQ(width("11:11", table), width("00:00", table));
-  // Whatever was measured before.
-  EXPECT_EQ(width("18:32", large), width("18:32", large));
 }
 
 TEST(Texts, InkLiesWithinTheMeasuredBoxOnTheAlignedSide) {

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
-#include <map>
 #include <set>
 
 #include "adapters/asset_catalog.h"
@@ -160,14 +160,20 @@ view::Image ImageOf(const Element& element, const std::string& name) {
   return {};
 }
 
+std::shared_ptr<platform::AssetCatalog> RealAssets() {
+  return std::make_shared<adapters::FileAssetCatalog>(
+      std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
+}
+
+TestServices ServicesWith(std::shared_ptr<platform::AssetCatalog> assets) {
+  platform::Services::Adapters adapters;
+  adapters.assets = std::move(assets);
+  return TestServices("2024-08-12T12:00:00Z", "UTC", "en_GB", std::move(adapters));
+}
+
 class Views : public ::testing::Test {
  protected:
-  static platform::Services::Adapters Adapters() {
-    platform::Services::Adapters adapters;
-    adapters.assets = std::make_shared<FewAssets>();
-    return adapters;
-  }
-  const TestServices services{"2024-08-12T12:00:00Z", "UTC", "en_GB", Adapters()};
+  const TestServices services = ServicesWith(std::make_shared<FewAssets>());
 };
 
 const char* const kTomorrow = "00:05 <event_one_day_plus>";
@@ -255,61 +261,38 @@ TEST_F(Views, RowsTakeASecondLineBeforeTheirLettersShrink) {
   }
 }
 
-TEST_F(Views, TheSunHasTheColourOfItsElevation) {
-  for (const auto& [elevation, color] :
-       std::map<float, UIColor>{{6.01f, palette::kLumenquestYellow},
-                                {6.0f, palette::kGoldenHourLayerColor},
-                                {-4.0f, palette::kCivilTwiligthLayerColor},
-                                {-6.0f, palette::kNauticalTwilightLayerColor},
-                                {-12.0f, palette::kAstronomicalTwilightLayerColor},
-                                {-18.0f, palette::kNight}}) {
-    SunLightWidgetData data = Sun();
-    data.sunElevation = elevation;
-    for (const auto family : {kSmall, kMedium, kLarge}) {
-      EXPECT_EQ(ImageOf(SunView(data, In(family)), "sunIcon").color, view::Color(color))
-          << elevation;
-    }
-  }
-  // The marks of the rows keep those of their lights.
-  std::vector<view::Color> marks;
-  for (const view::Image& image : All<view::Image>(SunView(Sun(), In(kLarge)))) {
-    if (image.name == "lightTypeIcon") marks.push_back(image.color);
-  }
-  EXPECT_THAT(marks, ElementsAre(palette::kGoldenHourLayerColor, palette::kCivilTwiligthLayerColor,
-                                 palette::kAstronomicalTwilightLayerColor));
-}
-
 TEST_F(Views, TheSunStandsOutInEveryLight) {
-  adapters::FileAssetCatalog catalog(std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
+  const auto catalog = RealAssets();
   for (const float elevation : {30.0f, 3.0f, -5.0f, -9.0f, -15.0f, -40.0f}) {
     SunLightWidgetData data = Sun();
     data.sunElevation = elevation;
     const Element element = SunView(data, In(kSmall));
     const UIColor halo = std::get<UIColor>(All<view::Shape>(element).front().fill);
     for (const auto scheme : {platform::ColorScheme::light, platform::ColorScheme::dark}) {
-      const UIColor panel = *catalog.colorNamed("backgroundPrimary", scheme);
+      const UIColor panel = *catalog->colorNamed("backgroundPrimary", scheme);
       const auto over = [&](double above, double below) {
         return halo.alpha * above + (1.0 - halo.alpha) * below;
       };
       const UIColor ground{over(halo.red, panel.red), over(halo.green, panel.green),
                            over(halo.blue, panel.blue), 1.0};
       const auto outline = std::get<platform::NamedColor>(*ImageOf(element, "sunIcon").outline);
-      EXPECT_GE(contrastOf(*catalog.colorNamed(outline.name, scheme), ground), 3.0) << elevation;
+      EXPECT_GE(contrastOf(*catalog->colorNamed(outline.name, scheme), ground), 3.0) << elevation;
     }
   }
-  // The marks stand on the panel itself, as do texts of this colour.
+  // The marks have their lights' colours, and stand on the panel itself, as do texts of this one.
+  std::vector<view::Color> marks;
   for (const view::Image& image : All<view::Image>(SunView(Sun(), In(kLarge)))) {
     if (image.name != "lightTypeIcon") continue;
     EXPECT_EQ(image.outline, named("contentTertiary"));
+    marks.push_back(image.color);
   }
+  EXPECT_THAT(marks, ElementsAre(palette::kGoldenHourLayerColor, palette::kCivilTwiligthLayerColor,
+                                 palette::kAstronomicalTwilightLayerColor));
 }
 
 TEST(SupermoonsRing, HasAnOutlineThatStandsOut) {
-  platform::Services::Adapters adapters;
-  const auto catalog = std::make_shared<adapters::FileAssetCatalog>(
-      std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
-  adapters.assets = catalog;
-  const TestServices services("2024-08-12T12:00:00Z", "UTC", "en_GB", std::move(adapters));
+  const auto catalog = RealAssets();
+  const TestServices services = ServicesWith(catalog);
   MoonWidgetData data = Moon();
   data.isSupermoon = true;
   Environment environment = In(kLarge);
@@ -583,24 +566,42 @@ TEST_F(Views, TintedOnesHaveNoGrounds) {
   }
 }
 
-TEST_F(Views, TintedOnesAreDrawnInWhiteAndTheAccent) {
+TEST(TintedViews, AreDrawnInWhiteAndShadesOfTheAccent) {
+  const auto catalog = RealAssets();
+  const TestServices services = ServicesWith(catalog);
   Environment environment = In(kLarge);
   environment.renderingMode = WidgetRenderingMode::accented;
   environment.accent = {0.2, 0.9, 0.4, 1.0};
-  BlockLetters letters;
-  FewAssets assets;
-  Recorder canvas;
-  draw(SunView(Sun(), environment), view::sizeOf(kLarge), environment, letters, assets, canvas);
-  ASSERT_FALSE(canvas.words.empty());
-  for (const auto& word : canvas.words) {
-    EXPECT_EQ(word.color.withAlpha(1.0), (UIColor{1, 1, 1, 1})) << word.text;
-  }
-  // But for the Moon's shadow, which is black.
-  for (const auto& fill : canvas.fills) {
-    const UIColor opaque = fill.color.withAlpha(1.0);
-    EXPECT_TRUE(opaque == environment.accent || opaque == (UIColor{1, 1, 1, 1}) ||
-                opaque == (UIColor{0, 0, 0, 1}))
-        << opaque.red << ' ' << opaque.green << ' ' << opaque.blue;
+  MoonWidgetData supermoon = Moon();
+  supermoon.isSupermoon = supermoon.locationData.isCurrentLocation = true;
+  const auto isShade = [&](const UIColor& color) {
+    const UIColor& accent = environment.accent;
+    const double part = color.green / accent.green;
+    return part <= 1.0 + 1e-9 && std::fabs(color.red - part * accent.red) < 1e-9 &&
+           std::fabs(color.blue - part * accent.blue) < 1e-9;
+  };
+  constexpr UIColor kWhite{1, 1, 1, 1};
+  for (const Element& view :
+       {SunView(Sun(), environment), MoonIconView(supermoon, 60.0, environment),
+        PostalAddressView(supermoon.locationData),
+        PlansWidgetEntryView(FourPlans(), environment)}) {
+    for (const std::string& image : imagesOf(view)) {
+      EXPECT_NE(catalog->imageNamed(image), nullptr) << image;
+    }
+    BlockLetters letters;
+    Recorder canvas;
+    draw(view, view::sizeOf(kLarge), environment, letters, *catalog, canvas);
+    for (const auto& word : canvas.words) {
+      EXPECT_EQ(word.color.withAlpha(1.0), kWhite) << word.text;
+    }
+    std::vector<UIColor> colors;
+    for (const auto& fill : canvas.fills) colors.push_back(fill.color);
+    for (const auto& line : canvas.lines) colors.push_back(line.color);
+    EXPECT_FALSE(colors.empty());
+    for (const UIColor& color : colors) {
+      EXPECT_TRUE(isShade(color) || color.withAlpha(1.0) == kWhite)
+          << color.red << ' ' << color.green << ' ' << color.blue;
+    }
   }
 }
 
