@@ -166,9 +166,7 @@ struct Bounds {
   }
   void Add(const UIBezierPath& path, const CGAffineTransform& transform, double margin) {
     for (const UIBezierPath::Segment& segment : path.segments()) {
-      if (segment.verb == UIBezierPath::Verb::close) continue;
-      const std::size_t points = segment.verb == UIBezierPath::Verb::curve ? 3 : 1;
-      for (std::size_t i = 0; i < points; ++i) Add(transform.apply(segment.points[i]), margin);
+      for (const CGPoint& point : segment.points) Add(transform.apply(point), margin);
     }
   }
   /// Control points hold a curve, the miter limit the corners of a stroke.

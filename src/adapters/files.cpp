@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <fstream>
+#include <iterator>
 #include <system_error>
 
 namespace lumenquest::adapters {
@@ -63,6 +65,11 @@ std::optional<std::string> writeFileWhole(const fs::path& given, const std::stri
   if (!failure && ::rename(unfinished.c_str(), path.c_str()) != 0) failure = LastError();
   if (failure) ::unlink(unfinished.c_str());
   return failure;
+}
+
+std::string contentsOfFile(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 }  // namespace lumenquest::adapters

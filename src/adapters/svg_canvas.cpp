@@ -137,7 +137,7 @@ std::string PathData(const UIBezierPath& path, int decimals) {
 
 /// The box of a path that may be an ellipse.
 std::optional<CGRect> EllipseBox(const UIBezierPath& path) {
-  const std::vector<UIBezierPath::Segment>& s = path.segments();
+  const UIBezierPath::Segments s = path.segments();
   using Verb = UIBezierPath::Verb;
   if (s.size() != 6 || s[0].verb != Verb::move || s[1].verb != Verb::curve ||
       s[2].verb != Verb::curve || s[3].verb != Verb::curve) {

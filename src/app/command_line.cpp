@@ -9,7 +9,6 @@
 #include "adapters/printable_text.h"
 #include "app/command_set.h"
 #include "app/completion.h"
-#include "app/home_command.h"
 #include "app/option_values.h"
 #include "app/places_command.h"
 #include "app/plans_command.h"
@@ -41,17 +40,18 @@ std::string MessageLocale(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
-void addCommands(CommandSet& commands, std::ostream& out) {
+void addCommands(CommandSet& commands, std::ostream& out, const ServeHome& serveHome) {
   addTodayCommand(commands);
   addWidgetCommands(commands);
   addPictureCommands(commands);
   addPlacesCommands(commands);
   addPlansCommands(commands);
   addSettingsCommands(commands);
-  addHomeCommands(commands, out);
+  addHomeCommands(commands, out, serveHome);
 }
 
-int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err) {
+int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+        const ServeHome& serveHome) {
   installServices({MessageLocale(arguments)});
   const std::string errorLine = appText("error_line");
   if (errorLine.empty()) {
@@ -68,7 +68,7 @@ int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostre
   std::string output;
   try {
     CommandSet commands;
-    addCommands(commands, out);
+    addCommands(commands, out, serveHome);
     if (!arguments.empty() && arguments.front() == kCompleteCommand) {
       output = completionLines(commands.outline(), {arguments.begin() + 1, arguments.end()});
     } else {

@@ -17,8 +17,7 @@
 #include "adapters/printable_text.h"
 #include "adapters/shared_text_file.h"
 #include "app/entry_output.h"
-#include "app/home_host.h"
-#include "app/home_server.h"
+#include "app/running_home.h"
 #include "app/suggestions.h"
 #include "app/table.h"
 #include "app/widget_picture.h"
@@ -381,11 +380,6 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
   return "";
 }
 
-std::string Serve(const HomeCommandOptions& options, std::ostream& out) {
-  serveHome(options.host, options.listen, out);
-  return "";
-}
-
 std::string OpenPage(const HomeCommandOptions& options) {
   const std::string page = runningPage(options.url);
   GError* error = nullptr;
@@ -399,7 +393,7 @@ std::string OpenPage(const HomeCommandOptions& options) {
 
 }  // namespace
 
-void addHomeCommands(CommandSet& commands, std::ostream& out) {
+void addHomeCommands(CommandSet& commands, std::ostream& out, const ServeHome& serveHome) {
   HomeCommandOptions& o = commands.Keep<HomeCommandOptions>();
   CommandSet::Command& home =
       commands.AddGroup("home", {"help_usage_home", "help_home", "help_home_examples"});
@@ -437,7 +431,10 @@ void addHomeCommands(CommandSet& commands, std::ostream& out) {
   add("serve", "help_usage_home_serve", "help_home_serve",
       with({{"--listen", "ADDRESS:PORT", "help_listen", "expect_listen", &o.listen}},
            homeOptionSpecs(o.host)),
-      [&o, &out] { return Serve(o, out); });
+      [&o, &out, serveHome] {
+        serveHome(o.host, o.listen, out);
+        return std::string();
+      });
   const OptionSpec once{"--once", "", "help_once", nullptr, &o.once};
   add("export", "help_usage_home_export", "help_home_export",
       with({{"DIR", "", "help_export_folder", "expect_folder", &o.folder},

@@ -1,11 +1,7 @@
 #include "app/home_server.h"
 
-#include <gio/gio.h>
-
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <ostream>
 #include <stdexcept>
 #include <system_error>
@@ -15,6 +11,7 @@
 #include "adapters/svg_canvas.h"
 #include "adapters/xdg_file_manager.h"
 #include "app/entry_output.h"
+#include "app/running_home.h"
 #include "app/widget_picture.h"
 #include "host/home_site.h"
 #include "host/web_server.h"
@@ -29,87 +26,23 @@ namespace fs = std::filesystem;
 namespace view = widgets::view;
 using platform::stringWithFormat;
 
-constexpr const char* kScheme = "lumenquest://";
-constexpr std::uint16_t kUsualPort = 8437;
-
-/// Where running hosts say where they listen, a file each.
-std::optional<fs::path> AddressFolder() {
-  const auto folder = adapters::cacheFolder();
-  return folder ? std::optional(*folder / "hosts") : std::nullopt;
-}
-
-std::string Contents(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-/// Says where this host listens, as long as it does.
-class Announcement {
- public:
-  explicit Announcement(const host::WebServer& server) {
-    const auto folder = AddressFolder();
-    if (!folder) return;
-    std::error_code ignored;
-    fs::create_directories(*folder, ignored);
-    file_ = *folder / std::to_string(server.port());
-    adapters::writeFileWhole(file_, server.url());
-  }
-  ~Announcement() {
-    std::error_code ignored;
-    if (!file_.empty()) fs::remove(file_, ignored);
-  }
-  Announcement(const Announcement&) = delete;
-  Announcement& operator=(const Announcement&) = delete;
-
- private:
-  fs::path file_;
-};
-
 /// The site's own files.
 std::map<std::string, std::string> SiteFiles() {
   const fs::path resources = resourceFolder();
   std::map<std::string, std::string> files;
   std::error_code error;
   for (const auto& entry : fs::directory_iterator(resources / "web", error)) {
-    files[entry.path().filename().string()] = Contents(entry.path());
+    files[entry.path().filename().string()] = adapters::contentsOfFile(entry.path());
   }
-  files["icon.svg"] = Contents(resources / "art" / "appIcon.svg");
+  files["icon.svg"] = adapters::contentsOfFile(resources / "art" / "appIcon.svg");
   return files;
 }
 
 host::ListenAddress Address(const OptionText& listen) {
-  if (!listen) return {"127.0.0.1", kUsualPort};
+  if (!listen) return {"127.0.0.1", kUsualHomePort};
   const auto address = host::parseListenAddress(*listen);
   if (!address) throwBadOption("--listen", *listen, "expect_listen");
   return *address;
-}
-
-bool Answers(const std::string& url) {
-  GSocketClient* const client = g_socket_client_new();
-  g_socket_client_set_timeout(client, 2);
-  GSocketConnection* const connection =
-      g_socket_client_connect_to_uri(client, url.c_str(), 80, nullptr, nullptr);
-  const bool isThere = connection != nullptr;
-  if (isThere) g_object_unref(connection);
-  g_object_unref(client);
-  return isThere;
-}
-
-/// The page of a host that answers.
-std::string RunningHost() {
-  std::vector<std::string> candidates;
-  std::error_code error;
-  if (const auto folder = AddressFolder()) {
-    for (const auto& entry : fs::directory_iterator(*folder, error)) {
-      candidates.push_back(Contents(entry.path()));
-    }
-  }
-  // Where one may be that could not say so.
-  candidates.push_back("http://127.0.0.1:" + std::to_string(kUsualPort) + "/");
-  for (const std::string& url : candidates) {
-    if (Answers(url)) return url;
-  }
-  throw std::runtime_error(appText("error_no_host"));
 }
 
 }  // namespace
@@ -168,22 +101,10 @@ void serveHome(const HomeOptions& options, const OptionText& listen, std::ostrea
   home.scheduler().onEntry([&](const host::ShownWidget& shown) { site.entryIsNew(shown); });
   home.onHomeScreen([&] { site.homeScreenIsNew(); });
 
-  const Announcement announcement(*server);
+  const HomeAnnouncement announcement(server->port(), server->url());
   out << stringWithFormat(appText("home_serving"), {server->url()}) << std::endl;
   home.run();
   server->stop();
-}
-
-std::string runningPage(const OptionText& deepLink) {
-  if (deepLink && !deepLink->starts_with(kScheme)) {
-    throwBadOption("URL", *deepLink, "expect_deep_link");
-  }
-  const std::string url = RunningHost();
-  if (!deepLink) return url;
-  char* const escaped = g_uri_escape_string(deepLink->c_str(), nullptr, FALSE);
-  const std::string page = url + "open?url=" + escaped;
-  g_free(escaped);
-  return page;
 }
 
 }  // namespace lumenquest::app

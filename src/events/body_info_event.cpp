@@ -50,7 +50,7 @@ platform::UIImage BodyInfoMoonEvent::moonPhaseImageWithWidth(double width) const
   const auto moon = platform::Services::current().assets().imageNamed("moon");
   if (!moon) return {{width, width}, {}};
   platform::UIImage image = MoonShadow::drawShadowOnMoonImage(
-      *moon, static_cast<double>(phaseData.zenithAngle), phaseData.phase,
+      *moon, static_cast<double>(phaseData.zenithAngle), phaseData.shadowPhase(),
       static_cast<double>(phaseData.sunElevation), static_cast<double>(phaseData.phaseIllumination),
       false);
   platform::ImageContext context({width, width * image.size.height / image.size.width});

@@ -143,6 +143,7 @@ MoonPhaseResult EphemerisUtils::moonPhaseDataForMjd(double mjd, double withDelta
 
   result.phaseIllumination = static_cast<float>(illumination);
   result.zenithAngle = static_cast<float>(zenithAngle);
+  result.isLimbWaning = !phase.waxing;
   result.moonElevation = static_cast<float>(moon.horizontalPosition().theta);
   result.sunElevation = static_cast<float>(sun.horizontalPosition().theta);
   return result;

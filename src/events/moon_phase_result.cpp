@@ -17,6 +17,16 @@ bool MoonPhaseResult::isWaning() const {
          type == MoonPhaseType::WaningCrescent;
 }
 
+int MoonPhaseResult::shadowPhase() const {
+  if (isWaning() == isLimbWaning) return phase;
+  const bool isGibbous = phaseIllumination >= 0.5f;
+  const MoonPhaseType waning =
+      isGibbous ? MoonPhaseType::WaningGibbous : MoonPhaseType::WaningCrescent;
+  const MoonPhaseType waxing =
+      isGibbous ? MoonPhaseType::WaxingGibbous : MoonPhaseType::WaxingCrescent;
+  return static_cast<int>(isLimbWaning ? waning : waxing);
+}
+
 std::string MoonPhaseResult::phaseString() const {
   return phaseStringWithPercentageInNewLine(false);
 }

@@ -58,6 +58,7 @@ std::optional<std::string> WidgetAstrolib::calculateMoonPhase(ephemeris::PtMoon&
   sunElevation = phase.sunElevation;
   moonElevation = phase.moonElevation;
   isMoonWaning = phase.isWaning();
+  isLimbWaning = phase.isLimbWaning;
   return phaseText(phase, isSupermoon);
 }
 

@@ -175,7 +175,7 @@ platform::UIImage MoonImage(const PlaceDay& day) {
   context.embedImage(
       std::make_shared<const platform::UIImage>(events::MoonShadow::drawShadowOnMoonImage(
           picture.get(), {disc.width, disc.height}, static_cast<double>(phase.zenithAngle),
-          phase.phase, static_cast<double>(phase.sunElevation),
+          phase.shadowPhase(), static_cast<double>(phase.sunElevation),
           static_cast<double>(phase.phaseIllumination), 0.0, day.isSupermoon)),
       disc, {});
   return context.image();

@@ -81,15 +81,25 @@ UIBezierPath UIBezierPath::ellipse(const CGRect& in) {
   return WithCorners(in, in.width / 2.0, in.height / 2.0);
 }
 
+UIBezierPath::Segment UIBezierPath::Segments::operator[](std::size_t index) const {
+  SegmentIterator at = begin();
+  while (index-- > 0) ++at;
+  return *at;
+}
+
+void UIBezierPath::Add(Verb verb, std::initializer_list<CGPoint> points) {
+  verbs_.push_back(verb);
+  points_.insert(points_.end(), points);
+}
+
 void UIBezierPath::append(const UIBezierPath& path) {
-  segments_.insert(segments_.end(), path.segments_.begin(), path.segments_.end());
+  verbs_.insert(verbs_.end(), path.verbs_.begin(), path.verbs_.end());
+  points_.insert(points_.end(), path.points_.begin(), path.points_.end());
 }
 
 UIBezierPath UIBezierPath::transformed(const CGAffineTransform& transform) const {
   UIBezierPath path = *this;
-  for (Segment& segment : path.segments_) {
-    for (CGPoint& point : segment.points) point = transform.apply(point);
-  }
+  for (CGPoint& point : path.points_) point = transform.apply(point);
   return path;
 }
 

@@ -54,7 +54,7 @@ TEST(Timeline, HasEveryFieldOfItsKind) {
   const std::string moon =
       "(" + location +
       "mjdTomorrowAt0 mjdRise mjdSet moonPhaseString moonPhase zenithAngle isMoonWaning "
-      "isSupermoon moonElevation sunElevation)";
+      "isSupermoon moonElevation sunElevation isLimbWaning)";
   const std::string gc =
       "(" + location +
       "mjdTomorrowAt0 mjdVisibilityFrom visibilityFromAngle mjdVisibilityTo visibilityToAngle "

@@ -286,7 +286,7 @@ TEST(Drawing, PicturesAreTurnedAndMirrored) {
     platform::CGPoint at{0, 0};
     const Recorder canvas = Drawn(c.element, environment, assets);
     for (std::size_t i = 0; i < 4; ++i) {
-      const auto corner = canvas.fills.at(0).path.segments().at(i).end();
+      const auto corner = canvas.fills.at(0).path.segments()[i].end();
       at = {at.x + corner.x / 4, at.y + corner.y / 4};
     }
     EXPECT_NEAR(at.x, c.at.x, 1e-9) << &c - cases;

@@ -38,7 +38,7 @@ constexpr int kWaning = 7;
 
 /// A cubic curve's point, t from 0 to 1.
 CGPoint OnCurve(CGPoint from, const UIBezierPath::Segment& curve, double t) {
-  const auto& [c1, c2, to] = curve.points;
+  const CGPoint &c1 = curve.points[0], &c2 = curve.points[1], &to = curve.points[2];
   const double u = 1.0 - t;
   const auto mix = [&](double p0, double p1, double p2, double p3) {
     return u * u * u * p0 + 3.0 * u * u * t * p1 + 3.0 * u * t * t * p2 + t * t * t * p3;
@@ -126,6 +126,25 @@ struct Look {
   bool isWaning = false;
 };
 
+double BrightLimbZenithAngle(ephemeris::PtSun& sun, ephemeris::PtMoon& moon) {
+  ephemeris::MoonPhase phase;
+  ephemeris::Vector3D moonEcliptic = moon.eclipticPosition();
+  ephemeris::Vector3D moonEquatorial = moon.equatorialPosition();
+  ephemeris::Vector3D sunEcliptic = sun.eclipticPosition();
+  ephemeris::Vector3D sunEquatorial = sun.equatorialPosition();
+  moon.CalculatePhase(&moonEcliptic, &moonEquatorial, &sunEcliptic, &sunEquatorial,
+                      moon.hourAngle(), &phase);
+  return phase.brightLimbZenithAngle * kRadiansToDegrees;
+}
+
+ephemeris::PtPosition Observer(double latitude, double longitude) {
+  ephemeris::PtPosition observer;
+  observer.latitude = latitude;
+  observer.longitude = longitude;
+  observer.CalcObserverCoords();
+  return observer;
+}
+
 UIImage ByImage(const Look& look, double side = kSide) {
   return MoonShadow::moonShadowImageOfSize({side, side}, look.zenithAngle,
                                            look.isWaning ? kWaning : kWaxing, 30.0,
@@ -156,10 +175,7 @@ TEST(MoonShadow, TheLimbShinesTowardsTheSun) {
   };
   int looks = 0, waning = 0, oblique = 0;
   for (const Place& place : {Place{46.36, 14.09}, {-22.91, -68.2}, {1.0, 103.8}, {-54.8, -68.3}}) {
-    ephemeris::PtPosition observer;
-    observer.latitude = place.latitude;
-    observer.longitude = place.longitude;
-    observer.CalcObserverCoords();
+    const ephemeris::PtPosition observer = Observer(place.latitude, place.longitude);
     ephemeris::PtSun sun(observer);
     ephemeris::PtMoon moon(observer);
     for (double days = 0.0; days < 30.0; days += 0.37) {
@@ -168,14 +184,7 @@ TEST(MoonShadow, TheLimbShinesTowardsTheSun) {
           mjd, kDeltaT, sun, moon, Instant("2027-02-06T16:00:00Z"), false);
       // Near new and full Moon the whole limb is dark, or lit.
       if (result.phaseIllumination < 0.03f || result.phaseIllumination > 0.97f) continue;
-      ephemeris::MoonPhase phase;
-      ephemeris::Vector3D moonEcliptic = moon.eclipticPosition();
-      ephemeris::Vector3D moonEquatorial = moon.equatorialPosition();
-      ephemeris::Vector3D sunEcliptic = sun.eclipticPosition();
-      ephemeris::Vector3D sunEquatorial = sun.equatorialPosition();
-      moon.CalculatePhase(&moonEcliptic, &moonEquatorial, &sunEcliptic, &sunEquatorial,
-                          moon.hourAngle(), &phase);
-      const double expected = phase.brightLimbZenithAngle * kRadiansToDegrees;
+      const double expected = BrightLimbZenithAngle(sun, moon);
       SCOPED_TRACE(std::to_string(place.latitude) + " day " + std::to_string(days));
 
       // The angle itself: the great circle from Moon to Sun in the observer's sky. Parallax and
@@ -205,6 +214,52 @@ TEST(MoonShadow, TheLimbShinesTowardsTheSun) {
   EXPECT_GT(waning, 80);
   EXPECT_GT(looks - waning, 80);
   EXPECT_GT(oblique, 60);
+}
+
+TEST(MoonShadow, TheDarkSideIsRightOnTheWholeDayOfFullAndNewMoon) {
+  constexpr double kDeltaT = 70.0 / 86400.0;
+  constexpr int kNew = 0, kFull = 2;
+  // Before and after full Moon on 2027-02-20 at 23:24 UTC and new Moon on 2027-01-07 at 20:24 UTC.
+  struct Case {
+    const char* zone;
+    double latitude, longitude;
+    const char* instant;
+    int phase;
+    bool isLimbWaning;
+  };
+  const Case cases[] = {
+      {"Europe/London", 51.48, 0.0, "2027-02-20T02:00:00Z", kFull, false},
+      {"Europe/Ljubljana", 46.3625, 14.0936, "2027-02-21T20:00:00Z", kFull, true},
+      {"Europe/Ljubljana", 46.3625, 14.0936, "2027-02-21T22:50:00Z", kFull, true},
+      {"Asia/Tehran", 35.69, 51.42, "2027-01-07T03:30:00Z", kNew, true},
+      {"America/Santiago", -22.91, -68.2, "2027-01-08T02:30:00Z", kNew, false},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.instant);
+    const TestServices services(c.instant, c.zone);
+    const ephemeris::PtPosition observer = Observer(c.latitude, c.longitude);
+    ephemeris::PtSun sun(observer);
+    ephemeris::PtMoon moon(observer);
+    const platform::NSDate now = Instant(c.instant);
+    const auto result = events::EphemerisUtils::moonPhaseDataForMjd(now.modifiedJulianDay(),
+                                                                    kDeltaT, sun, moon, now);
+    EXPECT_EQ(result.phase, c.phase);
+    EXPECT_EQ(result.isLimbWaning, c.isLimbWaning);
+    const UIImage byImage =
+        MoonShadow::moonShadowImageOfSize({kSide, kSide}, result.zenithAngle, result.shadowPhase(),
+                                          30.0, result.phaseIllumination, -1.0, false);
+    const UIImage byView =
+        ByView({result.phaseIllumination, result.zenithAngle, result.isLimbWaning});
+    // Between the terminator and the limb, on the side of the Sun and on the other.
+    const double reach = kRadius * (1.0 + std::fabs(2.0 * result.phaseIllumination - 1.0)) / 2.0;
+    const double limb = BrightLimbZenithAngle(sun, moon) * kDegreesToRadians;
+    for (const UIImage& image : {byImage, byView}) {
+      EXPECT_TRUE(
+          IsLit(image, {kRadius - reach * std::sin(limb), kRadius - reach * std::cos(limb)}));
+      EXPECT_FALSE(
+          IsLit(image, {kRadius + reach * std::sin(limb), kRadius + reach * std::cos(limb)}));
+    }
+  }
 }
 
 TEST(MoonShadow, TheLitAreaIsTheIlluminatedFraction) {

@@ -97,7 +97,7 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
   }
   context.concatenate(CGAffineTransform::translation(disc.x, disc.y));
   const MoonShadowView shadow{data.moonPhase, data.zenithAngle, data.sunElevation,
-                              data.isMoonWaning, environment.isTinted()};
+                              data.isLimbWaning, environment.isTinted()};
   shadow.draw(context, {disc.width, disc.height});
   context.restore();
   if (!environment.isTinted()) {

@@ -19,6 +19,7 @@ MoonWidgetData::MoonWidgetData(const RecordSources& sources)
   isSupermoon = calculator->isSupermoon;
   moonElevation = calculator->moonElevation;
   sunElevation = calculator->sunElevation;
+  isLimbWaning = calculator->isLimbWaning;
 }
 
 }  // namespace lumenquest::widgets

@@ -12,4 +12,7 @@ namespace lumenquest::adapters {
 std::optional<std::string> writeFileWhole(const std::filesystem::path& path,
                                           const std::string& contents);
 
+/// A file's contents; empty when it cannot be read.
+std::string contentsOfFile(const std::filesystem::path& path);
+
 }  // namespace lumenquest::adapters

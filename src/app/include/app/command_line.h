@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "app/home_command.h"
+
 namespace lumenquest::app {
 
 class CommandSet;
@@ -14,11 +16,12 @@ inline constexpr int kExitFailure = 1;
 inline constexpr int kExitUsage = 2;
 
 /// Adds all commands to the set, whose texts are those of the strings service at this moment. Those
-/// that go on for long write to `out` as they go.
-void addCommands(CommandSet& commands, std::ostream& out);
+/// that go on for long write to `out` as they go. Without `serveHome` there is nothing that serves.
+void addCommands(CommandSet& commands, std::ostream& out, const ServeHome& serveHome = {});
 
 /// Runs the command with these arguments (without the program's name): results to `out`, one-line
 /// errors to `err`. Returns the exit code.
-int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
+int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+        const ServeHome& serveHome = {});
 
 }  // namespace lumenquest::app

@@ -12,8 +12,4 @@ namespace lumenquest::app {
 /// HomeScreenError, std::runtime_error.
 void serveHome(const HomeOptions& options, const OptionText& listen, std::ostream& out);
 
-/// The page of the running host to which a deep link leads; nothing given: its home screen. Throws
-/// UsageError for what is no deep link, std::runtime_error when no host is running.
-std::string runningPage(const OptionText& deepLink);
-
 }  // namespace lumenquest::app

@@ -20,7 +20,13 @@ class MoonPhaseResult {
   /// MJD of the day's principal phase; 0 when it was not asked for, kMjdNoRiseOrSet when the day
   /// has none.
   double mjdPhase = 0.0;
+  /// Whether the Moon wanes at the moment itself: after full Moon it does, though the phase is full
+  /// for the whole day, and before new Moon. The zenith angle is of this Moon.
+  bool isLimbWaning = false;
 
+  /// The phase after which the shadow is drawn: the day's, or the moment's where only that lies on
+  /// the limb's side.
+  int shadowPhase() const;
   /// Last quarter, waning gibbous or waning crescent.
   bool isWaning() const;
 

@@ -56,6 +56,8 @@ class WidgetAstrolib final : public DayCalculator {
   bool isMoonWaning = false;
   bool isSupermoon = false;
   float moonlessHours = 0.0f;
+  /// At the moment itself, which isMoonWaning is not on the days of new and full Moon.
+  bool isLimbWaning = false;
 };
 
 }  // namespace lumenquest::events

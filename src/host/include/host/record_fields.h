@@ -57,6 +57,7 @@ void visitFields(Record& record, Visit&& visit) {
   visit("isSupermoon", record.isSupermoon);
   visit("moonElevation", record.moonElevation);
   visit("sunElevation", record.sunElevation);
+  visit("isLimbWaning", record.isLimbWaning);
 }
 
 template <Like<widgets::GalacticCenterWidgetData> Record, typename Visit>

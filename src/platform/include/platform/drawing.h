@@ -1,8 +1,10 @@
 #pragma once
 
-#include <array>
+#include <cstddef>
+#include <initializer_list>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <variant>
 #include <vector>
@@ -15,14 +17,44 @@ namespace lumenquest::platform {
 /// Lines and cubic Bézier curves.
 class UIBezierPath {
  public:
-  enum class Verb { move, line, curve, close };
+  enum class Verb : unsigned char { move, line, curve, close };
+  /// For as long as the path is neither changed nor gone.
   struct Segment {
-    Verb verb = Verb::close;
-    /// The end point last; a curve's two control points before it.
-    std::array<CGPoint, 3> points{};
+    Verb verb;
+    /// The end point last; a curve's two control points before it. None of a close.
+    std::span<const CGPoint> points;
 
-    CGPoint end() const { return points[verb == Verb::curve ? 2 : 0]; }
-    bool operator==(const Segment&) const = default;
+    CGPoint end() const { return points.back(); }
+  };
+  class SegmentIterator {
+   public:
+    SegmentIterator(const Verb* verb, const CGPoint* points) : verb_(verb), points_(points) {}
+
+    Segment operator*() const { return {*verb_, {points_, pointsOf(*verb_)}}; }
+    SegmentIterator& operator++() {
+      points_ += pointsOf(*verb_);
+      ++verb_;
+      return *this;
+    }
+    bool operator==(const SegmentIterator& other) const { return verb_ == other.verb_; }
+
+   private:
+    const Verb* verb_;
+    const CGPoint* points_;
+  };
+  class Segments {
+   public:
+    explicit Segments(const UIBezierPath& path) : path_(path) {}
+
+    SegmentIterator begin() const { return {path_.verbs_.data(), path_.points_.data()}; }
+    SegmentIterator end() const { return {path_.verbs_.data() + size(), nullptr}; }
+    std::size_t size() const { return path_.verbs_.size(); }
+    bool empty() const { return path_.verbs_.empty(); }
+    /// Walks there.
+    Segment operator[](std::size_t index) const;
+
+   private:
+    const UIBezierPath& path_;
   };
 
   static UIBezierPath rect(const CGRect& rect);
@@ -30,22 +62,29 @@ class UIBezierPath {
   static UIBezierPath roundedRect(const CGRect& rect, double cornerRadius);
   static UIBezierPath ellipse(const CGRect& in);
 
-  void moveTo(CGPoint point) { segments_.push_back({Verb::move, {point}}); }
-  void lineTo(CGPoint point) { segments_.push_back({Verb::line, {point}}); }
+  void moveTo(CGPoint point) { Add(Verb::move, {point}); }
+  void lineTo(CGPoint point) { Add(Verb::line, {point}); }
   void curveTo(CGPoint control1, CGPoint control2, CGPoint point) {
-    segments_.push_back({Verb::curve, {control1, control2, point}});
+    Add(Verb::curve, {control1, control2, point});
   }
-  void close() { segments_.push_back({Verb::close, {}}); }
+  void close() { Add(Verb::close, {}); }
   void append(const UIBezierPath& path);
   UIBezierPath transformed(const CGAffineTransform& transform) const;
 
-  const std::vector<Segment>& segments() const { return segments_; }
+  Segments segments() const { return Segments(*this); }
   bool operator==(const UIBezierPath&) const = default;
 
   bool usesEvenOddFillRule = false;
 
  private:
-  std::vector<Segment> segments_;
+  static std::size_t pointsOf(Verb verb) {
+    return verb == Verb::curve ? 3 : verb == Verb::close ? 0 : 1;
+  }
+  void Add(Verb verb, std::initializer_list<CGPoint> points);
+
+  // Apart, for most segments of a large picture are lines: a third of the memory.
+  std::vector<Verb> verbs_;
+  std::vector<CGPoint> points_;
 };
 
 struct GradientStop {

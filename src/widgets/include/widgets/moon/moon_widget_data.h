@@ -27,6 +27,9 @@ struct MoonWidgetData {
   /// Degrees.
   float moonElevation = 0.0f;
   float sunElevation = 0.0f;
+  /// The side of the shadow: at the moment itself, which isMoonWaning is not on the days of new and
+  /// full Moon.
+  bool isLimbWaning = false;
 
   bool operator==(const MoonWidgetData&) const = default;
 };

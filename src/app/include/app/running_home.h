@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "app/widget_request.h"
+
+namespace lumenquest::app {
+
+/// Where a host listens when nothing is said.
+inline constexpr std::uint16_t kUsualHomePort = 8437;
+
+/// Tells other processes of this user where a host listens, as long as it does.
+class HomeAnnouncement {
+ public:
+  HomeAnnouncement(std::uint16_t port, const std::string& url);
+  ~HomeAnnouncement();
+  HomeAnnouncement(const HomeAnnouncement&) = delete;
+  HomeAnnouncement& operator=(const HomeAnnouncement&) = delete;
+
+ private:
+  std::filesystem::path file_;
+};
+
+/// The page of the running host to which a deep link leads; nothing given: its home screen. Throws
+/// UsageError for what is no deep link, std::runtime_error when no host is running.
+std::string runningPage(const OptionText& deepLink);
+
+}  // namespace lumenquest::app
