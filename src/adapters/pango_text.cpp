@@ -99,8 +99,9 @@ bool IsUnshown(gunichar c) {
   return (c < 0x20 && c != '\n') || (c >= 0x7F && c < 0xA0) || (c & 0xFFFE) == 0xFFFE;
 }
 
-/// The text's paragraphs, at least one, as whoever draws them may have them.
-std::vector<std::string> ParagraphsOf(const std::string& text) {
+/// The text's paragraphs, at least one, as whoever draws them may have them. Where there are more
+/// than lines, breaks are blanks: a title loses no words to them.
+std::vector<std::string> ParagraphsOf(const std::string& text, int lineLimit) {
   const std::unique_ptr<char, FreeText> valid(
       g_utf8_make_valid(text.data(), static_cast<gssize>(text.size())));
   std::vector<std::string> paragraphs(1);
@@ -117,7 +118,13 @@ std::vector<std::string> ParagraphsOf(const std::string& text) {
       paragraphs.back().append(at, static_cast<std::size_t>(g_utf8_next_char(at) - at));
     }
   }
-  return paragraphs;
+  if (paragraphs.size() <= static_cast<std::size_t>(lineLimit)) return paragraphs;
+  std::string whole;
+  for (const std::string& paragraph : paragraphs) {
+    if (!whole.empty() && !paragraph.empty()) whole += ' ';
+    whole += paragraph;
+  }
+  return {whole};
 }
 
 /// Pango units for the width of a layout, -1 for none.
@@ -241,7 +248,7 @@ TextSetting::TextSetting(const std::string& text, const TextStyle& style, double
   int widthUnits = WidthFor(width);
   int linesLeft = style.lineLimit;
   int top = 0;
-  for (const std::string& paragraph : ParagraphsOf(text)) {
+  for (const std::string& paragraph : ParagraphsOf(text, style.lineLimit)) {
     if (linesLeft == 0) {
       // What is left out is told by an ellipsis, which may itself displace the last words.
       lacksParagraphs_ = true;
@@ -364,6 +371,14 @@ void setTextLanguage(const std::string& language) {
   for (PangoContext* const context : contexts.byDirection) {
     if (context != nullptr) SetLanguage(context, language);
   }
+}
+
+std::string textLanguage() {
+  std::string tag = SharedContexts().language;
+  // What follows in a locale's identifier is no part of a tag: "de_DE.UTF-8@euro".
+  tag.resize(std::min(tag.size(), tag.find_first_of(".@")));
+  std::replace(tag.begin(), tag.end(), '_', '-');
+  return tag;
 }
 
 }  // namespace lumenquest::adapters

@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "adapters/pango_text.h"
 #include "gradients.h"
 #include "platform/assertion.h"
 #include "text_setting.h"
@@ -492,6 +493,10 @@ std::string SvgCanvas::document(const std::string& title, const std::string& des
   std::string text = "<svg" + Attribute("xmlns", "http://www.w3.org/2000/svg") +
                      Attribute("width", width) + Attribute("height", height) +
                      Attribute("viewBox", "0 0 " + width + " " + height);
+  // How words are spoken, broken and shaped. Pages look at the one name, XML's tools at the other.
+  if (const std::string language = Escaped(textLanguage()); !language.empty()) {
+    text += Attribute("lang", language) + Attribute("xml:lang", language);
+  }
   // Those who listen to an image are told of nothing inside.
   text += Attribute("role", hasParts_ ? "group" : "img") + Attribute("aria-labelledby", titleId) +
           Attribute("aria-describedby", descriptionId) + Attribute("font-family", kFontFamilies) +

@@ -20,6 +20,8 @@ namespace {
 constexpr double kRingWidth = 1.5;
 /// Warm as the Moon near the horizon.
 constexpr platform::UIColor kRingColor{254.0 / 255.0, 217.0 / 255.0, 37.0 / 255.0, 1.0};
+/// A light page would swallow the yellow: this grey stands out from light grounds and dark ones.
+constexpr platform::UIColor kRingOutlineColor{0.455, 0.47, 0.498, 1.0};
 
 bool IsWaning(int moonPhase) { return moonPhase == 3 || moonPhase == 6 || moonPhase == 7; }
 
@@ -108,7 +110,14 @@ UIImage MoonShadow::drawShadowOnMoonImage(const UIImage* image, CGSize ofSize,
   }
   context.restore();
   if (isSupermoon) {
-    context.stroke(UIBezierPath::ellipse(disc.insetBy(1.0)), kRingColor, {kRingWidth});
+    constexpr double kOutline = 0.5;
+    const CGRect middle = disc.insetBy(1.0);
+    const double reach = kRingWidth / 2.0 + kOutline;
+    UIBezierPath outline = UIBezierPath::ellipse(middle.insetBy(-reach));
+    outline.append(UIBezierPath::ellipse(middle.insetBy(reach)));
+    outline.usesEvenOddFillRule = true;
+    context.fill(outline, kRingOutlineColor);
+    context.stroke(UIBezierPath::ellipse(middle), kRingColor, {kRingWidth});
   }
   return context.image();
 }

@@ -3,8 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <fstream>
+
+#include "contrast.h"
 
 namespace lumenquest::adapters {
 namespace {
@@ -77,20 +78,6 @@ TEST_F(AssetCatalogTest, BadFilesAreNamed) {
   EXPECT_THROW(FileAssetCatalog(folder_).imageNamed("bad"), std::runtime_error);
 }
 
-/// Relative luminance. Source: W3C, WCAG 2.2, definitions.
-double Luminance(const UIColor& color) {
-  const auto linear = [](double c) {
-    return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(color.red) + 0.7152 * linear(color.green) + 0.0722 * linear(color.blue);
-}
-
-double Contrast(const UIColor& a, const UIColor& b) {
-  const double la = Luminance(a);
-  const double lb = Luminance(b);
-  return (std::max(la, lb) + 0.05) / (std::min(la, lb) + 0.05);
-}
-
 TEST(Art, TextsStandOutFromTheirBackgrounds) {
   FileAssetCatalog catalog(fs::path(LUMENQUEST_TEST_RESOURCES) / "art");
   const std::pair<const char*, double> contents[] = {
@@ -103,7 +90,7 @@ TEST(Art, TextsStandOutFromTheirBackgrounds) {
       for (const auto& [content, least] : contents) {
         const auto above = catalog.colorNamed(content, scheme);
         ASSERT_TRUE(above) << content;
-        EXPECT_GE(Contrast(*above, *below), least)
+        EXPECT_GE(testing::contrastOf(*above, *below), least)
             << content << " on " << background
             << (scheme == ColorScheme::dark ? ", dark" : ", light");
       }

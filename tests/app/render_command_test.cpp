@@ -149,8 +149,9 @@ TEST(Render, SvgKeepsWordsAndLinks) {
   // The description says all that is to be read, in words that need no picture.
   const std::size_t start = svg.find("<desc");
   const std::string description = svg.substr(start, svg.find("</desc>") - start);
-  for (const char* words : {"Bled. ", "Golden hour: ", "Next: ", "Sunrise: ", "Sunset: ",
-                            "Moonrise: ", "Moonset: ", "Visible from: ", ", azimuth "}) {
+  for (const char* words :
+       {"\u2068Bled\u2069. ", "Golden hour: ", "Next: ", "Sunrise: ", "Sunset: ", "Moonrise: ",
+        "Moonset: ", "Visible from: ", ", azimuth "}) {
     EXPECT_THAT(description, HasSubstr(words));
   }
   EXPECT_THAT(description, Not(HasSubstr("(+1)")));

@@ -18,13 +18,17 @@ struct PlacedText {
   double size = 0.0;
 };
 
-/// "10:10 PM - 12:14 AM (+1)"
+/// "10:10 PM - 12:14 AM (+1)", "22.10 - 0.14 (+1)"; not "98.2%".
 inline bool isTime(const std::string& text) {
-  const std::size_t colon = text.find(':');
   const auto isDigit = [&](std::size_t i) {
     return i < text.size() && text[i] >= '0' && text[i] <= '9';
   };
-  return colon != std::string::npos && colon > 0 && isDigit(colon - 1) && isDigit(colon + 1);
+  for (std::size_t i = 1; i < text.size(); ++i) {
+    const bool isMark = text[i] == ':' || text[i] == '.';
+    const bool hasMinutes = isDigit(i + 1) && isDigit(i + 2) && !isDigit(i + 3);
+    if (isMark && isDigit(i - 1) && hasMinutes) return true;
+  }
+  return false;
 }
 
 inline void collectTexts(const widgets::view::Box& box, std::vector<PlacedText>& texts) {

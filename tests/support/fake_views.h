@@ -73,7 +73,7 @@ class FewAssets final : public platform::AssetCatalog {
   std::map<std::string, platform::UIColor> colors;
 };
 
-/// Keeps what is drawn.
+/// Keeps what is drawn; a gradient as if each of its colours were drawn by itself.
 class Recorder final : public platform::Canvas {
  public:
   struct Fill {
@@ -102,11 +102,11 @@ class Recorder final : public platform::Canvas {
   }
   void clip(const platform::UIBezierPath&) override {}
   void fill(const platform::UIBezierPath& path, const platform::Paint& paint) override {
-    fills.push_back({path.transformed(transform_), std::get<platform::UIColor>(paint)});
+    for (const auto& color : Colors(paint)) fills.push_back({path.transformed(transform_), color});
   }
   void stroke(const platform::UIBezierPath&, const platform::Paint& paint,
               const platform::Stroke& stroke) override {
-    lines.push_back({std::get<platform::UIColor>(paint), stroke});
+    for (const auto& color : Colors(paint)) lines.push_back({color, stroke});
   }
   void drawText(const std::string& text, const platform::TextStyle& style,
                 const platform::UIColor& color, const platform::CGRect& rect) override {
@@ -120,6 +120,13 @@ class Recorder final : public platform::Canvas {
   std::vector<Word> words;
 
  private:
+  static std::vector<platform::UIColor> Colors(const platform::Paint& paint) {
+    if (const auto* const color = std::get_if<platform::UIColor>(&paint)) return {*color};
+    std::vector<platform::UIColor> colors;
+    for (const auto& stop : std::get<platform::Gradient>(paint).stops) colors.push_back(stop.color);
+    return colors;
+  }
+
   platform::CGAffineTransform transform_;
   std::vector<platform::CGAffineTransform> states_;
   std::string link_;

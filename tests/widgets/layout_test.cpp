@@ -199,6 +199,13 @@ TEST(Layout, ADeepTreeIsAskedOnce) {
   EXPECT_LT(letters.measurements, 200);
 }
 
+Recorder Drawn(const Element& view, const Environment& environment, FewAssets& assets) {
+  BlockLetters letters;
+  Recorder canvas;
+  draw(view, {20, 20}, environment, letters, assets, canvas);
+  return canvas;
+}
+
 TEST(Drawing, ColoursAreThoseOfSchemeAndMode) {
   FewAssets assets;
   assets.colors = {{"contentPrimary", {0, 0.5, 0.5, 1}}, {"contentTertiary", {0, 0.2, 0.2, 1}}};
@@ -208,10 +215,8 @@ TEST(Drawing, ColoursAreThoseOfSchemeAndMode) {
               text("half") | color(named("contentPrimary", 0.5)),
               text("unknown") | color(named("noSuchColour"))});
   const auto colors = [&](const Environment& environment) {
-    BlockLetters letters;
-    Recorder canvas;
-    draw(view, {100, 100}, environment, letters, assets, canvas);
     std::vector<UIColor> found;
+    const Recorder canvas = Drawn(view, environment, assets);
     for (const auto& word : canvas.words) found.push_back(word.color);
     return found;
   };
@@ -244,13 +249,7 @@ TEST(Drawing, AnOutlineStandsBehindItsPicture) {
   assets.images["ray"] = std::make_shared<platform::UIImage>(picture);
   const UIColor yellow{1, 1, 0, 0.2};
   const Element view = image("ray", 20) | color(yellow) | outlined(named("line"));
-  const auto drawn = [&](const Environment& environment) {
-    BlockLetters letters;
-    Recorder canvas;
-    draw(view, {20, 20}, environment, letters, assets, canvas);
-    return canvas;
-  };
-  const Recorder full = drawn({});
+  const Recorder full = Drawn(view, {}, assets);
   ASSERT_EQ(full.lines.size(), 3u);
   EXPECT_EQ(full.lines[0].color, (UIColor{0, 0.2, 0.2, 1}));
   // Half a point on either side of the edge, in a picture at twice its size.
@@ -260,7 +259,7 @@ TEST(Drawing, AnOutlineStandsBehindItsPicture) {
   EXPECT_EQ(full.lines[2].stroke.width, 2.0);
   Environment tinted;
   tinted.renderingMode = WidgetRenderingMode::accented;
-  EXPECT_EQ(drawn(tinted).lines.size(), 1u);
+  EXPECT_EQ(Drawn(view, tinted, assets).lines.size(), 1u);
 }
 
 TEST(Drawing, PicturesAreTurnedAndMirrored) {
@@ -269,41 +268,55 @@ TEST(Drawing, PicturesAreTurnedAndMirrored) {
   platform::UIImage picture{{10, 10}, {}};
   picture.shapes.push_back({platform::UIBezierPath::rect({0, 0, 1, 1}), platform::CurrentColor{}});
   assets.images["dot"] = std::make_shared<platform::UIImage>(picture);
-  const auto dot = [&](const Element& element, LayoutDirection direction) {
-    Environment environment;
-    environment.layoutDirection = direction;
-    BlockLetters letters;
-    Recorder canvas;
-    draw(element, {10, 10}, environment, letters, assets, canvas);
-    platform::CGPoint at{0, 0};
-    for (int i = 0; i < 4; ++i) {
-      const auto corner = canvas.fills.at(0).path.segments()[static_cast<std::size_t>(i)].end();
-      at = {at.x + corner.x / 4, at.y + corner.y / 4};
-    }
-    return std::pair(std::round(at.x * 2) / 2, std::round(at.y * 2) / 2);
+  struct Case {
+    Element element;
+    LayoutDirection direction;
+    platform::CGPoint at;
   };
   const auto ltr = LayoutDirection::leftToRight;
   const auto rtl = LayoutDirection::rightToLeft;
-  using At = std::pair<double, double>;
-  EXPECT_EQ(dot(image("dot", 10), ltr), At(0.5, 0.5));
-  EXPECT_EQ(dot(image("dot", 10), rtl), At(0.5, 0.5));
-  EXPECT_EQ(dot(image("dot", 10) | mirrored(), ltr), At(0.5, 0.5));
-  EXPECT_EQ(dot(image("dot", 10) | mirrored(), rtl), At(9.5, 0.5));
-  EXPECT_EQ(dot(image("dot", 10) | rotated(90), ltr), At(9.5, 0.5));
+  const Case cases[] = {{image("dot", 20), ltr, {1, 1}},
+                        {image("dot", 20), rtl, {1, 1}},
+                        {image("dot", 20) | mirrored(), ltr, {1, 1}},
+                        {image("dot", 20) | mirrored(), rtl, {19, 1}},
+                        {image("dot", 20) | rotated(90), ltr, {19, 1}}};
+  for (const Case& c : cases) {
+    Environment environment;
+    environment.layoutDirection = c.direction;
+    platform::CGPoint at{0, 0};
+    const Recorder canvas = Drawn(c.element, environment, assets);
+    for (std::size_t i = 0; i < 4; ++i) {
+      const auto corner = canvas.fills.at(0).path.segments()[i].end();
+      at = {at.x + corner.x / 4, at.y + corner.y / 4};
+    }
+    EXPECT_NEAR(at.x, c.at.x, 1e-9) << &c - cases;
+    EXPECT_NEAR(at.y, c.at.y, 1e-9) << &c - cases;
+  }
 }
 
 TEST(Drawing, LinksWithinLinksTakeTheirPlace) {
   const Element view =
       vstack({text("a"), text("b") | link("x://inner"), text("c")}) | link("x://outer");
   FewAssets assets;
-  BlockLetters letters;
-  Recorder canvas;
-  draw(view, kRoom, {}, letters, assets, canvas);
+  const Recorder canvas = Drawn(view, {}, assets);
   std::vector<std::string> links;
   for (const auto& word : canvas.words) links.push_back(word.link);
   EXPECT_THAT(links, ElementsAre("x://outer", "x://inner", "x://outer"));
+}
+
+TEST(Description, IsOfLabelsAndTextsAndKeepsUsersWordsApart) {
   EXPECT_EQ(descriptionOf(vstack({text("a") | label("long for a"), text(""), text("b")})),
             "long for a. b");
+  EXPECT_EQ(descriptionOf(vstack({text("mine") | given(), text("") | given(), text("b")})),
+            "\u2068mine\u2069. b");
+  // An override ends with its isolate; isolates within are closed, and too many ends left out.
+  const std::pair<const char*, const char*> cases[] = {
+      {"\u202Eevil", "\u2068\u202Eevil\u2069"},
+      {"\u2067a\u2066b", "\u2068\u2067a\u2066b\u2069\u2069\u2069"},
+      {"\u2066a\u2069\u2069b", "\u2068\u2066a\u2069b\u2069"},
+      {"a\n\u202Eb\u2029c", "\u2068a \u202Eb c\u2069"},
+  };
+  for (const auto& [words, expected] : cases) EXPECT_EQ(isolated(words), expected);
 }
 
 }  // namespace

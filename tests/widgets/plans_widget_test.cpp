@@ -90,33 +90,10 @@ TEST(PlansWidget, TheNextFourFromTodaysMidnightOn) {
   EXPECT_EQ(links.size(), 4u);
 }
 
-TEST(PlansWidget, ColumnsByFamily) {
+TEST(PlansWidget, OddDatesAndIdentifiersStopNothing) {
   const testing::TestServices services("2024-08-12T12:00:00Z");
-  for (std::size_t count = 0; count <= 4; ++count) {
-    SCOPED_TRACE(count);
-    PlansTimelineEntry entry;
-    entry.plans.resize(count);
-    for (const bool isSmall : {true, false}) {
-      const PlansContent content =
-          plansContent(entry, isSmall ? WidgetFamily::systemSmall : WidgetFamily::systemMedium);
-      EXPECT_EQ(content.title, "<appwidget_plans>");
-      EXPECT_EQ(content.nothingScheduled, count == 0 ? "<plan_no_scheduled>" : "");
-      std::vector<std::size_t> rows;
-      for (const auto& column : content.columns) {
-        rows.push_back(column.size());
-        for (const PlanRow& row : column) {
-          EXPECT_EQ(row.name, "");
-          EXPECT_EQ(row.date, "--");
-          EXPECT_EQ(row.link, isSmall ? "" : "lumenquest://plans");
-        }
-      }
-      std::vector<std::size_t> expected;
-      if (count > 0) expected.push_back(std::min<std::size_t>(count, 2));
-      if (count > 2 && !isSmall) expected.push_back(count - 2);
-      EXPECT_EQ(rows, expected);
-    }
-  }
-  // A date that no calendar has stops nothing.
+  EXPECT_EQ(planDateText({}), "--");
+  // Dates that no calendar has.
   for (const double seconds : {1e300, -1e300, 1e12}) {
     EXPECT_NE(planDateText({{}, NSDate(seconds), {}, ""}), "");
   }

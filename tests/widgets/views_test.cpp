@@ -5,11 +5,13 @@
 
 #include <cmath>
 #include <filesystem>
-#include <map>
 #include <set>
 
 #include "adapters/asset_catalog.h"
+#include "boxes.h"
+#include "contrast.h"
 #include "ephemeris/constants.h"
+#include "events/moon_shadow.h"
 #include "fake_views.h"
 #include "test_services.h"
 #include "widgets/galactic_center/galactic_center_views.h"
@@ -26,13 +28,11 @@ namespace {
 using platform::CLAuthorizationStatus;
 using platform::UIColor;
 using testing::BlockLetters;
-using ::testing::Contains;
-using ::testing::Each;
+using testing::contrastOf;
 using ::testing::ElementsAre;
 using testing::FewAssets;
 using testing::Instant;
 using ::testing::IsEmpty;
-using ::testing::Not;
 using testing::Recorder;
 using testing::TestServices;
 using view::Element;
@@ -157,168 +157,194 @@ view::Image ImageOf(const Element& element, const std::string& name) {
   return {};
 }
 
+std::shared_ptr<platform::AssetCatalog> RealAssets() {
+  return std::make_shared<adapters::FileAssetCatalog>(
+      std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
+}
+
+TestServices ServicesWith(std::shared_ptr<platform::AssetCatalog> assets) {
+  platform::Services::Adapters adapters;
+  adapters.assets = std::move(assets);
+  return TestServices("2024-08-12T12:00:00Z", "UTC", "en_GB", std::move(adapters));
+}
+
 class Views : public ::testing::Test {
  protected:
-  static platform::Services::Adapters Adapters() {
-    platform::Services::Adapters adapters;
-    adapters.assets = std::make_shared<FewAssets>();
-    return adapters;
-  }
-  const TestServices services{"2024-08-12T12:00:00Z", "UTC", "en_GB", Adapters()};
+  const TestServices services = ServicesWith(std::make_shared<FewAssets>());
 };
 
-const char* const kTomorrow = "00:05 <event_one_day_plus>";
+const std::string kTomorrow = "00:05 <event_one_day_plus>";
+const std::string kWindow =
+    "<appwidget_milky_way>|<gc_visible_from>|21:15|178° <cardinal_point_south_abbr>|"
+    "<gc_visible_to>|00:25 <event_one_day_plus>|221° <cardinal_point_south_west_abbr>";
+
+/// The texts of a view, in order.
+std::string Said(const Element& element) {
+  std::string said;
+  for (const std::string& text : textsOf(element)) said += (said.empty() ? "" : "|") + text;
+  return said;
+}
 
 TEST_F(Views, SaySmallMediumAndLargeThingsOfTheSun) {
-  const Texts window{"<twilight_golden_hour>", "18:30 - 19:40", "<twilight_blue_hour>",
-                     "19:40 - 19:55"};
+  const std::string rows =
+      "<twilight_golden_hour>|18:30 - 19:40|<twilight_blue_hour>|19:40 - 19:55|";
+  const std::string next = "Golden hour 18:30|05:10|19:20";
   const Element small = SunView(Sun(), In(kSmall));
-  EXPECT_EQ(textsOf(small), (Texts{"Bled", "Daytime", "Golden hour 18:30", "05:10", "19:20"}));
+  EXPECT_EQ(Said(small), "Bled|Daytime|" + next);
   EXPECT_EQ(imagesOf(small), (Texts{"sunIcon", "nextLightIcon", "bodyRise", "bodySet"}));
   EXPECT_EQ(linksOf(small), Texts{"lumenquest://sun"});
-  EXPECT_EQ(ImageOf(small, "sunIcon").size, (platform::CGSize{31, 31}));
+  EXPECT_EQ(Said(SunView(Sun(), In(kMedium))), "Daytime|Bled|" + rows + next);
 
-  const Element medium = SunView(Sun(), In(kMedium));
-  EXPECT_EQ(textsOf(medium), (Texts{"Daytime", "Bled", window[0], window[1], window[2], window[3],
-                                    "Golden hour 18:30", "05:10", "19:20"}));
-  EXPECT_EQ(ImageOf(medium, "sunIcon").size, (platform::CGSize{57, 57}));
-
+  // Each half of the large one leads to its own.
   const Element large = SunView(Sun(), In(kLarge));
-  EXPECT_EQ(textsOf(large), (Texts{"Daytime",
-                                   "Bled",
-                                   window[0],
-                                   window[1],
-                                   window[2],
-                                   window[3],
-                                   "<twilight_astronomical>",
-                                   "--",
-                                   "Golden hour 18:30",
-                                   "05:10",
-                                   "19:20",
-                                   "First quarter (50.0%)",
-                                   "<appwidget_milky_way>",
-                                   "<gc_visible_from>",
-                                   "21:15",
-                                   "178° <cardinal_point_south_abbr>",
-                                   "<gc_visible_to>",
-                                   "00:25 <event_one_day_plus>",
-                                   "221° <cardinal_point_south_west_abbr>",
-                                   "<night_with_no_moon>",
-                                   "2<unit_abbr_hour> 15<unit_abbr_minute>",
-                                   "13:40",
-                                   kTomorrow}));
   EXPECT_EQ(linksOf(large), (Texts{"lumenquest://sun", "lumenquest://sun", "lumenquest://moon"}));
-  // Each half of it leads to its own.
   const auto links = All<view::Link>(large);
-  EXPECT_THAT(textsOf(links.at(1).child), Contains("Daytime"));
-  EXPECT_THAT(textsOf(links.at(1).child), Not(Contains("<appwidget_milky_way>")));
-  EXPECT_THAT(textsOf(links.at(2).child), Contains("First quarter (50.0%)"));
+  EXPECT_EQ(Said(links.at(1).child), "Daytime|Bled|" + rows + "<twilight_astronomical>|--|" + next);
+  EXPECT_EQ(Said(links.at(2).child),
+            "First quarter (50.0%)|" + kWindow +
+                "|<night_with_no_moon>|2<unit_abbr_hour> 15<unit_abbr_minute>|13:40|" + kTomorrow);
 }
 
-TEST_F(Views, TheSunHasTheColourOfItsElevation) {
-  for (const auto& [elevation, color] :
-       std::map<float, UIColor>{{6.01f, palette::kLumenquestYellow},
-                                {6.0f, palette::kGoldenHourLayerColor},
-                                {-4.0f, palette::kCivilTwiligthLayerColor},
-                                {-6.0f, palette::kNauticalTwilightLayerColor},
-                                {-12.0f, palette::kAstronomicalTwilightLayerColor},
-                                {-18.0f, palette::kNight}}) {
-    SunLightWidgetData data = Sun();
-    data.sunElevation = elevation;
-    for (const auto family : {kSmall, kMedium, kLarge}) {
-      EXPECT_EQ(ImageOf(SunView(data, In(family)), "sunIcon").color, view::Color(color))
-          << elevation;
-    }
-  }
-  // The marks of the rows keep those of their lights.
-  std::vector<view::Color> marks;
-  for (const view::Image& image : All<view::Image>(SunView(Sun(), In(kLarge)))) {
-    if (image.name == "lightTypeIcon") marks.push_back(image.color);
-  }
-  EXPECT_THAT(marks, ElementsAre(palette::kGoldenHourLayerColor, palette::kCivilTwiligthLayerColor,
-                                 palette::kAstronomicalTwilightLayerColor));
-}
-
-/// Contrast of two opaque colours, from 1 to 21. Source: W3C, WCAG 2.2.
-double Contrast(const UIColor& a, const UIColor& b) {
-  const auto luminance = [](const UIColor& color) {
-    const auto linear = [](double c) {
-      return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.red) + 0.7152 * linear(color.green) + 0.0722 * linear(color.blue);
+TEST_F(Views, RowsTakeASecondLineBeforeTheirLettersShrink) {
+  struct Case {
+    const char* interval;
+    platform::CGSize size;
+    double letters;
+    bool isOnTwoLines;
   };
-  const double lighter = std::max(luminance(a), luminance(b));
-  return (lighter + 0.05) / (std::min(luminance(a), luminance(b)) + 0.05);
+  const Case cases[] = {
+      {"18:30 - 19:40", {364, 382}, 11, false},
+      {"06:48 - 07:50 (+1)", {364, 382}, 11, true},
+      {"06:48 - 07:50 (+1)", {292, 311}, 10, true},
+  };
+  for (const Case& c : cases) {
+    SunLightWidgetData data = Sun();
+    data.goldenHourInterval = c.interval;
+    BlockLetters letters;
+    std::vector<testing::PlacedText> texts;
+    const Element element = SunView(data, In(kLarge));
+    const view::Box root = layOut(element, c.size, In(kLarge), letters);
+    testing::collectTexts(root, texts);
+    const auto placed = [&](const std::string& text) {
+      for (const auto& one : texts) {
+        if (one.text == text) return one;
+      }
+      ADD_FAILURE() << "no " << text;
+      return testing::PlacedText{};
+    };
+    const auto title = placed("<twilight_golden_hour>");
+    const auto interval = placed(c.interval);
+    EXPECT_EQ(interval.size, c.letters) << c.interval << c.size.width;
+    EXPECT_EQ(interval.rect.y >= title.rect.y + title.rect.height, c.isOnTwoLines) << c.interval;
+    // Rows are alike, and the panes' tables stand one under the other.
+    EXPECT_EQ(placed("19:40 - 19:55").size, c.letters);
+    EXPECT_EQ(placed("Bled").rect.x, placed("<appwidget_milky_way>").rect.x) << c.size.width;
+  }
 }
 
 TEST_F(Views, TheSunStandsOutInEveryLight) {
-  adapters::FileAssetCatalog catalog(std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
+  const auto catalog = RealAssets();
   for (const float elevation : {30.0f, 3.0f, -5.0f, -9.0f, -15.0f, -40.0f}) {
     SunLightWidgetData data = Sun();
     data.sunElevation = elevation;
     const Element element = SunView(data, In(kSmall));
     const UIColor halo = std::get<UIColor>(All<view::Shape>(element).front().fill);
     for (const auto scheme : {platform::ColorScheme::light, platform::ColorScheme::dark}) {
-      const UIColor panel = *catalog.colorNamed("backgroundPrimary", scheme);
+      const UIColor panel = *catalog->colorNamed("backgroundPrimary", scheme);
       const auto over = [&](double above, double below) {
         return halo.alpha * above + (1.0 - halo.alpha) * below;
       };
       const UIColor ground{over(halo.red, panel.red), over(halo.green, panel.green),
                            over(halo.blue, panel.blue), 1.0};
       const auto outline = std::get<platform::NamedColor>(*ImageOf(element, "sunIcon").outline);
-      EXPECT_GE(Contrast(*catalog.colorNamed(outline.name, scheme), ground), 3.0) << elevation;
+      EXPECT_GE(contrastOf(*catalog->colorNamed(outline.name, scheme), ground), 3.0) << elevation;
     }
   }
-  // The marks stand on the panel itself, as do texts of this colour.
+  // The marks have their lights' colours, and stand on the panel itself, as do texts of this one.
+  std::vector<view::Color> marks;
   for (const view::Image& image : All<view::Image>(SunView(Sun(), In(kLarge)))) {
     if (image.name != "lightTypeIcon") continue;
     EXPECT_EQ(image.outline, named("contentTertiary"));
+    marks.push_back(image.color);
   }
+  EXPECT_THAT(marks, ElementsAre(palette::kGoldenHourLayerColor, palette::kCivilTwiligthLayerColor,
+                                 palette::kAstronomicalTwilightLayerColor));
+}
+
+TEST(SupermoonsRing, HasAnOutlineThatStandsOut) {
+  const auto catalog = RealAssets();
+  const TestServices services = ServicesWith(catalog);
+  MoonWidgetData data = Moon();
+  data.isSupermoon = true;
+  Environment environment = In(kLarge);
+  const auto strokes = [&] {
+    std::vector<platform::PictureShape> found;
+    const Element icon = MoonIconView(data, 60.0, environment);
+    const auto image = All<view::Picture>(icon).at(0).image;
+    for (const auto& shape : image->shapes) {
+      if (shape.strokePaint) found.push_back(shape);
+    }
+    return found;
+  };
+  const platform::UIImage onAnyPage =
+      events::MoonShadow::moonShadowImageOfSize({60, 60}, 0.0, 2, 30.0, 1.0, -1.0, true);
+  for (const auto scheme : {platform::ColorScheme::light, platform::ColorScheme::dark}) {
+    environment.colorScheme = scheme;
+    const auto lines = strokes();
+    ASSERT_EQ(lines.size(), 3u);  // the disc's rim, the outline, the ring
+    EXPECT_EQ(lines[1].path, lines[2].path);
+    EXPECT_EQ(lines[1].stroke.width, lines[2].stroke.width + 1.0);
+    for (const char* panel : {"backgroundPrimary", "backgroundSecondary", "WidgetBackground"}) {
+      const UIColor ground = *catalog->colorNamed(panel, scheme);
+      for (const auto& outline : {lines[1].strokePaint, onAnyPage.shapes.at(0).fill}) {
+        EXPECT_GE(contrastOf(std::get<UIColor>(*outline), ground), 3.0) << panel;
+      }
+    }
+  }
+  environment.renderingMode = WidgetRenderingMode::accented;
+  EXPECT_EQ(strokes().size(), 1u);
 }
 
 TEST_F(Views, SayWhatThereIsOfTheMoon) {
   const Element small = MoonView(Moon(), In(kSmall));
-  EXPECT_EQ(textsOf(small), (Texts{"Bled", "First quarter (50.0%)", "13:40", kTomorrow}));
+  EXPECT_EQ(Said(small), "Bled|First quarter (50.0%)|13:40|" + kTomorrow);
   EXPECT_EQ(linksOf(small), Texts{"lumenquest://moon"});
   EXPECT_FALSE(All<view::Picture>(small).empty());
-  EXPECT_EQ(
-      textsOf(MoonView(Moon(), In(kMedium))),
-      (Texts{"First quarter (50.0%)", "Bled", "<appwidget_milky_way>", "<gc_visible_from>", "21:15",
-             "178° <cardinal_point_south_abbr>", "<gc_visible_to>", "00:25 <event_one_day_plus>",
-             "221° <cardinal_point_south_west_abbr>", "13:40", kTomorrow}));
-
-  struct Case {
-    double rise;
-    double set;
-    Texts says;
-  };
-  const double hour = Mjd("2024-08-12T13:40:00Z");
-  const Case cases[] = {
-      {ephemeris::kMjdCircumpolar, ephemeris::kMjdCircumpolar, {"<body_circumpolar>"}},
-      {ephemeris::kMjdAlwaysInvisible, hour, {"<body_always_invisible>"}},
-      {ephemeris::kMjdNoRiseOrSet, ephemeris::kMjdNoRiseOrSet, {"<event_no_rise_set>"}},
-      {0.0, 0.0, {}},
-  };
-  for (const Case& c : cases) {
-    MoonWidgetData data = Moon();
-    data.mjdRise = c.rise;
-    data.mjdSet = c.set;
-    Texts expected{"Bled", "First quarter (50.0%)"};
-    expected.insert(expected.end(), c.says.begin(), c.says.end());
-    EXPECT_EQ(textsOf(MoonView(data, In(kSmall))), expected) << c.rise;
-  }
+  EXPECT_EQ(Said(MoonView(Moon(), In(kMedium))),
+            "First quarter (50.0%)|Bled|" + kWindow + "|13:40|" + kTomorrow);
+  MoonWidgetData data = Moon();
+  data.mjdRise = data.mjdSet = ephemeris::kMjdCircumpolar;
   // Who wants to know which place it is sees that it is his own.
-  MoonWidgetData here = Moon();
-  here.locationData.isCurrentLocation = true;
-  EXPECT_EQ(imagesOf(MoonView(here, In(kSmall)))[0], "location.fill");
+  data.locationData.isCurrentLocation = true;
+  EXPECT_EQ(Said(MoonView(data, In(kSmall))), "Bled|First quarter (50.0%)|<body_circumpolar>");
+  EXPECT_EQ(imagesOf(MoonView(data, In(kSmall))), Texts{"location.fill"});
+}
+
+TEST_F(Views, LinesStandCloserBeforeTheMoonShrinks) {
+  // Rise and set below each other, as the words for tomorrow are long.
+  for (const auto& [phase, side] : {std::pair("First quarter (50.0%)", 62.0),
+                                    std::pair("First quarter (50.0%, 21:00)", 57.0)}) {
+    MoonWidgetData data = Moon();
+    data.moonPhaseString = phase;
+    const Element element = MoonView(data, In(kSmall));
+    BlockLetters letters;
+    const view::Box root = layOut(element, view::sizeOf(kSmall), In(kSmall), letters);
+    double shown = 0.0;
+    const auto look = [&](const auto& self, const view::Box& box) -> void {
+      if (std::holds_alternative<view::Picture>(*box.node)) shown = box.rect.width;
+      for (const view::Box& child : box.children) self(self, child);
+    };
+    look(look, root);
+    EXPECT_EQ(shown, side) << phase;
+  }
 }
 
 TEST_F(Views, SayWhenTheGalacticCentreIsSeen) {
   const Element window = CentreView(Centre());
-  EXPECT_EQ(textsOf(window),
-            (Texts{"Bled", "<appwidget_milky_way>", "<gc_visibility_from>",
-                   "178° <cardinal_point_south_abbr>", "21:15", "<gc_visibility_to>",
-                   "221° <cardinal_point_south_west_abbr>", "00:25 <event_one_day_plus>"}));
+  EXPECT_EQ(
+      Said(window),
+      "Bled|<appwidget_milky_way>|<gc_visibility_from>|178° <cardinal_point_south_abbr>|21:15|"
+      "<gc_visibility_to>|221° <cardinal_point_south_west_abbr>|00:25 <event_one_day_plus>");
   // The band leans as it does in the sky.
   std::vector<double> tilts;
   for (const view::Image& image : All<view::Image>(window)) {
@@ -326,19 +352,11 @@ TEST_F(Views, SayWhenTheGalacticCentreIsSeen) {
   }
   EXPECT_THAT(tilts, ElementsAre(20.0, 60.0));
 
-  GalacticCenterWidgetData later = Centre();
-  later.mjdVisibilityFrom = later.mjdVisibilityTo = ephemeris::kMjdNoRiseOrSet;
-  later.dateNextVisibility = Instant("2025-02-03T04:00:00Z");
-  EXPECT_EQ(textsOf(CentreView(later)),
-            (Texts{"Bled", "<appwidget_milky_way>", "Monday, 03/02/2025"}));
-  EXPECT_EQ(imagesOf(CentreView(later)), Texts{"gcNotVisibleUntilIcon"});
   GalacticCenterWidgetData never = Centre();
   never.mjdVisibilityFrom = never.mjdVisibilityTo = ephemeris::kMjdAlwaysInvisible;
-  EXPECT_EQ(textsOf(CentreView(never)),
-            (Texts{"Bled", "<appwidget_milky_way>", "<body_always_invisible>"}));
-  never.dateNextVisibility = later.dateNextVisibility;
-  EXPECT_EQ(textsOf(CentreView(never)), (Texts{"Bled", "<appwidget_milky_way>",
-                                               "<body_always_invisible>", "Monday, 03/02/2025"}));
+  never.dateNextVisibility = Instant("2025-02-03T04:00:00Z");
+  EXPECT_EQ(Said(CentreView(never)),
+            "Bled|<appwidget_milky_way>|<body_always_invisible>|Monday, 03/02/2025");
   EXPECT_EQ(imagesOf(CentreView(never)), Texts{"gcNotVisibleUntilIcon"});
 }
 
@@ -377,30 +395,24 @@ TEST_F(Views, WhatOnlyAnIconSaysHasALabel) {
 }
 
 TEST_F(Views, ListPlans) {
-  const auto view = [](std::size_t count, const Environment& environment) {
-    PlansTimelineEntry entry = FourPlans();
-    entry.plans.resize(count);
-    return PlansWidgetEntryView(entry, environment);
-  };
-  const Texts rows{"Perseids", "12/08/2024, 23:30", "",      "13/08/2024, 23:30",
-                   "Bay",      "14/08/2024, 23:30", "Hills", "15/08/2024, 23:30"};
+  const std::string rows[] = {"", "|Perseids|12/08/2024, 23:30", "||13/08/2024, 23:30",
+                              "|Bay|14/08/2024, 23:30", "|Hills|15/08/2024, 23:30"};
   const Texts links{"lumenquest://plans", "lumenquest://plan?id=a%2F1", "lumenquest://plan?id=2",
                     "lumenquest://plans", "lumenquest://plan?id=4"};
-  for (std::size_t count = 1; count <= 4; ++count) {
-    const Element small = view(count, In(kSmall));
-    const Element medium = view(count, In(kMedium));
-    const auto says = [&](std::size_t shown) {
-      Texts texts{"<appwidget_plans>"};
-      texts.insert(texts.end(), rows.begin(), rows.begin() + static_cast<long>(2 * shown));
-      return texts;
-    };
-    EXPECT_EQ(textsOf(small), says(std::min<std::size_t>(count, 2)));
-    EXPECT_EQ(textsOf(medium), says(count));
+  std::string says = "<appwidget_plans>";
+  std::string saysSmall = says;
+  for (std::size_t count = 0; count <= 4; ++count) {
+    PlansTimelineEntry entry = FourPlans();
+    entry.plans.resize(count);
+    const Element small = PlansWidgetEntryView(entry, In(kSmall));
+    const Element medium = PlansWidgetEntryView(entry, In(kMedium));
+    says += rows[count];
+    if (count <= 2) saysSmall = says;
+    const std::string none = count == 0 ? "|<plan_no_scheduled>" : "";
+    EXPECT_EQ(Said(small), saysSmall + none);
+    EXPECT_EQ(Said(medium), says + none);
     EXPECT_EQ(linksOf(small), Texts{"lumenquest://plans"});
     EXPECT_EQ(linksOf(medium), Texts(links.begin(), links.begin() + static_cast<long>(1 + count)));
-  }
-  for (const auto family : {kSmall, kMedium}) {
-    EXPECT_EQ(textsOf(view(0, In(family))), (Texts{"<appwidget_plans>", "<plan_no_scheduled>"}));
   }
 }
 
@@ -450,73 +462,77 @@ TEST_F(Views, TheLargeFamilyNeedsItsRecords) {
   EXPECT_FALSE(textsOf(SunLightWidgetEntryView(noCentre, In(kMedium))).empty());
 }
 
-/// The colours behind things, from the back.
-std::vector<view::Color> Grounds(const Element& view) {
-  std::vector<view::Color> fills;
-  for (const view::Background& background : All<view::Background>(view)) {
-    fills.push_back(background.fill);
-  }
-  return fills;
-}
-
 TEST_F(Views, TintedOnesHaveNoGrounds) {
-  struct Case {
-    std::function<Element(const Environment&)> make;
-    WidgetFamily family;
-    std::size_t grounds;
-  };
   SunLightWidgetData denied = Sun();
   denied.locationData.authorizationStatus = CLAuthorizationStatus::denied;
-  const auto sun = [](const Environment& e) { return SunView(Sun(), e); };
-  const auto moon = [](const Environment& e) { return MoonView(Moon(), e); };
-  const Case cases[] = {
-      {sun, kSmall, 2},
-      {sun, kMedium, 2},
-      {sun, kLarge, 3},
-      {[&](const Environment& e) { return SunView(denied, e); }, kLarge, 1},
-      {moon, kSmall, 2},
-      {moon, kMedium, 2},
-      {[](const Environment& e) {
-         return GalacticCenterWidgetEntryView({{}, Centre(), {}}, e);
-       },
-       kSmall, 2},
-      {[](const Environment& e) { return PlansWidgetEntryView(FourPlans(), e); }, kMedium, 2},
+  const auto grounds = [](const Element& view) {
+    std::vector<view::Color> fills;
+    for (const auto& background : All<view::Background>(view)) fills.push_back(background.fill);
+    return fills;
   };
   const std::vector<view::Color> colors{named("WidgetBackground"), named("backgroundPrimary"),
                                         named("backgroundSecondary")};
+  struct Case {
+    std::function<Element(const Environment&)> make;
+    WidgetFamily family;
+    long grounds;
+  };
+  const Case cases[] = {
+      {[](const auto& e) { return SunView(Sun(), e); }, kMedium, 2},
+      {[](const auto& e) { return SunView(Sun(), e); }, kLarge, 3},
+      {[&](const auto& e) { return SunView(denied, e); }, kLarge, 1},
+      {[](const auto& e) { return MoonView(Moon(), e); }, kSmall, 2},
+      {[](const auto& e) { return PlansWidgetEntryView(FourPlans(), e); }, kMedium, 2},
+  };
   for (const Case& c : cases) {
     Environment environment = In(c.family);
-    const std::vector<view::Color> grounds(colors.begin(),
-                                           colors.begin() + static_cast<long>(c.grounds));
-    const Texts says = textsOf(c.make(environment));
-    EXPECT_EQ(Grounds(c.make(environment)), grounds);
+    const Element full = c.make(environment);
+    EXPECT_EQ(grounds(full), std::vector(colors.begin(), colors.begin() + c.grounds));
     environment.renderingMode = WidgetRenderingMode::accented;
-    EXPECT_THAT(Grounds(c.make(environment)), IsEmpty());
-    EXPECT_EQ(textsOf(c.make(environment)), says);
+    EXPECT_THAT(grounds(c.make(environment)), IsEmpty());
+    EXPECT_EQ(Said(c.make(environment)), Said(full));
     // Older systems know no such mode.
     environment.system = {17, 6};
-    EXPECT_EQ(Grounds(c.make(environment)), grounds);
+    EXPECT_EQ(grounds(c.make(environment)), grounds(full));
   }
 }
 
-TEST_F(Views, TintedOnesAreDrawnInWhiteAndTheAccent) {
+TEST(TintedViews, AreDrawnInWhiteAndShadesOfTheAccent) {
+  const auto catalog = RealAssets();
+  const TestServices services = ServicesWith(catalog);
   Environment environment = In(kLarge);
   environment.renderingMode = WidgetRenderingMode::accented;
   environment.accent = {0.2, 0.9, 0.4, 1.0};
-  BlockLetters letters;
-  FewAssets assets;
-  Recorder canvas;
-  draw(SunView(Sun(), environment), view::sizeOf(kLarge), environment, letters, assets, canvas);
-  ASSERT_FALSE(canvas.words.empty());
-  for (const auto& word : canvas.words) {
-    EXPECT_EQ(word.color.withAlpha(1.0), (UIColor{1, 1, 1, 1})) << word.text;
-  }
-  // But for the Moon's shadow, which is black.
-  for (const auto& fill : canvas.fills) {
-    const UIColor opaque = fill.color.withAlpha(1.0);
-    EXPECT_TRUE(opaque == environment.accent || opaque == (UIColor{1, 1, 1, 1}) ||
-                opaque == (UIColor{0, 0, 0, 1}))
-        << opaque.red << ' ' << opaque.green << ' ' << opaque.blue;
+  MoonWidgetData supermoon = Moon();
+  supermoon.isSupermoon = supermoon.locationData.isCurrentLocation = true;
+  const auto isShade = [&](const UIColor& color) {
+    const UIColor& accent = environment.accent;
+    const double part = color.green / accent.green;
+    return part <= 1.0 + 1e-9 && std::fabs(color.red - part * accent.red) < 1e-9 &&
+           std::fabs(color.blue - part * accent.blue) < 1e-9;
+  };
+  constexpr UIColor kWhite{1, 1, 1, 1};
+  for (const Element& view :
+       {SunView(Sun(), environment), MoonIconView(supermoon, 60.0, environment),
+        PostalAddressView(supermoon.locationData),
+        PlansWidgetEntryView(FourPlans(), environment)}) {
+    for (const std::string& image : imagesOf(view)) {
+      EXPECT_NE(catalog->imageNamed(image), nullptr) << image;
+    }
+    BlockLetters letters;
+    Recorder canvas;
+    draw(view, view::sizeOf(kLarge), environment, letters, *catalog, canvas);
+    for (const auto& word : canvas.words) {
+      EXPECT_EQ(word.color.withAlpha(1.0), kWhite) << word.text;
+    }
+    std::vector<UIColor> colors;
+    for (const auto& fill : canvas.fills) colors.push_back(fill.color);
+    for (const auto& line : canvas.lines) colors.push_back(line.color);
+    EXPECT_FALSE(colors.empty());
+    for (const UIColor& color : colors) {
+      EXPECT_TRUE(isShade(color) || color.withAlpha(1.0) == kWhite)
+          << color.red << ' ' << color.green << ' ' << color.blue;
+    }
   }
 }
 

@@ -43,10 +43,11 @@ Element PostalAddressView(const LocationWidgetData& data) {
     line.push_back(image("location.fill", kArrow) | color(named("contentTertiary")) | mirrored());
   }
   line.push_back(text(address) | font(kBody, platform::FontWeight::semibold) |
-                 color(named("contentTertiary")) | minScale(kLeastScale));
+                 color(named("contentTertiary")) | minScale(kLeastScale) | given());
   const Element title = hstack(std::move(line), kGap);
   if (!data.isCurrentLocation) return title;
-  return title | label(spokenLine(localizedString("my_location", platform::kTableCommon), address));
+  return title | label(spokenLine(localizedString("my_location", platform::kTableCommon),
+                                  isolated(address)));
 }
 
 Element BodyRiseSetTimeView(const BodyRiseSetTime& time, double size, const BodyNames& names) {
@@ -73,7 +74,6 @@ Element RiseSetView(double mjdRise, double mjdSet, double mjdTomorrowAt0,
   const auto line = [&](double size, double gap) {
     return hstack({time(0, size), spacer(gap), time(1, size)});
   };
-  constexpr double kDense = 9.0;
   return firstThatFits(Axis::horizontal,
                        {line(kBody, 2.0 * kGap), line(kCaption, kGap), line(kDense, kGap),
                         vstack({time(0, kBody), time(1, kBody)}, 0.0, Alignment::start)});

@@ -77,14 +77,16 @@ void MoonShadowView::draw(platform::Canvas& canvas, CGSize size) const {
 
 Element MoonIconView(const MoonWidgetData& data, double size, const Environment& environment) {
   constexpr double kRing = 1.5;
+  constexpr double kOutline = 0.5;
   const CGSize box{size, size};
   const CGRect whole{0.0, 0.0, size, size};
   // A supermoon's ring stands clear of the disc.
-  const CGRect disc = data.isSupermoon ? whole.insetBy(2.0 * kRing) : whole;
+  const CGRect disc = data.isSupermoon ? whole.insetBy(2.0 * (kRing + kOutline)) : whole;
   platform::ImageContext context(box);
   context.save();
   context.clip(UIBezierPath::ellipse(disc));
-  if (auto moon = platform::Services::current().assets().imageNamed("moon")) {
+  platform::AssetCatalog& assets = platform::Services::current().assets();
+  if (auto moon = assets.imageNamed("moon")) {
     if (environment.isTinted()) {
       moon = std::make_shared<const platform::UIImage>(accentedStyle(*moon, environment.accent));
     }
@@ -105,8 +107,13 @@ Element MoonIconView(const MoonWidgetData& data, double size, const Environment&
     context.stroke(UIBezierPath::ellipse(disc), kRim, {kHairline});
   }
   if (data.isSupermoon) {
-    context.stroke(UIBezierPath::ellipse(whole.insetBy(kRing / 2.0)),
-                   environment.isTinted() ? environment.accent : palette::kLumenquestYellow,
+    const UIBezierPath ring = UIBezierPath::ellipse(whole.insetBy(kOutline + kRing / 2.0));
+    const auto outline = assets.colorNamed("contentTertiary", environment.colorScheme);
+    // A light panel would swallow the yellow, as it would the Sun's.
+    if (outline && !environment.isTinted()) {
+      context.stroke(ring, *outline, {kRing + 2.0 * kOutline});
+    }
+    context.stroke(ring, environment.isTinted() ? environment.accent : palette::kLumenquestYellow,
                    {kRing});
   }
   const Element moon = picture(context.image(), size);
@@ -142,17 +149,20 @@ Element MoonRiseSet(const MoonWidgetData& data) {
 
 Element MoonInfoViewSmall(const MoonWidgetData& data, const Environment& environment) {
   const MoonContent content = moonContent(data, nullptr, WidgetFamily::systemSmall);
-  const auto form = [&](double moon, double gap) {
-    return vstack({PostalAddressView(data.locationData) | fillWidth(), spacer(),
-                   MoonIconView(data, moon, environment) | fillWidth(Alignment::center), spacer(),
-                   Phase(content) | fillWidth(Alignment::center),
-                   MoonRiseSet(data) | fillWidth(Alignment::center)},
-                  gap, Alignment::start);
-  };
-  // The more lines there are under it, the smaller the Moon.
+  const Element title = PostalAddressView(data.locationData) | fillWidth();
+  const Element phase = Phase(content) | fillWidth(Alignment::center);
+  const Element riseSet = MoonRiseSet(data) | fillWidth(Alignment::center);
+  // The Moon is what people look for: lines stand closer before it shrinks, by small steps.
   constexpr double kDenseGap = 2.0;
-  return firstThatFits(Axis::vertical, {form(62.0, kGap), form(50.0, kGap), form(38.0, kGap),
-                                        form(38.0, kDenseGap), form(31.0, kDenseGap)});
+  Elements forms;
+  for (const double size : {62.0, 57.0, 52.0, 47.0, 42.0, 37.0, 31.0}) {
+    const Element moon = MoonIconView(data, size, environment) | fillWidth(Alignment::center);
+    for (const double gap : {kGap, kDenseGap}) {
+      forms.push_back(
+          vstack({title, spacer(), moon, spacer(), phase, riseSet}, gap, Alignment::start));
+    }
+  }
+  return firstThatFits(Axis::vertical, std::move(forms));
 }
 
 Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidgetData& gcData,
@@ -172,11 +182,7 @@ Element MoonInfoViewMedium(const MoonWidgetData& data, const GalacticCenterWidge
     lines.push_back(PostalAddressView(data.locationData) | fillWidth());
   }
   lines.insert(lines.end(), {spacer(), window, spacer(), divider(), MoonRiseSet(data)});
-  const Element table = vstack(std::move(lines), 1.5 * kGap, Alignment::start) | fillWidth();
-  const auto columns = [&](double moonColumn, double gap) {
-    return hstack({moon | frameWidth(moonColumn) | fillHeight(Alignment::center), table}, gap);
-  };
-  return fromWidth(kRoomyWidth, columns(100.0, kContentInset), columns(kMoon + 3.0 * kGap, kGap));
+  return pictureAndTable(moon, moon, vstack(std::move(lines), 1.5 * kGap, Alignment::start));
 }
 
 Element MoonWidgetEntryView(const MoonTimelineEntry& entry, const Environment& environment) {

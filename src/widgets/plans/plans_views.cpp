@@ -13,10 +13,11 @@ namespace {
 Element Row(const PlanRow& row, int nameLines) {
   constexpr double kBar = 3.0;
   constexpr double kBarHeight = 26.0;
-  const Element texts = vstack({text(row.name) | font(kBody) | minScale(0.9) | lineLimit(nameLines),
-                                text(row.date) | font(kBody) | color(named("contentTertiary")) |
-                                    monospacedDigits() | minScale(kLeastScale)},
-                               1.0, Alignment::start);
+  const Element texts =
+      vstack({text(row.name) | font(kBody) | minScale(0.9) | lineLimit(nameLines) | given(),
+              text(row.date) | font(kBody) | color(named("contentTertiary")) | monospacedDigits() |
+                  minScale(kLeastScale)},
+             1.0, Alignment::start);
   const Element line =
       hstack({shape(named("accent"), kBar) | accented() | frame(kBar, kBarHeight), texts},
              2.0 * kGap, Alignment::start) |

@@ -15,6 +15,9 @@ using namespace view;
 
 namespace {
 
+/// Between lines where height is short.
+constexpr double kDenseGap = 1.0;
+
 /// The icon on a faint disc of its own light, and the light's name under it.
 Element LightNow(const SunContent& content, double haloSize) {
   constexpr double kHaloOpacity = 0.14;
@@ -66,7 +69,8 @@ Element LightTypeIconView(const platform::UIColor& sunColor, double size) {
 }
 
 Element LightTypeView(const LightTypeRow& row, double size, bool isOnTwoLines) {
-  const Element marker = LightTypeIconView(row.fillColor, size - 2.0);
+  constexpr double kMarkInset = 2.0;
+  const Element marker = LightTypeIconView(row.fillColor, size - kMarkInset);
   const Element title =
       text(row.title) | font(size) | color(named("contentTertiary")) | minScale(kLeastScale);
   const Element interval =
@@ -75,9 +79,10 @@ Element LightTypeView(const LightTypeRow& row, double size, bool isOnTwoLines) {
       row.interval == kNoInterval
           ? platform::localizedString("event_no_rise_set", platform::kTableEphemeris)
           : row.interval;
+  const Insets underTitle{0.0, size - kMarkInset + kGap, 0.0, 0.0};
   const Element line = isOnTwoLines
-                           ? hstack({marker, vstack({title, interval}, 0.0, Alignment::start)},
-                                    kGap, Alignment::start)
+                           ? vstack({hstack({marker, title}, kGap), interval | padding(underTitle)},
+                                    0.0, Alignment::start)
                            : hstack({marker, title, spacer(kGap), interval}, kGap);
   return line | label(spokenLine(row.title, spoken));
 }
@@ -92,7 +97,6 @@ Element SunInfoViewSmall(const SunLightWidgetData& sunData) {
   };
   const Element riseSet = RiseSet(sunData);
   // On the smallest phones the light comes first.
-  constexpr double kDenseGap = 1.0;
   return firstThatFits(Axis::vertical, {form(1.55, kGap, riseSet), form(1.2, kGap, riseSet),
                                         form(1.0, kGap, riseSet), form(1.0, kDenseGap, riseSet),
                                         form(1.0, kDenseGap, nothing())});
@@ -100,31 +104,34 @@ Element SunInfoViewSmall(const SunLightWidgetData& sunData) {
 
 Element SunInfoViewMedium(const SunLightWidgetData& sunData, WidgetFamily family) {
   const SunContent content = sunContent(sunData, family);
-  Elements lines{PostalAddressView(sunData.locationData) | fillWidth(), spacer()};
-  // Rows are a table: all in the same size, be one of them too long for the largest.
-  const auto rows = [&](double size, bool areOnTwoLines) {
+  // Rows are a table: all in the same size, be one of them too long for the largest. Three rows
+  // are much to read, two may speak up.
+  const double largest = family == WidgetFamily::systemLarge ? kBody : kTitle;
+  const auto rows = [&](double size, bool areOnTwoLines, double gap) {
     Elements elements;
     for (const LightTypeRow& row : content.rows) {
       elements.push_back(LightTypeView(row, size, areOnTwoLines));
     }
-    return vstack(std::move(elements), areOnTwoLines ? 1.0 : 1.5 * kGap, Alignment::start);
+    return vstack(std::move(elements), gap, Alignment::start);
   };
-  constexpr double kDense = 9.0;
-  // Three rows are much to read, two may speak up.
-  lines.push_back(firstThatFits(
-      Axis::horizontal,
-      {rows(family == WidgetFamily::systemLarge ? kBody : kTitle, false), rows(kBody, false),
-       rows(kCaption, false), rows(kDense, false), rows(kDense, true)}));
-  lines.insert(lines.end(),
-               {spacer(), divider(), NextLight(content) | fillWidth(), RiseSet(sunData)});
-  const auto columns = [&](double halo, double iconColumn, double gap, double lineGap) {
-    return hstack({LightNow(content, halo) | frameWidth(iconColumn) | fillHeight(Alignment::center),
-                   vstack(lines, lineGap, Alignment::start) | fillWidth()},
-                  gap);
+  // Two lines a row rather than letters below `leastSize`.
+  const auto table = [&](double leastSize, double lineGap) {
+    Elements forms;
+    for (const double size : {largest, kBody, kCaption, kDense}) {
+      if (size >= leastSize) forms.push_back(rows(size, false, 1.5 * kGap));
+    }
+    forms.push_back(rows(leastSize, true, lineGap));
+    return vstack({PostalAddressView(sunData.locationData) | fillWidth(), spacer(),
+                   firstThatFits(Axis::horizontal, std::move(forms)), spacer(), divider(),
+                   NextLight(content) | fillWidth(), RiseSet(sunData)},
+                  lineGap, Alignment::start);
   };
-  return fromWidth(kRoomyWidth, columns(1.55, 100.0, kContentInset, 1.5 * kGap),
-                   firstThatFits(Axis::vertical, {columns(1.2, 76.0, 2.0 * kGap, kGap),
-                                                  columns(1.2, 76.0, 2.0 * kGap, 1.0)}));
+  // Smaller letters on one line before lines stand close.
+  return pictureAndTable(
+      LightNow(content, 1.55), LightNow(content, 1.2),
+      firstThatFits(Axis::vertical, {table(kBody, 1.5 * kGap), table(kBody, kGap),
+                                     table(kCaption, kGap), table(kBody, kDenseGap),
+                                     table(kCaption, kDenseGap), table(kDense, kDenseGap)}));
 }
 
 Element SunInfoViewLarge(const SunLightWidgetData& sunData, const MoonWidgetData& moonData,

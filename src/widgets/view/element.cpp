@@ -1,5 +1,8 @@
 #include "widgets/view/element.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "platform/assertion.h"
 #include "widgets/view/environment.h"
 
@@ -109,6 +112,10 @@ Modifier align(platform::TextAlignment alignment) {
 
 Modifier monospacedDigits() {
   return OfText([](Text& text) { text.style.hasMonospacedDigits = true; });
+}
+
+Modifier given() {
+  return OfText([](Text& text) { text.isGiven = true; });
 }
 
 Modifier color(Color color) {
@@ -249,6 +256,34 @@ std::vector<std::string> imagesOf(const Element& element) {
   return Collected(element, &Image::name);
 }
 
+std::string isolated(const std::string& words) {
+  if (words.empty()) return "";
+  constexpr std::string_view kFirstStrongIsolate = "\u2068", kPopIsolate = "\u2069";
+  constexpr std::string_view kIsolates[] = {"\u2066", "\u2067", kFirstStrongIsolate};
+  constexpr std::string_view kBreaks[] = {"\n",   "\r",     "\x1c",   "\x1d",
+                                          "\x1e", "\u0085", "\u2028", "\u2029"};
+  std::string text(kFirstStrongIsolate);
+  int open = 0;
+  for (std::size_t i = 0; i < words.size();) {
+    const std::string_view rest = std::string_view(words).substr(i);
+    const auto begins = [&](std::string_view mark) { return rest.starts_with(mark); };
+    if (const auto* const mark = std::ranges::find_if(kBreaks, begins); mark != std::end(kBreaks)) {
+      text += ' ';
+      i += mark->size();
+    } else if (begins(kPopIsolate)) {
+      // One too many would end our own.
+      if (open > 0) text += kPopIsolate;
+      open = std::max(0, open - 1);
+      i += kPopIsolate.size();
+    } else {
+      if (std::ranges::any_of(kIsolates, begins)) ++open;
+      text += words[i++];
+    }
+  }
+  for (; open >= 0; --open) text += kPopIsolate;
+  return text;
+}
+
 std::string descriptionOf(const Element& element, const std::string& separator) {
   std::string description;
   const auto add = [&](const std::string& part) {
@@ -257,7 +292,9 @@ std::string descriptionOf(const Element& element, const std::string& separator) 
     description += part;
   };
   Walk(element, [&](const Node& node) {
-    if (const auto* const text = std::get_if<Text>(&node)) add(text->text);
+    if (const auto* const text = std::get_if<Text>(&node)) {
+      add(text->isGiven ? isolated(text->text) : text->text);
+    }
     const auto* const label = std::get_if<Label>(&node);
     if (label != nullptr) add(label->text);
     return label == nullptr;

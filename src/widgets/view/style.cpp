@@ -12,6 +12,15 @@ Element widgetBackground(const Element& content, const Environment& environment)
   return environment.isTinted() ? inset : inset | background(named("WidgetBackground"));
 }
 
+Element pictureAndTable(const Element& roomyPicture, const Element& picture, const Element& table) {
+  const auto columns = [&](const Element& left, double width, double gap) {
+    return hstack({left | frameWidth(width) | fillHeight(Alignment::center), table | fillWidth()},
+                  gap);
+  };
+  return fromWidth(kRoomyWidth, columns(roomyPicture, 100.0, kContentInset),
+                   columns(picture, 84.0, 1.5 * kGap));
+}
+
 namespace {
 
 platform::UIColor Shade(const platform::UIColor& color, const platform::UIColor& accent) {

@@ -37,7 +37,8 @@ class SvgCanvas final : public platform::Canvas {
   void beginLabel(const std::string& label) override;
   void endLabel() override;
 
-  /// The document, with a title and a description for those who cannot see it. UTF-8, without an
+  /// The document in textLanguage(), with a title and a description for those who cannot see it.
+  /// UTF-8, without an
   /// XML declaration, so that it can be put into a page as well. What was begun must have been
   /// ended.
   std::string document(const std::string& title, const std::string& description) const;

@@ -62,6 +62,8 @@ struct Text {
   /// are left out.
   double minimumScale = 1.0;
   bool isAccented = false;
+  /// By a user: a plan's name, a place's title.
+  bool isGiven = false;
 };
 
 /// A picture of the asset catalogue.
@@ -191,6 +193,8 @@ Modifier lineLimit(int lines);
 Modifier minScale(double scale);
 Modifier align(platform::TextAlignment alignment);
 Modifier monospacedDigits();
+/// For a user's words, which a description isolates.
+Modifier given();
 
 // Of a text, an image or a shape.
 
@@ -226,6 +230,10 @@ std::vector<std::string> textsOf(const Element& element);
 std::vector<std::string> linksOf(const Element& element);
 /// The names of its pictures.
 std::vector<std::string> imagesOf(const Element& element);
+/// Words that others stand beside: their direction, and what marks of it they leave open, ends with
+/// them. Line breaks become blanks, as they would end the isolate too.
+/// Source: Unicode Standard Annex #9, sections 2.4 and 3.3.
+std::string isolated(const std::string& words);
 /// For those who do not see it: labels and texts, one after another; `separator` between them.
 std::string descriptionOf(const Element& element, const std::string& separator = ". ");
 

@@ -19,6 +19,8 @@ inline constexpr double kGap = 4.0;
 /// Of a medium or large widget's panel, where its columns have all their room.
 inline constexpr double kRoomyWidth = 320.0;
 
+/// The least size of what people look for, times above all.
+inline constexpr double kDense = 9.0;
 inline constexpr double kCaption = 10.0;
 inline constexpr double kBody = 11.0;
 inline constexpr double kTitle = 12.0;
@@ -33,6 +35,10 @@ Element panel(const Element& content, const char* colorName, const Environment& 
 
 /// A widget on its background, which the host draws where it tints.
 Element widgetBackground(const Element& content, const Environment& environment);
+
+/// A medium panel's two columns, the same in every widget: a picture, which may be smaller where
+/// there is less width, and a table beside it.
+Element pictureAndTable(const Element& roomyPicture, const Element& picture, const Element& table);
 
 /// A picture as a host shows it that tints: its lights and shades in those of one colour.
 platform::UIImage accentedStyle(const platform::UIImage& picture, const platform::UIColor& accent);
