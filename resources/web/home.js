@@ -99,11 +99,13 @@
     const fresh = await load(location.href, true);
     const parsed = fresh.querySelector("main");
     if (parsed.innerHTML === main.innerHTML) return;
+    const content = document.importNode(parsed, true);
+    await shown(content);
     const hasFocus = main.contains(document.activeElement);
     document.title = fresh.title;
     document.body.className = fresh.body.className;
     main.dataset.refresh = parsed.dataset.refresh ?? "";
-    main.replaceChildren(...document.importNode(parsed, true).childNodes);
+    main.replaceChildren(...content.childNodes);
     if (hasFocus) main.querySelector("a")?.focus({ preventScroll: true });
   }
   const next = () => {

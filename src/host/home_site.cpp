@@ -365,18 +365,22 @@ WebResponse HomeSite::Day(const WebRequest& request) {
   }
   const platform::PlaceZone zone(place->timeZone);
   const PlaceDay day = computePlaceDay(*place, isSun ? nullptr : &nextVisibleDates_);
-  if (request.path == "/moon.svg") {
-    return SvgOf(std::make_shared<const std::string>(options_.drawImage(MoonImage(day))));
-  }
+  const auto moon = std::make_shared<const std::string>(isSun ? std::string()
+                                                              : options_.drawImage(MoonImage(day)));
+  if (request.path == "/moon.svg") return SvgOf(moon);
   WebPage page;
   page.title = title + " \u2013 \u2068" + place->title + "\u2069";
   page.kind = "day";
   page.script = "home.js";
   page.attributes = " data-refresh=\"60\"";
   page.refreshSeconds = 60;
-  page.main = isSun ? sunPageContent(day, options_.language.isRightToLeft)
-                    : moonPageContent(
-                          day, "/moon.svg" + (id.empty() ? "" : "?widget=" + percentEncoded(id)));
+  if (isSun) {
+    page.main = sunPageContent(day, options_.language.isRightToLeft);
+  } else {
+    // Under the same address an open page would go on showing the picture that it has.
+    const std::string widget = id.empty() ? "" : "widget=" + percentEncoded(id) + "&";
+    page.main = moonPageContent(day, "/moon.svg?" + widget + "v=" + TagOf(*moon));
+  }
   return Page(page);
 }
 

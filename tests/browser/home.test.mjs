@@ -308,6 +308,20 @@ test("a new plan is shown without a reload", async () => {
   assert.ok(Number(await page.locator("main").getAttribute("data-refresh")) <= 60);
 });
 
+test("an open page of the Moon shows the Moon of another day", async () => {
+  page = await open("/moon");
+  const pixels = () => page.getByRole("img").first().evaluate((image) => {
+    const canvas = Object.assign(document.createElement("canvas"), { width: 180, height: 180 });
+    canvas.getContext("2d").drawImage(image, 0, 0, 180, 180);
+    return canvas.toDataURL();
+  });
+  const old = await pixels();
+  await server.advance(6 * 86400);
+  await page.evaluate(() => document.dispatchEvent(new Event("visibilitychange")));
+  await page.getByText("July 20").first().waitFor();
+  assert.notEqual(await pixels(), old);
+});
+
 test("an error is said, and the list shows what stands", async () => {
   page = await open("/edit");
   // At one stroke: the list is drawn anew when the stream of events opens.

@@ -319,7 +319,7 @@ TEST_F(HomeSiteTest, AWidgetThatFollowsTheDeviceIsWhereTheDeviceIs) {
   world.queue->RunAll();
   EXPECT_THAT(Get("/moon?widget=lumenquest"),
               AllOf(HasSubstr("<bdi>-33,18</bdi>"), HasSubstr("Etc/GMT-1"),
-                    HasSubstr("src=\"/moon.svg?widget=lumenquest\"")));
+                    HasSubstr("src=\"/moon.svg?widget=lumenquest&amp;v=")));
   EXPECT_THAT(Get("/moon.svg"), HasSubstr("<svg>"));
 
   world.device->last.reset();
@@ -334,7 +334,7 @@ TEST_F(HomeSiteTest, AWidgetThatFollowsTheDeviceIsWhereTheDeviceIs) {
 
 TEST_F(HomeSiteTest, ADayWithoutAWidgetIsThatOfTheWidgetThatKnowsThePlace) {
   // The widgets there follow the device; its zone is not the one of the computer's clock.
-  EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("src=\"/moon.svg\"")));
+  EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("src=\"/moon.svg?v=")));
   EXPECT_THAT(Get("/sun"), AllOf(HasSubstr("<bdi>-33,18</bdi>"), HasSubstr("Etc/GMT-1")));
   // Where none follows the device, the first of the kind.
   Show(R"({"widgets":[{"kind":"PlansWidget"},{"kind":"MoonWidget","place":)"
