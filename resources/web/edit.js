@@ -316,9 +316,10 @@
         option.id = `place-${count++}`;
         option.setAttribute("role", "option");
         option.setAttribute("aria-selected", "false");
-        const name = document.createElement("bdi");
-        name.textContent = place.name;
-        option.append(name);
+        const line = (text, className) =>
+          option.append(Object.assign(document.createElement("bdi"), { textContent: text, className }));
+        line(place.name, "");
+        if (place.detail) line(place.detail, "detail");
         option.addEventListener("click", () => choose(place));
         option.place = place;
         group.append(option);

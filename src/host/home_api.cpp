@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/localized_strings.h"
+#include "platform/location_utils.h"
 #include "platform/ns_string.h"
 
 namespace lumenquest::host {
@@ -147,6 +148,23 @@ std::string Set(HomeScreen& screen, Json json) {
 const std::map<std::string, Operation> kOperations{
     {"add", Add}, {"move", Move}, {"remove", Remove}, {"set", Set}};
 
+/// Its area, as a country may have a dozen towns of one name; absent where the name says it all.
+/// Where one area has two of them, the coordinate as well.
+std::optional<std::string> DetailOf(const widgets::IntentPlacemark& place,
+                                    const std::vector<widgets::IntentPlacemark>& all) {
+  const auto& address = place.postalAddress;
+  const std::string area = address ? address->administrativeArea.value_or("") : "";
+  const auto isSame = [&](const widgets::IntentPlacemark& one) {
+    return one.name == place.name && one.postalAddress == address;
+  };
+  if (std::count_if(all.begin(), all.end(), isSame) > 1) {
+    return area + (area.empty() ? "" : ", ") +
+           platform::LocationUtils::latLonStringWithCoordinate(place.location.coordinate);
+  }
+  if (area.empty() || area == address->locality) return std::nullopt;
+  return area;
+}
+
 Json ToJson(const widgets::LocationOptionsCollection& places) {
   Json sections = Json::array();
   for (const auto& section : places.sections) {
@@ -158,6 +176,7 @@ Json ToJson(const widgets::LocationOptionsCollection& places) {
       } else {
         item["latitude"] = place.location.coordinate.latitude;
         item["longitude"] = place.location.coordinate.longitude;
+        if (const auto detail = DetailOf(place, section.items)) item["detail"] = *detail;
       }
       items.push_back(std::move(item));
     }

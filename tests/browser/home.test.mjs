@@ -237,6 +237,11 @@ test("a place is found as one types", async () => {
 
   await page.goto(server.at("/edit"));
   await page.getByRole("button", { name: /^Place of Moon/ }).click();
+  // Places of one name are told apart, to those who hear them too.
+  await search.fill("springfield");
+  await page.getByRole("option", { name: "Springfield, United States Ohio" }).waitFor();
+  const named = await page.locator("#places-list [role=option]").allInnerTexts();
+  assert.equal(new Set(named).size, named.length);
   await search.fill("qqqqqq");
   await page.getByText("No place found").waitFor();
   await page.keyboard.press("Escape");

@@ -442,18 +442,26 @@ TEST_F(HomeSiteTest, PlacesAreSearchedFor) {
     return all;
   };
   EXPECT_THAT(names(Json::parse(Get("/api/places"))), ElementsAre("<my_location>"));
-  auto& placemark = world.geocoder->placesToFind.emplace_back();
-  placemark.location = platform::CLLocation{{46.36, 14.09}};
-  placemark.locality = "Bled";
-  placemark.country = "Slovenia";
-  Get("/api/places?q=%20bled", 202);
-  Get("/api/places?q=bled", 202);
+  for (const char* const area : {"Ohio", "Oregon", "Oregon", "Springfield"}) {
+    auto& placemark = world.geocoder->placesToFind.emplace_back();
+    placemark.location = platform::CLLocation{{46.36, 14.09}};
+    placemark.locality = "Springfield";
+    placemark.country = "United States";
+    placemark.postalAddress = platform::PostalAddress{"Springfield", area, "United States"};
+  }
+  Get("/api/places?q=%20spring", 202);
+  Get("/api/places?q=spring", 202);
   EXPECT_EQ(world.geocoder->searches, 1) << "one search, however often it is asked for";
   world.queue->RunAll();
-  const Json places = Json::parse(Get("/api/places?q=bled"));
-  EXPECT_THAT(names(places), ElementsAre("<my_location>", "Bled, Slovenia"));
+  const Json places = Json::parse(Get("/api/places?q=spring"));
+  const char* const name = "Springfield, United States";
+  EXPECT_THAT(names(places), ElementsAre("<my_location>", name, name, name, name));
   EXPECT_EQ(places["sections"][0]["items"][0]["isMyLocation"], true);
-  EXPECT_EQ(places["sections"][1]["items"][0]["longitude"], 14.09);
+  const Json& found = places["sections"][1]["items"];
+  EXPECT_EQ(found[0]["longitude"], 14.09);
+  EXPECT_EQ(found[0]["detail"], "Ohio");
+  EXPECT_THAT(found[1]["detail"].get<std::string>(), HasSubstr("Oregon, 46.36"));
+  EXPECT_FALSE(found[3].contains("detail")) << "the name says it";
 }
 
 TEST_F(HomeSiteTest, TheEditPageNamesEverythingThatItChanges) {

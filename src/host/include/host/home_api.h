@@ -25,8 +25,9 @@ namespace lumenquest::host {
 ///     POST /api/home/move    {"id", "position"}, counted from 0
 ///     POST /api/home/set     {"id"} and what is to change: "family", "theme", "place"
 ///
-/// A place is {"name", "latitude", "longitude"}, or null for wherever the device is. A search for
-/// places that takes its time is answered 202: ask again.
+/// A place is {"name", "latitude", "longitude"}, or null for wherever the device is. One that was
+/// searched for may have a "detail", which tells it from others of its name. A search for places
+/// that takes its time is answered 202: ask again.
 class HomeApi {
  public:
   /// Called with the home screen as it stands after each change.
