@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -197,10 +198,13 @@ std::string PlaceDialog() {
          webText("web_cancel") + "</button>\n</dialog>\n";
 }
 
+using Block = std::vector<const ShownWidget*>;
+using Blocks = std::vector<Block>;
+
 /// What stands side by side on a phone: a wider widget alone, small ones in pairs. A small one that
 /// finds no partner at once is joined by the next small one.
-std::vector<std::vector<const ShownWidget*>> Blocks(const std::vector<ShownWidget>& shown) {
-  std::vector<std::vector<const ShownWidget*>> blocks;
+Blocks BlocksOf(const std::vector<ShownWidget>& shown) {
+  Blocks blocks;
   std::optional<std::size_t> half;
   for (const ShownWidget& one : shown) {
     const bool isSmall = one.widget.family == widgets::WidgetFamily::systemSmall;
@@ -215,23 +219,48 @@ std::vector<std::vector<const ShownWidget*>> Blocks(const std::vector<ShownWidge
   return blocks;
 }
 
-std::size_t RowsOf(const std::vector<const ShownWidget*>& block) {
+std::size_t RowsOf(const Block& block) {
   return block.front()->widget.family == widgets::WidgetFamily::systemLarge ? 2 : 1;
 }
 
-/// Whether the blocks, filled in column after column, leave a gap below the last ones at most.
-/// Where they would leave one below an earlier column, they are better filled in row after row.
-bool FillsColumns(const std::vector<std::vector<const ShownWidget*>>& blocks, std::size_t count) {
-  // A browser balances columns: it takes the least height for which there are enough of them.
+/// Rows that each column takes.
+using Heights = std::vector<std::size_t>;
+
+/// As a browser balances columns: it takes the least height for which there are enough of them.
+Heights FilledByColumns(const Blocks& blocks, std::size_t count) {
   for (std::size_t height = 2;; ++height) {
-    std::vector<std::size_t> columns(1, 0);
-    for (const auto& block : blocks) {
+    Heights columns(1, 0);
+    for (const Block& block : blocks) {
       if (columns.back() + RowsOf(block) > height) columns.push_back(0);
       columns.back() += RowsOf(block);
     }
     if (columns.size() > count) continue;
-    return columns.size() == count && std::is_sorted(columns.rbegin(), columns.rend());
+    columns.resize(count, 0);
+    return columns;
   }
+}
+
+/// As a browser fills a grid: each block takes the next free cell in the order of reading.
+Heights FilledByRows(const Blocks& blocks, std::size_t count) {
+  Heights columns(count, 0);
+  std::size_t cell = 0;
+  for (const Block& block : blocks) {
+    while (columns[cell % count] > cell / count) ++cell;
+    columns[cell % count] = cell / count + RowsOf(block);
+  }
+  return columns;
+}
+
+/// Whether the blocks are better filled in column after column than row after row: with no gap but
+/// below the last columns, and with none that the rows would have smaller.
+bool FillsColumns(const Blocks& blocks, std::size_t count) {
+  const auto badness = [](const Heights& columns) {
+    const auto [least, most] = std::minmax_element(columns.begin(), columns.end());
+    return std::tuple(*most, !std::is_sorted(columns.rbegin(), columns.rend()), *most - *least);
+  };
+  const Heights columns = FilledByColumns(blocks, count);
+  return columns.back() > 0 && std::is_sorted(columns.rbegin(), columns.rend()) &&
+         badness(columns) <= badness(FilledByRows(blocks, count));
 }
 
 }  // namespace
@@ -269,7 +298,7 @@ WebPage homePage(const std::vector<ShownWidget>& shown, WidgetPictures& pictures
   page.refreshSeconds = 60;
   page.main = "<header class=\"top\"><h1>Lumenquest</h1><a class=\"edit\" href=\"/edit\">" +
               webText("web_edit") + "</a></header>\n";
-  const auto blocks = Blocks(shown);
+  const Blocks blocks = BlocksOf(shown);
   std::size_t rows = 0;
   std::string html;
   std::string order;

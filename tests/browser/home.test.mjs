@@ -84,6 +84,10 @@ async function until(holds) {
 const sourceOf = (opened, id) =>
   opened.locator(`[data-id="${id}"] img`).evaluate((one) => one.currentSrc);
 
+/** As a page's own script changes the home screen. */
+const change = (operation, body) => page.evaluate(([to, what]) => fetch(`/api/home/${to}`, {
+  method: "POST", headers: { "Content-Type": "application/json" }, body: JSON.stringify(what) }), [operation, body]);
+
 const idsOf = (opened) =>
   opened.locator("[data-id]").evaluateAll((items) => items.map((item) => item.dataset.id));
 
@@ -162,13 +166,33 @@ test("a new entry is shown without a reload, the focus where it was", async () =
 
 test("a widget of another size finds its new place on an open page", async () => {
   page = await open("/");
-  const set = (id, family) => page.evaluate((body) => fetch("/api/home/set", { method: "POST",
-    headers: { "Content-Type": "application/json" }, body: JSON.stringify(body) }), { id, family });
   const width = () => page.locator('[data-id="plans"]').evaluate((one) => one.offsetWidth);
   const small = await width();
-  await set("plans", "medium");
+  await change("set", { id: "plans", family: "medium" });
   await until(async () => (await width()) > 2 * small);
   assert.equal(await page.locator('.block:has([data-id="plans"]) > .widget').count(), 1);
+});
+
+test("many widgets on a wide window stand in three columns under the heading", async () => {
+  page = await open("/", { viewport: { width: 1280, height: 900 } });
+  for (const kind of ["SunWidget", "MoonWidget", "SunWidget", "MoonWidget"]) {
+    await change("add", { kind, family: "medium" });
+  }
+  await until(async () => (await idsOf(page)).length === 9);
+  const middle = async (selector) => {
+    const box = await page.locator(selector).boundingBox();
+    return box.y + box.height / 2;
+  };
+  assert.ok(Math.abs((await middle(".edit")) - (await middle("h1"))) < 4, "the button is beside the title");
+  const ends = new Map();
+  for (const widget of await page.locator("[data-id]").all()) {
+    const { x, y, width, height } = await widget.boundingBox();
+    const column = Math.floor((x + width / 2) / (1280 / 3));
+    ends.set(column, Math.max(ends.get(column) ?? 0, y + height));
+  }
+  const heights = [...ends.values()];
+  assert.equal(heights.length, 3);
+  assert.ok(Math.max(...heights) - Math.min(...heights) < 300, `columns end at ${heights}`);
 });
 
 test("widgets are added, arranged, themed and removed with the keyboard alone", async () => {

@@ -199,6 +199,8 @@ TEST_F(HomeSiteTest, NoGapIsLeftUnderAnEarlierColumn) {
       {"m", "grid\""},
       {"mlllll", "grid is-full\""},
       {"llllll", "grid is-full fills-2 fills-3\""},
+      // Column after column the third would be two thirds empty.
+      {"mmmmmmm", "grid is-full fills-2\""},
   };
   for (const auto& [sizes, expected] : cases) {
     Json list = Json::array();
