@@ -34,11 +34,19 @@ using platform::stringWithFormat;
 constexpr const char* kSvg = "image/svg+xml";
 constexpr const char* kPng = "image/png";
 constexpr const char* kJson = "application/json";
+/// A name and a zone hold this far around the place that they were looked up for.
+constexpr double kSamePlaceMeters = 1000.0;
 /// How soon to come again for what is being computed.
 constexpr int kSecondsToFirstEntry = 2;
 /// Plans are changed by another program, and a home screen may have no widget that tells of it.
 constexpr int kSecondsToPlans = 15;
 constexpr const char* kPlansRefresh = " data-refresh=\"15\"";
+
+/// Whether a widget leads to the Sun's page, or else to the Moon's.
+bool LeadsToDay(const std::string& kind, bool isSun) {
+  if (kind == "LumenquestWidget") return true;
+  return isSun ? kind == "SunWidget" : kind == "MoonWidget" || kind == "GalacticCenterSmallWidget";
+}
 
 /// A version of contents, for caches: FNV-1a, 64 bits.
 std::string TagOf(const std::string& contents) {
@@ -135,17 +143,22 @@ std::optional<platform::CLLocation> DeviceLocation() {
 /// Where the device was last; `data` is of a widget that follows it, and may be null.
 std::optional<DayPlace> LastPlace(const widgets::LocationWidgetData* data) {
   const platform::NSTimeZone local = platform::NSTimeZone::localTimeZone();
-  // The saved location is that of whichever widget asked last, wherever it is.
-  if (const auto location = DeviceLocation()) {
-    const auto address = data != nullptr ? data->address : std::nullopt;
-    const auto zone = data != nullptr ? data->timeZone : std::nullopt;
-    return DayPlace{address.value_or(CoordinateText(*location)), *location, zone.value_or(local)};
-  }
   const auto saved = platform::SavedLocation::load();
-  if (!saved) return std::nullopt;
-  const platform::SavedPlace place = platform::SavedLocation::readPlace();
-  return DayPlace{place.address.value_or(CoordinateText(*saved)), *saved,
-                  KnownZone(place.timeZone).value_or(local)};
+  const auto location = DeviceLocation();
+  if (!location && !saved) return std::nullopt;
+  std::optional<std::string> address;
+  std::optional<platform::NSTimeZone> zone;
+  if (location && data != nullptr) {
+    address = data->address;
+    zone = data->timeZone;
+  } else if (!location || (saved && location->distanceFromLocation(*saved) <= kSamePlaceMeters)) {
+    // The saved location is that of whichever widget asked last, wherever it is.
+    const platform::SavedPlace place = platform::SavedLocation::readPlace();
+    address = place.address;
+    zone = KnownZone(place.timeZone);
+  }
+  const platform::CLLocation& there = location ? *location : *saved;
+  return DayPlace{address.value_or(CoordinateText(there)), there, zone.value_or(local)};
 }
 
 /// Where a widget is; nothing when nobody knows.
@@ -333,22 +346,28 @@ WebResponse HomeSite::Sample(const std::string& name, const WebRequest& request)
   return NotFound();
 }
 
-const ShownWidget* HomeSite::WidgetOfDay(const std::string& id, const std::string& kind) const {
+const ShownWidget* HomeSite::WidgetOfDay(const std::string& id, bool isSun) const {
   if (!id.empty()) return scheduler_.find(id);
   const ShownWidget* first = nullptr;
+  const ShownWidget* other = nullptr;
   for (const ShownWidget& shown : scheduler_.shown()) {
-    const bool isOfKind = shown.widget.kind == kind || shown.widget.kind == "LumenquestWidget";
-    if (!isOfKind || shown.isPlaceholder) continue;
-    if (!shown.widget.place) return &shown;
-    if (first == nullptr) first = &shown;
+    if (shown.isPlaceholder || LocationDataOf(shown.entry) == nullptr) continue;
+    const bool followsDevice = !shown.widget.place;
+    if (!LeadsToDay(shown.widget.kind, isSun)) {
+      if (followsDevice && other == nullptr) other = &shown;
+    } else if (followsDevice) {
+      return &shown;
+    } else if (first == nullptr) {
+      first = &shown;
+    }
   }
-  return first;
+  return first != nullptr ? first : other;
 }
 
 WebResponse HomeSite::Day(const WebRequest& request) {
   const std::string id = Parameter(request, "widget");
   const bool isSun = request.path == "/sun";
-  const ShownWidget* const shown = WidgetOfDay(id, isSun ? "SunWidget" : "MoonWidget");
+  const ShownWidget* const shown = WidgetOfDay(id, isSun);
   if (!id.empty() && shown == nullptr) return NotFound();
   const std::string title =
       localizedString(isSun ? "appwidget_sun" : "appwidget_moon", platform::kTableCommon);

@@ -345,10 +345,23 @@ TEST_F(HomeSiteTest, ADayWithoutAWidgetIsThatOfTheWidgetThatKnowsThePlace) {
   EXPECT_THAT(Get("/sun"), AllOf(HasSubstr("<bdi>Bled &lt;script&gt;</bdi>"),
                                  HasSubstr("<bdi>46.360000°"), HasSubstr("Etc/GMT-1")));
   EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("<bdi>Far</bdi>"), HasSubstr("Etc/GMT-6")));
-  // Where nobody knows a name, the coordinate stands for it, and stands once.
+  // Where there is none of the kind, any that follows the device.
+  Show(R"({"widgets":[{"kind":"PlansWidget"},{"kind":"GalacticCenterSmallWidget"}]})");
+  platform::SavedLocation::save({10.0, 20.0});
+  for (const char* const page : {"/moon", "/sun"}) {
+    EXPECT_THAT(Get(page), AllOf(HasSubstr("<bdi>-33,18</bdi>"), HasSubstr("Etc/GMT-1"))) << page;
+  }
+  // Where there is none at all, the saved place, unless the device has left it.
   Show(R"({"widgets":[{"kind":"PlansWidget"}]})");
+  platform::SavedLocation::save({33.0, 18.0});
+  platform::SavedLocation::savePlace({"Cape", "Africa/Johannesburg"});
+  world.device->Fix({{33.008, 18.0}, Instant("2024-08-12T20:30:00Z")}, true);
+  EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("<bdi>Cape</bdi>"), HasSubstr("Johannesburg")));
+  world.device->Fix({{33.01, 18.0}, Instant("2024-08-12T20:30:00Z")}, true);
+  // Where nobody knows a name, the coordinate stands for it, and stands once.
   const std::string html = Get("/sun");
-  EXPECT_THAT(html, HasSubstr("<p class=\"where\"><bdi>33.000000°"));
+  EXPECT_THAT(html,
+              AllOf(HasSubstr("<p class=\"where\"><bdi>33.010000°"), HasSubstr("Europe/Berlin")));
   EXPECT_EQ(html.find("<bdi>33."), html.rfind("<bdi>33."));
 }
 

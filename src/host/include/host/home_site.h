@@ -73,8 +73,9 @@ class HomeSite {
   WebResponse Plain(const std::string& id, bool isPicture, const WebRequest& request);
   WebResponse Sample(const std::string& name, const WebRequest& request);
   WebResponse Day(const WebRequest& request);
-  /// Of this identifier; without one the widget whose place the page of this kind tells of.
-  const ShownWidget* WidgetOfDay(const std::string& id, const std::string& kind) const;
+  /// Of this identifier; without one the widget whose place the page tells of: of those that lead
+  /// there one that follows the device, else the first, else any other that follows the device.
+  const ShownWidget* WidgetOfDay(const std::string& id, bool isSun) const;
   WebResponse Open(const std::string& url) const;
 
   Scheduler& scheduler_;
