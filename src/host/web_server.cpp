@@ -7,7 +7,6 @@
 #include <sys/socket.h>
 
 #include <algorithm>
-#include <array>
 #include <exception>
 #include <optional>
 #include <unordered_map>
@@ -17,8 +16,8 @@
 #include "glib_sources.h"
 #include "outgoing_connection.h"
 #include "platform/assertion.h"
-#include "platform/localized_strings.h"
 #include "platform/services.h"
+#include "web_error_page.h"
 #include "web_request_checks.h"
 
 namespace lumenquest::host {
@@ -41,47 +40,19 @@ constexpr int kSilentPeerMilliseconds = 60'000;
 /// The kernel takes twice this for a stream's client; by default it would grow to megabytes.
 constexpr int kStreamBuffer = 32 * 1024;
 
-constexpr std::array<std::pair<const char*, const char*>, 5> kSafetyHeaders{{
-    {"Content-Security-Policy",
-     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self' data:; "
-     "connect-src 'self'; frame-ancestors 'none'; base-uri 'none'; form-action 'self'"},
-    {"X-Content-Type-Options", "nosniff"},
-    {"Referrer-Policy", "no-referrer"},
-    {"Cross-Origin-Resource-Policy", "same-origin"},
-    {"Cross-Origin-Opener-Policy", "same-origin"},
-}};
+using Headers = std::vector<std::pair<std::string, std::string>>;
 
-struct ErrorPage {
-  int status;
-  const char* phrase;
-  /// Of the sentence in the table of the command.
-  const char* key;
-};
-constexpr ErrorPage kErrorPages[] = {
-    {400, "Bad Request", "web_bad_request"},
-    {403, "Forbidden", "web_other_site"},
-    {404, "Not Found", "web_not_found"},
-    {405, "Method Not Allowed", "web_method"},
-    {413, "Content Too Large", "web_body_too_large"},
-    {414, "URI Too Long", "web_address_too_long"},
-    {415, "Unsupported Media Type", "web_content_type"},
-    {421, "Misdirected Request", "web_other_host"},
-    {431, "Request Header Fields Too Large", "web_headers_too_large"},
-    {500, "Internal Server Error", "web_failed"},
-    {503, "Service Unavailable", "web_busy"},
-};
-
-const ErrorPage* FindErrorPage(int status) {
-  const auto* const found = std::find_if(std::begin(kErrorPages), std::end(kErrorPages),
-                                         [&](const ErrorPage& p) { return p.status == status; });
-  return found == std::end(kErrorPages) ? nullptr : found;
-}
-
-std::string EscapedForHtml(const std::string& text) {
-  char* const escaped = g_markup_escape_text(text.c_str(), static_cast<gssize>(text.size()));
-  std::string result(escaped);
-  g_free(escaped);
-  return result;
+Headers SafetyHeaders() {
+  return {
+      {"Content-Security-Policy",
+       "default-src 'none'; script-src 'self'; style-src 'self' " + errorStyleSource() +
+           "; img-src 'self' data:; connect-src 'self'; frame-ancestors 'none'; base-uri 'none'; "
+           "form-action 'none'"},
+      {"X-Content-Type-Options", "nosniff"},
+      {"Referrer-Policy", "no-referrer"},
+      {"Cross-Origin-Resource-Policy", "same-origin"},
+      {"Cross-Origin-Opener-Policy", "same-origin"},
+  };
 }
 
 Microseconds After(std::chrono::milliseconds time) {
@@ -563,25 +534,13 @@ class WebServer::Impl {
 
   void FillErrorPage(WebResponse& response) const {
     if (response.status < 400 || !response.body.empty() || response.sharedBody) return;
-    const ErrorPage* page = FindErrorPage(response.status);
-    if (page == nullptr) page = FindErrorPage(response.status < 500 ? 400 : 500);
-    const std::string sentence = platform::stringWithFormat(
-        platform::localizedString(page->key, platform::kTableApp), {url()});
     response.contentType = "text/html; charset=utf-8";
-    response.body = "<!DOCTYPE html>\n<html dir=\"auto\">\n<meta charset=\"utf-8\">\n<title>" +
-                    std::to_string(response.status) + "</title>\n<p>" + EscapedForHtml(sentence) +
-                    "</p>\n</html>\n";
+    response.body = errorPage(response.status, url());
   }
-
-  static std::string PhraseOf(int status) {
-    const ErrorPage* const page = FindErrorPage(status);
-    return page != nullptr ? page->phrase : soup_status_get_phrase(static_cast<guint>(status));
-  }
-
-  using Headers = std::vector<std::pair<std::string, std::string>>;
 
   static Headers HeadersOf(const WebResponse& response) {
-    Headers headers(kSafetyHeaders.begin(), kSafetyHeaders.end());
+    static const Headers safety = SafetyHeaders();
+    Headers headers = safety;
     // With a version that can be asked for, an answer may be kept, but not shown unasked.
     headers.emplace_back("Cache-Control", response.etag.empty() ? "no-store" : "no-cache");
     if (!response.contentType.empty()) headers.emplace_back("Content-Type", response.contentType);
@@ -605,7 +564,7 @@ class WebServer::Impl {
       response.contentType.clear();
     }
     soup_server_message_set_status(message, static_cast<guint>(response.status),
-                                   PhraseOf(response.status).c_str());
+                                   phraseOf(response.status).c_str());
     SetContent(message, std::move(response));
   }
 
@@ -641,7 +600,7 @@ class WebServer::Impl {
     g_free(date);
     g_date_time_unref(now);
     headers.emplace_back("Connection", "close");
-    std::string text = "HTTP/1.1 " + std::to_string(status) + ' ' + PhraseOf(status) + "\r\n";
+    std::string text = "HTTP/1.1 " + std::to_string(status) + ' ' + phraseOf(status) + "\r\n";
     for (const auto& [name, value] : headers) text += name + ": " + value + "\r\n";
     return text + "\r\n";
   }

@@ -139,7 +139,7 @@ TEST_F(WebServerTest, AHandlerThatFailsGivesAPageAndALineInTheLog) {
   for (const char* path : {"/throws", "/throws/oddly", "/splits"}) {
     const auto response = ask(path);
     EXPECT_EQ(response.status, 500);
-    EXPECT_THAT(response.body, HasSubstr("<p>&lt;web_failed&gt;</p>"));
+    EXPECT_THAT(response.body, HasSubstr("<p>&lt;web_failed&gt; <a href=\"/\">"));
     EXPECT_THAT(response.body, Not(HasSubstr("stars")));
     EXPECT_EQ(response.header("Set-Cookie"), "");
   }
