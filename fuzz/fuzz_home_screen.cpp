@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     const auto again = host::entryFromJson(written);
     if (!again || host::entryToJson(*again) != written) std::abort();
   }
-  host::parseFormFields(text);
+  host::parseQuery(text);
   host::parseListenAddress(text);
   return 0;
 }

@@ -105,7 +105,7 @@ std::optional<ListenAddress> parseListenAddress(std::string_view text) {
   return SplitAuthority(text, true);
 }
 
-std::optional<std::map<std::string, std::string>> parseFormFields(std::string_view text) {
+std::optional<std::map<std::string, std::string>> parseQuery(std::string_view text) {
   std::map<std::string, std::string> fields;
   while (!text.empty()) {
     const std::size_t end = std::min(text.find('&'), text.size());
@@ -163,10 +163,10 @@ bool isFromOwnPage(const WebRequest& request) {
          (site.empty() || site == "same-origin");
 }
 
-bool isJsonOrForm(const std::string& contentType) {
+bool isJson(const std::string& contentType) {
   const std::string type =
       LowerCase(Trimmed(std::string_view(contentType).substr(0, contentType.find(';'))));
-  return type == "application/json" || type == "application/x-www-form-urlencoded";
+  return type == "application/json";
 }
 
 bool matchesEtag(std::string_view ifNoneMatch, const std::string& etag) {

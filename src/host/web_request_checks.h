@@ -24,9 +24,9 @@ bool isOwnAuthority(std::string_view authority, const std::string& listenHost, s
 /// Origin or Sec-Fetch-Site, and no page can make them say anything else.
 bool isFromOwnPage(const WebRequest& request);
 
-/// Whether a JSON value or a form's fields are sent. Whatever else pages of other sites can send
-/// without asking first is neither.
-bool isJsonOrForm(const std::string& contentType);
+/// Whether a JSON value is sent. What pages of other sites can send without asking first, forms and
+/// plain texts, is none.
+bool isJson(const std::string& contentType);
 
 /// Whether the list of If-None-Match has the tag (without quotation marks) or is "*".
 bool matchesEtag(std::string_view ifNoneMatch, const std::string& etag);

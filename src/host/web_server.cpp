@@ -445,7 +445,7 @@ class WebServer::Impl {
     }
 
     const auto plainPath = decodedPath(path.empty() ? "/" : path);
-    const auto fields = parseFormFields(query);
+    const auto fields = parseQuery(query);
     if (!plainPath || !fields) return WebResponse::ofStatus(400);
     request.path = *plainPath;
     request.query = *fields;
@@ -499,7 +499,7 @@ class WebServer::Impl {
     }
     if (request.method != "POST") return std::nullopt;
     if (!isFromOwnPage(request)) return WebResponse::ofStatus(403);
-    if (!isJsonOrForm(request.header("content-type"))) return WebResponse::ofStatus(415);
+    if (!isJson(request.header("content-type"))) return WebResponse::ofStatus(415);
     return std::nullopt;
   }
 

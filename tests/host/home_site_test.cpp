@@ -73,7 +73,7 @@ class HomeSiteTest : public ::testing::Test {
     request.method = method;
     const std::size_t mark = address.find('?');
     request.path = address.substr(0, mark);
-    if (mark != std::string::npos) request.query = *parseFormFields(address.substr(mark + 1));
+    if (mark != std::string::npos) request.query = *parseQuery(address.substr(mark + 1));
     request.body = body;
     return site.answer(request);
   }

@@ -61,8 +61,8 @@ struct ListenAddress {
 /// "127.0.0.1:8080", "[::1]:8080", "localhost:0"; nothing when the text is no such thing.
 std::optional<ListenAddress> parseListenAddress(std::string_view text);
 
-/// The fields of a query or of a form (application/x-www-form-urlencoded), decoded; nothing when an
-/// escape is broken, or the text is no UTF-8 or has a NUL. Of a name given several times, the last.
-std::optional<std::map<std::string, std::string>> parseFormFields(std::string_view text);
+/// The fields of a query (application/x-www-form-urlencoded), decoded; nothing when an escape is
+/// broken, or the text is no UTF-8 or has a NUL. Of a name given several times, the last.
+std::optional<std::map<std::string, std::string>> parseQuery(std::string_view text);
 
 }  // namespace lumenquest::host
