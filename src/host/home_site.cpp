@@ -13,7 +13,6 @@
 #include "events/moon_shadow.h"
 #include "host/day_pages.h"
 #include "host/home_pages.h"
-#include "host/plan_pages.h"
 #include "host/web_text.h"
 #include "platform/localized_strings.h"
 #include "platform/location_utils.h"
@@ -231,18 +230,11 @@ WebResponse HomeSite::answer(const WebRequest& request) {
   if (path == "/edit") return Page(editPage(scheduler_.shown(), file_.problem()));
   if (path == "/sun" || path == "/moon" || path == "/moon.svg") return Day(request);
   if (path == "/plans") {
-    WebPage page{localizedString("appwidget_plans", platform::kTableCommon), "plans-page",
-                 plansPageContent(), "home.js", kPlansRefresh};
-    page.refreshSeconds = kSecondsToPlans;
-    return Page(page);
+    return Plans({localizedString("appwidget_plans", platform::kTableCommon), plansPageContent()});
   }
   if (path == "/plan") {
-    const auto content = planPageContent(Parameter(request, "id"));
-    if (!content) return NotFound();
-    WebPage page{localizedString("appwidget_plans", platform::kTableCommon), "plans-page", *content,
-                 "home.js", kPlansRefresh};
-    page.refreshSeconds = kSecondsToPlans;
-    return Page(page);
+    const auto plan = planPage(Parameter(request, "id"));
+    return plan ? Plans(*plan) : NotFound();
   }
   if (path == "/open") return Open(Parameter(request, "url"));
   const auto after = [&](std::string_view start) { return path.substr(start.size()); };
@@ -263,6 +255,12 @@ WebResponse HomeSite::Page(const WebPage& page, int status) const {
   response.contentType = "text/html; charset=utf-8";
   response.body = documentOf(page, options_.language);
   return response;
+}
+
+WebResponse HomeSite::Plans(const PlanPage& plans) const {
+  WebPage page{plans.title, "plans-page", plans.content, "home.js", kPlansRefresh};
+  page.refreshSeconds = kSecondsToPlans;
+  return Page(page);
 }
 
 WebResponse HomeSite::Message(const std::string& title, const std::string& sentence,

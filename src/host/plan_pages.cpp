@@ -101,7 +101,7 @@ std::string plansPageContent() {
   return html + "</ul>\n";
 }
 
-std::optional<std::string> planPageContent(const std::string& objectId) {
+std::optional<PlanPage> planPage(const std::string& objectId) {
   const FoundPlans found = Fetch(std::nullopt);
   for (const auto& plan : found.plans) {
     if (plan->objectID().URIRepresentation() != objectId) continue;
@@ -115,7 +115,7 @@ std::optional<std::string> planPageContent(const std::string& objectId) {
     row("web_date", DateOf(*plan));
     if (const auto zone = ZoneOf(*plan)) row("row_time_zone", zone->name);
     if (const auto coordinate = CoordinateOf(*plan)) row("row_coordinates", *coordinate);
-    return html + "</dl></section>\n";
+    return PlanPage{NameOf(*plan), html + "</dl></section>\n"};
   }
   return std::nullopt;
 }

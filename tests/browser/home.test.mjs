@@ -371,6 +371,7 @@ test("everything can be read without scripts", async () => {
   await page.locator('[data-id="plans"] a').click();
   await page.getByRole("link", { name: /Milky Way/ }).click();
   assert.equal(await page.getByRole("heading", { level: 1 }).textContent(), kPlan);
+  assert.equal(await page.title(), kPlan);
   await page.getByText("Europe/Ljubljana").waitFor();
   await page.goto(server.at("/sun?widget=sun"));
   assert.equal(await page.getByRole("row").count(), 12);

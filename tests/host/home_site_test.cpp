@@ -508,8 +508,9 @@ TEST(PlanPages, ShowWhatIsAhead) {
   EXPECT_THAT(plans, AllOf(HasSubstr("<bdi>&lt;/a&gt;&lt;b&gt;\u202E</bdi>"),
                            HasSubstr("August 13, 2024"), HasSubstr("7:15\u202FAM"),
                            HasSubstr("/plan?id=" + percentEncoded(id)), Not(HasSubstr("past"))));
-  EXPECT_THAT(planPageContent(id).value_or(""), HasSubstr("Asia/Tokyo"));
-  EXPECT_EQ(planPageContent(id + "0"), std::nullopt);
+  EXPECT_THAT(planPage(id).value().content, HasSubstr("Asia/Tokyo"));
+  EXPECT_EQ(planPage(id).value().title, "</a><b>\u202E");
+  EXPECT_FALSE(planPage(id + "0"));
 }
 
 }  // namespace

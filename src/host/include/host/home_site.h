@@ -8,6 +8,7 @@
 #include "host/home_api.h"
 #include "host/home_screen_file.h"
 #include "host/place_day.h"
+#include "host/plan_pages.h"
 #include "host/scheduler.h"
 #include "host/web_page.h"
 #include "host/web_request.h"
@@ -65,6 +66,7 @@ class HomeSite {
 
  private:
   WebResponse Page(const WebPage& page, int status = 200) const;
+  WebResponse Plans(const PlanPage& plans) const;
   WebResponse Message(const std::string& title, const std::string& sentence, int status) const;
   WebResponse NotFound() const;
   WebResponse SvgOf(const std::shared_ptr<const std::string>& svg) const;

@@ -9,7 +9,12 @@ namespace lumenquest::host {
 
 /// All plans from today's local midnight on, in order of date.
 std::string plansPageContent();
+struct PlanPage {
+  /// Text: the plan's name.
+  std::string title;
+  std::string content;
+};
 /// The plan of an object's identifier, as links carry it; nothing when there is none.
-std::optional<std::string> planPageContent(const std::string& objectId);
+std::optional<PlanPage> planPage(const std::string& objectId);
 
 }  // namespace lumenquest::host
