@@ -2,13 +2,17 @@
 
 _lumenquest() {
   local words=() word quote='' before='' type='' line candidate i
-  # Readline splits at "=", which the command reads as one word with what stands around it.
+  # Readline splits at "=" and ":", which the command reads as one word with what stands around
+  # them, and puts what is chosen in the place of what follows the last one.
   for ((i = 1; i <= COMP_CWORD; ++i)); do
     word=${COMP_WORDS[i]}
     local count=${#words[@]}
     if ((count > 0)) && { [[ $word == = && ${words[count - 1]} == --* ]] ||
                           [[ ${words[count - 1]} == --*= ]]; }; then
       words[count - 1]+=$word
+    elif ((count > 0)) && [[ $word == : || ${words[count - 1]} == *: && $word != -* ]]; then
+      words[count - 1]+=$word
+      ((i == COMP_CWORD)) && before=${words[count - 1]%:*}:
     else
       words+=("$word")
     fi
@@ -27,7 +31,7 @@ _lumenquest() {
     fi
     words[i]=$word
   done
-  [[ ${words[last]} == --*=* ]] && before=${words[last]%%=*}=
+  [[ ! $before && ${words[last]} == --*=* ]] && before=${words[last]%%=*}=
 
   COMPREPLY=()
   while IFS= read -r line; do

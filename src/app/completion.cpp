@@ -42,13 +42,15 @@ class Answer {
   }
 
   /// The values of an option or argument; `before`: "--theme=", when it stands in the same word.
-  void AddValues(const OptionSpec& option, const std::string& before = {}) {
+  void AddValues(const OptionSpec& option, const std::vector<std::string>& arguments,
+                 const std::string& before = {}) {
     const std::string value = beginning_.substr(before.size());
     const std::string_view name = option.isPositional() ? option.name : option.valueName;
     if (name == "FILE") paths_ = ":files\n";
     if (name == "DIR") paths_ = ":folders\n";
-    for (const Suggestion& one :
-         option.suggestions ? option.suggestions(value) : ChoicesOf(option.valueName)) {
+    for (const Suggestion& one : option.suggestionsAfter ? option.suggestionsAfter(arguments)
+                                 : option.suggestions    ? option.suggestions(value)
+                                                         : ChoicesOf(option.valueName)) {
       if (!one.word.empty() && adapters::isBeginningOfName(value, one.word)) {
         Line(before + one.word, one.meaning);
       }
@@ -96,7 +98,7 @@ std::string completionLines(const CommandOutline& program, const std::vector<std
   }
 
   std::set<const OptionSpec*> given;
-  std::size_t positionals = 0;
+  std::vector<std::string> arguments;
   const OptionSpec* valueOf = nullptr;
   for (; next < count; ++next) {
     const std::string& word = words[next];
@@ -109,11 +111,11 @@ std::string completionLines(const CommandOutline& program, const std::vector<std
       given.insert(option);
       if (!option->isFlag() && equals == std::string::npos) valueOf = option;
     } else {
-      ++positionals;
+      arguments.push_back(word);
     }
   }
   if (valueOf != nullptr) {
-    answer.AddValues(*valueOf);
+    answer.AddValues(*valueOf, arguments);
     return answer.Text();
   }
 
@@ -122,7 +124,7 @@ std::string completionLines(const CommandOutline& program, const std::vector<std
     if (equals != std::string::npos) {
       const OptionSpec* const option = Find(*command, typed.substr(0, equals));
       if (option != nullptr && !option->isFlag() && !option->isPositional()) {
-        answer.AddValues(*option, typed.substr(0, equals + 1));
+        answer.AddValues(*option, arguments, typed.substr(0, equals + 1));
       }
       return answer.Text();
     }
@@ -136,18 +138,19 @@ std::string completionLines(const CommandOutline& program, const std::vector<std
     return answer.Text();
   }
 
-  if (positionals == 0) {
+  if (arguments.empty()) {
     for (const CommandOutline& one : command->commands)
       answer.Add(one.name, appText(one.help.helpKey));
   }
+  std::size_t skipped = 0;
   for (const OptionSpec& option : command->options) {
     if (!option.isPositional()) continue;
     // The last argument of a list may be followed by more of them.
-    if (positionals == 0 || option.isList()) {
-      answer.AddValues(option);
+    if (skipped == arguments.size() || option.isList()) {
+      answer.AddValues(option, arguments);
       break;
     }
-    --positionals;
+    ++skipped;
   }
   return answer.Text();
 }

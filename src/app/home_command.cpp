@@ -64,6 +64,20 @@ std::vector<Suggestion> SuggestWidgets(const std::string&) try {
   return {};
 }
 
+/// The sizes of the kind that is the first argument.
+std::vector<Suggestion> SizesOfKind(const std::vector<std::string>& arguments) {
+  return suggestFamilies(arguments.empty() ? std::nullopt : OptionText(arguments.front()));
+}
+
+/// The sizes of the widget that the first argument names.
+std::vector<Suggestion> SizesOfWidget(const std::vector<std::string>& arguments) {
+  OptionText kind;
+  for (const Suggestion& widget : SuggestWidgets("")) {
+    if (!arguments.empty() && widget.word == arguments.front()) kind = widget.meaning;
+  }
+  return suggestFamilies(kind);
+}
+
 std::string PlaceText(const PlacedWidget& widget) {
   const auto configuration = host::configurationOf(widget.kind);
   if (configuration->intent == widgets::ConfigurationIntent::themeSelector) return "--";
@@ -405,8 +419,12 @@ void addHomeCommands(CommandSet& commands, std::ostream& out, const ServeHome& s
   };
   const OptionSpec id{"ID", "", "help_widget_id", "expect_widget_id", &o.id, SuggestWidgets};
   const OptionSpec position{"POSITION", "", "help_position", "expect_position", &o.position};
+  const auto family = [&o](SuggestionsAfter sizes) {
+    return OptionSpec{"--family",      "small|medium|large", "help_family",
+                      "expect_family", &o.widget.family,     {},
+                      std::move(sizes)};
+  };
   const std::vector<OptionSpec> configuration{
-      {"--family", "small|medium|large", "help_family", "expect_family", &o.widget.family},
       placeOption(o.widget.place.place),
       latitudeOption(o.widget.place.latitude),
       longitudeOption(o.widget.place.longitude),
@@ -423,11 +441,12 @@ void addHomeCommands(CommandSet& commands, std::ostream& out, const ServeHome& s
   add("add", "help_usage_home_add", "help_home_add",
       with({{"KIND", "", "help_kind", "expect_kind", &o.widget.kind, suggestKinds},
             {"--id", "ID", "help_new_widget_id", "expect_widget_id", &o.id},
-            {"--position", "N", "help_position", "expect_position", &o.position}},
+            {"--position", "N", "help_position", "expect_position", &o.position},
+            family(SizesOfKind)},
            configuration),
       [&o] { return Add(o); });
-  add("set", "help_usage_home_set", "help_home_set", with({id}, configuration),
-      [&o] { return Set(o); });
+  add("set", "help_usage_home_set", "help_home_set",
+      with({id, family(SizesOfWidget)}, configuration), [&o] { return Set(o); });
   add("move", "help_usage_home_move", "help_home_move", {id, position}, [&o] { return Move(o); });
   add("remove", "help_usage_home_remove", "help_home_remove", {id}, [&o] { return Remove(o); });
   add("serve", "help_usage_home_serve", "help_home_serve",
@@ -452,7 +471,8 @@ void addHomeCommands(CommandSet& commands, std::ostream& out, const ServeHome& s
            homeOptionSpecs(o.host)),
       [&o, &out] { return Watch(o, out); });
   add("open", "help_usage_home_open", "help_home_open",
-      {{"URL", "", "help_open_url", "expect_deep_link", &o.url}}, [&o] { return OpenPage(o); });
+      {{"URL", "", "help_open_url", "expect_deep_link", &o.url, suggestLinks}},
+      [&o] { return OpenPage(o); });
 }
 
 }  // namespace lumenquest::app

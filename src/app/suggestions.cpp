@@ -9,6 +9,12 @@
 #include "adapters/icu_services.h"
 #include "app/places_command.h"
 #include "app/runtime.h"
+#include "app/widget_request.h"
+#include "host/web_text.h"
+#include "platform/database.h"
+#include "platform/localized_strings.h"
+#include "platform/planning.h"
+#include "widgets/deep_links.h"
 #include "widgets/widget_bundle.h"
 
 namespace lumenquest::app {
@@ -62,6 +68,44 @@ std::vector<Suggestion> suggestKinds(const std::string&) {
   std::vector<Suggestion> suggestions;
   for (const auto& widget : widgets::LumenquestWidgets::configurations()) {
     suggestions.push_back({widget.kind, widget.displayName});
+  }
+  return suggestions;
+}
+
+std::vector<Suggestion> suggestFamilies(const OptionText& kind) {
+  std::vector<widgets::WidgetFamily> families{widgets::WidgetFamily::systemSmall,
+                                              widgets::WidgetFamily::systemMedium,
+                                              widgets::WidgetFamily::systemLarge};
+  try {
+    WidgetOptions options;
+    options.kind = kind;
+    families = host::configurationOf(parseWidget(options, "").kind)->supportedFamilies;
+  } catch (const UsageError&) {
+    // No widget yet.
+  }
+  std::vector<Suggestion> suggestions;
+  for (const widgets::WidgetFamily family : families) {
+    suggestions.push_back({host::familyName(family), ""});
+  }
+  return suggestions;
+}
+
+std::vector<Suggestion> suggestLinks(const std::string&) {
+  const auto common = [](const char* key) {
+    return platform::localizedString(key, platform::kTableCommon);
+  };
+  std::vector<Suggestion> suggestions{{widgets::kSunLink, common("appwidget_sun")},
+                                      {widgets::kMoonLink, common("appwidget_moon")},
+                                      {widgets::kPlansLink, common("appwidget_plans")}};
+  const auto context = platform::Database::sharedInstance().managedObjectContext();
+  if (!context || !context->persistentStoreCoordinator()->persistentStore()) return suggestions;
+  const auto plans = context->executeFetchRequest(
+      {platform::kEntityPlanning, std::nullopt, platform::kAttributeDate});
+  for (const auto& object : plans.value) {
+    const auto plan = std::dynamic_pointer_cast<platform::Planning>(object);
+    if (!plan) continue;
+    const std::string id = host::percentEncoded(plan->objectID().URIRepresentation());
+    suggestions.push_back({widgets::planLink(id), plan->name().value_or("")});
   }
   return suggestions;
 }

@@ -47,6 +47,13 @@ TEST(Completion, OffersWhatCanFollow) {
       {"a language", {"today", "--locale", "j"}, {"ja"}},
       {"a setting", {"settings", "get", "global_c"}, {"global_coordinate_system"}},
       {"nothing for what is no option", {"today", "--nonsense=x"}, {}},
+      {"the sizes of a kind", {"home", "add", "plans", "--family", ""}, {"small", "medium"}},
+      {"... in the same word",
+       {"home", "add", "--id", "x", "sun", "--family=m"},
+       {"--family=medium"}},
+      {"all sizes without a kind", {"home", "add", "--family", ""}, {"small", "medium", "large"}},
+      {"the sizes of a widget", {"home", "set", "milky-way", "--family", ""}, {"small"}},
+      {"a link", {"home", "open", "lumenquest://s"}, {"lumenquest://sun"}},
   };
   for (const auto& c : cases) EXPECT_EQ(Offered(c.words), c.offered) << c.name;
   EXPECT_EQ(Offered({}), Offered({""}));
@@ -70,6 +77,9 @@ TEST(Completion, OffersPlansByIdentifier) {
   const Words plans = Offered({"plans", "remove", ""});
   ASSERT_EQ(plans.size(), 1u);
   EXPECT_EQ(Offered({"plans", "remove", plans[0], ""}), plans) << "several may be given";
+  const Words links = Offered({"home", "open", "lumenquest://plan?id"});
+  ASSERT_EQ(links.size(), 1u);
+  EXPECT_TRUE(links[0].starts_with("lumenquest://plan?id=x-"));
   EXPECT_EQ(Call({"plans", "remove", plans[0]}).code, app::kExitSuccess);
 }
 

@@ -88,6 +88,9 @@ expect() {
 }
 expect "bash, a command" render "$(bash_offers lumenquest ren)"
 expect "bash, a value" dark "$(bash_offers lumenquest render --scheme = d)"
+expect "bash, a link" //sun "$(bash_offers lumenquest home open lumenquest : //s)"
+expect "bash, an option behind a time" --scheme \
+  "$(bash_offers lumenquest render sun --at 2027-05-08T21 : 30 --sch)"
 expect "bash, a place" 'Moab\,\ Utah\,\ United\ States' \
   "$(bash_offers lumenquest today --place 'moab\,\ u')"
 mkdir -p "$scratch/a folder"

@@ -19,6 +19,9 @@ struct Suggestion {
 
 /// The words that go on from a beginning.
 using Suggestions = std::function<std::vector<Suggestion>(const std::string& beginning)>;
+/// Those that depend on the arguments given before.
+using SuggestionsAfter =
+    std::function<std::vector<Suggestion>(const std::vector<std::string>& arguments)>;
 
 /// An option or argument of a command: the keys of its help and of what would be right for it.
 struct OptionSpec {
@@ -34,6 +37,8 @@ struct OptionSpec {
   /// What the shell offers as values. Empty: the choices that `valueName` lists, files for FILE and
   /// folders for DIR.
   Suggestions suggestions{};
+  /// In the place of `suggestions`.
+  SuggestionsAfter suggestionsAfter{};
 
   bool isFlag() const { return std::holds_alternative<bool*>(value); }
   bool isList() const { return std::holds_alternative<std::vector<std::string>*>(value); }
