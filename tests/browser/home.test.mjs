@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import { execFileSync, spawn } from "node:child_process";
-import { mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
@@ -13,9 +13,9 @@ import { chromium } from "playwright-core";
 const bin = process.env.LUMENQUEST_BIN;
 const pictures = process.env.LUMENQUEST_BROWSER_PICTURES;
 const axe = readFileSync(createRequire(import.meta.url).resolve("axe-core/axe.min.js"), "utf8");
-const data = mkdtempSync(join(tmpdir(), "lumenquest-browser-"));
-const environment = { ...process.env, XDG_DATA_HOME: data, XDG_CONFIG_HOME: join(data, "none") };
+const folders = mkdtempSync(join(tmpdir(), "lumenquest-browser-"));
 const kPlan = "Milky Way <b>over</b> the lake";
+const kEvening = "2026-07-14T16:30:00Z";
 
 /** A test that hangs is a failure. */
 const test = (name, work) => testOf(name, { timeout: 120_000 }, work);
@@ -24,34 +24,43 @@ let browser;
 let server;
 let page;
 
-/** A server with the standard home screen at an evening in July. */
+/** `lumenquest home serve` in Bled, for a user who has one plan and the standard home screen. */
 async function serve(locale = "en_US") {
-  const program = spawn(join(bin, "home_server"), ["2026-07-14T16:30:00Z", locale], {
-    env: environment,
-    stdio: ["pipe", "pipe", "inherit"],
+  const home = mkdtempSync(join(folders, "user-"));
+  const env = { ...process.env, XDG_DATA_HOME: join(home, "data"), XDG_CONFIG_HOME: join(home, "config"),
+    XDG_CACHE_HOME: join(home, "cache") };
+  const command = (...words) => execFileSync(join(bin, "lumenquest"), words, { env });
+  const plan = (name, date) => command("plans", "add", name, "--date", date, "--latitude", "46.36",
+    "--longitude", "14.09", "--time-zone", "Europe/Ljubljana");
+  plan(kPlan, "2026-08-12 23:30");
+  let program;
+  const start = async (listen, at) => {
+    program = spawn(join(bin, "lumenquest"), ["home", "serve", "--listen", listen, "--at", at,
+      "--here", "46.36,14.09", "--locale", locale], { env, stdio: ["ignore", "pipe", "inherit"] });
+    // Else the end of a program that never began would be waited for.
+    program.once("error", (error) => {
+      throw error;
+    });
+    for await (const line of createInterface({ input: program.stdout })) return line.match(/http:\S+\//)[0];
+    throw new Error("the server ended");
+  };
+  const stop = () => new Promise((resolve) => {
+    program.once("exit", resolve);
+    program.kill();
   });
-  // Else the end of a program that never began would be waited for.
-  program.once("error", (error) => {
-    throw error;
-  });
-  const lines = createInterface({ input: program.stdout })[Symbol.asyncIterator]();
-  const url = (await lines.next()).value;
+  const url = await start("127.0.0.1:0", kEvening);
   return {
     url,
     at: (address) => new URL(address, url).href,
-    async advance(seconds) {
-      program.stdin.write(`advance ${seconds}\n`);
-      assert.equal((await lines.next()).value, "advanced");
+    plan,
+    stop,
+    /** Goes on at another instant, where open pages find it again. */
+    async goOn(at) {
+      await stop();
+      await start(new URL(url).host, at);
     },
-    async write(text) {
-      program.stdin.write(`file ${text}\n`);
-      assert.equal((await lines.next()).value, "written");
-    },
-    async stop() {
-      const ended = new Promise((resolve) => program.once("exit", resolve));
-      program.stdin.end();
-      await ended;
-    },
+    /** As somebody who edits the file. */
+    write: (text) => writeFileSync(join(home, "config", "lumenquest", "home.json"), text),
   };
 }
 
@@ -92,8 +101,6 @@ const idsOf = (opened) =>
   opened.locator("[data-id]").evaluateAll((items) => items.map((item) => item.dataset.id));
 
 before(async () => {
-  execFileSync(join(bin, "lumenquest"), ["plans", "add", kPlan, "--date", "2026-08-12 23:30",
-    "--latitude", "46.36", "--longitude", "14.09", "--time-zone", "Europe/Ljubljana"], { env: environment });
   browser = await chromium.launch({
     executablePath: process.env.CHROMIUM,
     args: ["--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
@@ -103,7 +110,7 @@ before(async () => {
 
 after(async () => {
   await browser?.close();
-  rmSync(data, { recursive: true, force: true });
+  rmSync(folders, { recursive: true, force: true });
 });
 
 beforeEach(async () => {
@@ -152,16 +159,14 @@ test("pictures follow the viewer's colour scheme, and a widget's own theme stays
 test("a new entry is shown without a reload, the focus where it was", async () => {
   page = await open("/");
   await page.evaluate(() => (window.isSamePage = true));
-  const sun = page.locator('[data-id="sun"]');
-  await sun.locator("a").focus();
-  const old = await sun.locator("img").getAttribute("alt");
-  assert.match(old, /Daytime/);
-  await server.advance(2.5 * 3600);
-  await until(async () => (await sun.locator("img").getAttribute("alt")) !== old);
-  assert.match(await sun.locator("img").getAttribute("alt"), /Golden hour\. /);
+  const plans = page.locator('[data-id="plans"]');
+  await plans.locator("a").focus();
+  assert.match(await plans.locator("img").getAttribute("alt"), /Milky Way/);
+  server.plan("Moonrise", "2026-07-20 20:00");
+  await until(async () => /Moonrise/.test(await plans.locator("img").getAttribute("alt")));
   assert.equal(await page.evaluate(() => window.isSamePage), true);
   assert.equal(
-    await page.evaluate(() => document.activeElement.closest("[data-id]")?.dataset.id), "sun");
+    await page.evaluate(() => document.activeElement.closest("[data-id]")?.dataset.id), "plans");
 });
 
 test("a widget of another size finds its new place on an open page", async () => {
@@ -198,28 +203,34 @@ test("many widgets on a wide window stand in three columns under the heading", a
 test("widgets are added, arranged, themed and removed with the keyboard alone", async () => {
   page = await open("/edit");
   const home = await open("/");
-  const press = async (name, key = "Enter") => {
-    await page.getByRole("button", { name }).focus();
-    await page.keyboard.press(key);
+  const tabTo = async (name, key = "Tab") => {
+    const focused = () => page.evaluate(() => document.activeElement.getAttribute("aria-label"));
+    for (let stops = 0; (await focused()) !== name; ++stops) {
+      assert.ok(stops < 100, `${key} never comes to ${name}`);
+      await page.keyboard.press(key);
+    }
   };
   const said = (text) => page.getByRole("status").filter({ hasText: text }).waitFor();
-  await press("Add Moon, Medium");
+  await tabTo("Add Moon, Medium");
+  await page.keyboard.press("Enter");
   await said("Moon added");
   assert.equal(await page.locator("#placed > li").count(), 6);
   // The focus goes to the new one, to what may be wrong about it.
   assert.equal(
     await page.evaluate(() => document.activeElement.closest("[data-id]").dataset.id), "moon-2");
   assert.equal(await page.evaluate(() => document.activeElement.dataset.action), "place");
-  await press("Move Moon, number 6 up", " ");
+  await tabTo("Move Moon, number 6 up");
+  await page.keyboard.press(" ");
   await said("Moon is now number 5");
   assert.equal(await page.evaluate(() => document.activeElement.dataset.action), "up");
 
-  const theme = page.getByRole("combobox", { name: "Theme of Sun" });
-  await theme.selectOption("light");
+  await tabTo("Theme of Sun", "Shift+Tab");
+  await page.keyboard.type("L");
   await said("Saved");
   await until(async () => (await sourceOf(home, "sun")).includes("scheme=light"));
 
-  await press("Remove Moon, number 2");
+  await tabTo("Remove Moon, number 2");
+  await page.keyboard.press("Enter");
   await said("Moon removed");
   assert.equal(await page.evaluate(() => document.activeElement.textContent), "Undo");
   await until(async () => !(await idsOf(home)).includes("moon"));
@@ -304,7 +315,7 @@ test("the edit page shows new entries, and says that there are no widgets left",
   const theme = page.getByRole("combobox", { name: "Theme of Sun" });
   await theme.focus();
   await theme.evaluate((select) => (select.isSame = true));
-  await server.advance(2.5 * 3600);
+  server.plan("Moonrise", "2026-07-20 20:00");
   await until(async () => (await thumbnail.getAttribute("src")) !== old);
   assert.ok(await theme.evaluate((select) => select.isSame && select === document.activeElement));
 
@@ -319,19 +330,18 @@ test("a file that is damaged meanwhile is spoken of until it is mended", async (
   page = await open("/edit");
   const alert = page.getByRole("alert");
   assert.equal(await alert.textContent(), "");
-  await server.write("{");
+  server.write("{");
   await page.evaluate(() => document.dispatchEvent(new Event("visibilitychange")));
   await until(async () => (await alert.textContent()) !== "");
   assert.equal((await idsOf(page)).length, 5);
-  await server.write('{"widgets":[{"kind":"SunWidget"}]}');
+  server.write('{"widgets":[{"kind":"SunWidget"}]}');
   await until(async () => (await alert.textContent()) === "");
 });
 
 test("a new plan is shown without a reload", async () => {
   page = await open("/plans");
   assert.equal(await page.getByRole("link", { name: /Moonrise/ }).count(), 0);
-  execFileSync(join(bin, "lumenquest"), ["plans", "add", "Moonrise over the dunes", "--date",
-    "2026-09-01 20:00", "--latitude", "46.36", "--longitude", "14.09"], { env: environment });
+  server.plan("Moonrise over the dunes", "2026-09-01 20:00");
   await page.evaluate(() => document.dispatchEvent(new Event("visibilitychange")));
   await page.getByRole("link", { name: /Moonrise/ }).waitFor();
   assert.ok(Number(await page.locator("main").getAttribute("data-refresh")) <= 60);
@@ -345,7 +355,7 @@ test("an open page of the Moon shows the Moon of another day", async () => {
     return canvas.toDataURL();
   });
   const old = await pixels();
-  await server.advance(6 * 86400);
+  await server.goOn("2026-07-20T16:30:00Z");
   await page.evaluate(() => document.dispatchEvent(new Event("visibilitychange")));
   await page.getByText("July 20").first().waitFor();
   assert.notEqual(await pixels(), old);
@@ -377,22 +387,36 @@ test("everything can be read without scripts", async () => {
   assert.equal(await page.getByRole("row").count(), 12);
 });
 
-// The last is refused before the site is asked.
-const kPages = ["/", "/edit", "/sun?widget=sun", "/moon?widget=moon", "/plans", "/nothing", "/%zz"];
+// Each with what is done there first. The last is refused before the site is asked.
+const kPages = [
+  ["home", "/"],
+  ["edit", "/edit"],
+  ["places", "/edit", async (opened) => {
+    await opened.getByRole("button", { name: /^Place of Moon/ }).click();
+    await opened.getByRole("combobox", { name: "Search for a place" }).fill("springfield");
+    await opened.getByText("Ohio").waitFor();
+  }],
+  ["sun", "/sun?widget=sun"],
+  ["moon", "/moon?widget=moon"],
+  ["plans", "/plans"],
+  ["plan", "/plans", (opened) => opened.getByRole("link", { name: /Milky Way/ }).click()],
+  ["nothing", "/nothing"],
+  ["error", "/%zz"],
+];
 
 for (const colorScheme of ["dark", "light"]) {
   test(`no findings of axe, and no page is too wide, in the ${colorScheme} scheme`, async () => {
     for (const width of [320, 390, 768, 1280]) {
       const opened = await open("/", { colorScheme, bypassCSP: true, viewport: { width, height: 844 } });
-      for (const address of kPages) {
+      for (const [name, address, prepare] of kPages) {
         await opened.goto(server.at(address));
+        await prepare?.(opened);
         await opened.evaluate(axe);
         const { violations } = await opened.evaluate(() => globalThis.axe.run());
-        assert.deepEqual(violations.map((one) => [one.id, one.nodes[0].html]), [], `${address} at ${width}`);
+        assert.deepEqual(violations.map((one) => [one.id, one.nodes[0].html]), [], `${name} at ${width}`);
         const overflow = await opened.evaluate(() => document.documentElement.scrollWidth - innerWidth);
-        assert.ok(overflow <= 0, `${address} at ${width} is ${overflow} px too wide`);
+        assert.ok(overflow <= 0, `${name} at ${width} is ${overflow} px too wide`);
         if (pictures) {
-          const name = address.replace(/\?.*/, "").replaceAll(/[/%]/g, "") || "home";
           await opened.screenshot({ path: join(pictures, `${name}-${width}-${colorScheme}.png`), fullPage: true });
         }
       }
