@@ -170,13 +170,12 @@ TEST(Gallery, DrawsAllIntoAFolder) {
   const std::string target = folder.path() + "/new/pictures";
   const Result result = Call({"gallery", target, "--locale", "en", "--scale", "1"});
   EXPECT_EQ(result.code, 0) << result.err;
-  EXPECT_NE(result.out.find(target), std::string::npos) << result.out;
   std::size_t pictures = 0;
   for (const auto& file : std::filesystem::directory_iterator(target)) {
     EXPECT_EQ(file.path().extension(), ".png");
     ++pictures;
   }
-  EXPECT_NE(result.out.find(std::to_string(pictures)), std::string::npos) << result.out;
+  EXPECT_EQ(result.out, std::to_string(pictures) + " pictures in " + target + "\n");
   for (const char* name :
        {"contact-sheet-dark.png", "contact-sheet-light.png",
         "LumenquestWidget-systemLarge-polar-night-light.png",

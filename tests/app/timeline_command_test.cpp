@@ -33,60 +33,39 @@ Json Timeline(std::vector<std::string> arguments) {
   return Json::parse(result.out);
 }
 
-/// An object's keys in their order, those of objects within in brackets.
-std::string Keys(const Json& json) {
-  std::string keys;
-  for (const auto& [key, value] : json.items()) {
-    keys += (keys.empty() ? "" : " ") + key;
-    if (value.is_object()) keys += "(" + Keys(value) + ")";
-  }
-  return keys;
-}
-
-TEST(Timeline, HasEveryFieldOfItsKind) {
+TEST(Timeline, HasTheRecordsThatItsFamilyShows) {
   const DataFolder data;
-  const std::string location =
-      "locationData(address authorizationStatus isCurrentLocation withError timeZone) ";
-  const std::string sun =
-      "(" + location +
-      "mjdTomorrowAt0 mjdRise mjdSet sunElevation lightType nextEventMjd goldenHourInterval "
-      "blueHourInterval astronomicalTwilightInterval nextEventName)";
-  const std::string moon =
-      "(" + location +
-      "mjdTomorrowAt0 mjdRise mjdSet moonPhaseString moonPhase zenithAngle isMoonWaning "
-      "isSupermoon moonElevation sunElevation isLimbWaning)";
-  const std::string gc =
-      "(" + location +
-      "mjdTomorrowAt0 mjdVisibilityFrom visibilityFromAngle mjdVisibilityTo visibilityToAngle "
-      "moonlessHours dateNextVisibility visibilityFromAzimuth visibilityToAzimuth)";
-  struct Case {
+  const struct {
     const char* kind;
     const char* family;
-    std::string entry;
+    /// The first name of what is an object or null in the entry, the nulls in brackets.
+    const char* records;
+  } cases[] = {
+      {"SunWidget", "systemSmall", "data (moonData) (gcData)"},
+      {"SunWidget", "systemMedium", "data (moonData) (gcData)"},
+      {"LumenquestWidget", "systemLarge", "data moonData gcData"},
+      {"MoonWidget", "systemSmall", "data (gcData)"},
+      {"MoonWidget", "systemMedium", "data gcData"},
+      {"GalacticCenterSmallWidget", "systemSmall", "data"},
   };
-  const Case cases[] = {
-      {"SunWidget", "systemSmall", "data" + sun + " moonData gcData"},
-      {"SunWidget", "systemMedium", "data" + sun + " moonData gcData"},
-      {"LumenquestWidget", "systemLarge", "data" + sun + " moonData" + moon + " gcData" + gc},
-      {"MoonWidget", "systemSmall", "data" + moon + " gcData"},
-      {"MoonWidget", "systemMedium", "data" + moon + " gcData" + gc},
-      {"GalacticCenterSmallWidget", "systemSmall", "data" + gc},
-  };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     for (const std::string request : {"timeline", "snapshot", "placeholder"}) {
       SCOPED_TRACE(std::string(c.kind) + " " + c.family + " " + request);
       const Json json =
           Timeline({c.kind, "--family", c.family, "--here", "46.3625,14.0936", "--settings",
                     "memory", "--theme", "light", "--request", request});
-      const bool isTimeline = request == "timeline";
-      EXPECT_EQ(Keys(json), "kind family entry(date " + c.entry + " theme) reloadPolicy" +
-                                (isTimeline ? "(after)" : ""));
       EXPECT_EQ(json.at("kind"), c.kind);
       EXPECT_EQ(json.at("family"), c.family);
       const Json& entry = json.at("entry");
+      std::string records;
+      for (const auto& [name, value] : entry.items()) {
+        if (!value.is_object() && !value.is_null()) continue;
+        records += (records.empty() ? "" : " ") + (value.is_null() ? "(" + name + ")" : name);
+      }
+      EXPECT_EQ(records, c.records);
       EXPECT_EQ(entry.at("date"), "2024-08-12T12:00:00Z");
       EXPECT_EQ(entry.at("theme"), request == "placeholder" ? "themeSystem" : "themeLight");
-      if (!isTimeline) continue;
+      if (request != "timeline") continue;
       EXPECT_EQ(json.at("reloadPolicy").at("after"), "2024-08-12T12:30:00Z");
       EXPECT_EQ(entry.at("data").at("locationData"), Json({{"address", "Bled"},
                                                            {"authorizationStatus", 4},
@@ -143,7 +122,6 @@ TEST(Timeline, TheSharedSettingsKeepTheLastPlace) {
 
 TEST(Timeline, Plans) {
   const DataFolder data;
-  EXPECT_EQ(Keys(Timeline({"plans"})), "kind family entry(date plans theme) reloadPolicy");
   EXPECT_EQ(Timeline({"plans"}).at("entry").at("plans"), Json::array());
   EXPECT_TRUE(std::filesystem::is_empty(data.path()));
   Call({"plans", "add", "Perseids", "--date", "2024-08-12 23:30", "--place", "Bled"});
@@ -152,7 +130,6 @@ TEST(Timeline, Plans) {
   EXPECT_EQ(json.at("entry").at("theme"), "themeSystem");
   const Json& plans = json.at("entry").at("plans");
   ASSERT_EQ(plans.size(), 1u);
-  EXPECT_EQ(Keys(plans[0]), "name date timeZone objectId");
   EXPECT_EQ(plans[0].at("name"), "Perseids");
   EXPECT_EQ(plans[0].at("date"), "2024-08-12T21:30:00Z");
   EXPECT_EQ(plans[0].at("timeZone"), "Europe/Ljubljana");
@@ -180,44 +157,22 @@ TEST(Timeline, TextReadsAtAGlance) {
 
 TEST(Timeline, WrongUseIsOneLineThatSaysWhatWouldBeRight) {
   const DataFolder data;
-  struct Case {
-    std::vector<std::string> arguments;
-    std::vector<const char*> mentions;
-  };
-  const Case cases[] = {
-      {{}, {"KIND", "missing", "SunWidget", "PlansWidget"}},
-      {{"moo"}, {"KIND", "\"moo\"", "MoonWidget"}},
-      {{"sun\n\x1b[31m"}, {"KIND", "SunWidget"}},
-      {{"sun", "--family", "large"}, {"--family", "\"large\"", "small, medium"}},
-      {{"LumenquestWidget", "--family", "small"}, {"--family", "give large"}},
-      {{"sun", "--here", "1"}, {"--here", "\"1\"", "46.3625,14.0936"}},
-      {{"sun", "--here", "90.5,0"}, {"--here", "\"90.5,0\""}},
-      {{"sun", "--here", "nan,0"}, {"--here"}},
-      {{"sun", "--here"}, {"--here", "no value"}},
-      {{"sun", "--here", "1,2", "--place", "Bled"}, {"place", "position"}},
-      {{"sun", "--my-location", "--latitude", "1", "--longitude", "2"}, {"place", "position"}},
-      {{"sun", "--latitude", "1"}, {"--longitude", "missing"}},
-      {{"sun", "--place", "Nowhere at all"}, {"\"Nowhere at all\""}},
-      {{"sun", "--settings", "mine"}, {"--settings", "shared, memory"}},
-      {{"sun", "--theme", "pink"}, {"--theme", "system, dark, light"}},
-      {{"sun", "--request", "picture"}, {"--request", "timeline, snapshot, placeholder"}},
-      {{"sun", "moon"}, {"\"moon\"", "timeline --help"}},
-      {{"sun", "--format", "xml"}, {"--format", "json"}},
-      {{"sun", "--at", "noon"}, {"--at", "RFC 3339"}},
-  };
-  for (const Case& c : cases) {
-    std::vector<std::string> arguments{"timeline"};
-    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
-    arguments.insert(arguments.end(), {"--locale", "en"});
-    const Result result = Call(arguments);
-    EXPECT_EQ(result.code, 2) << result.err;
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
-    EXPECT_EQ(result.err.find('\x1b'), std::string::npos);
-    for (const char* mention : c.mentions) {
-      EXPECT_NE(result.err.find(mention), std::string::npos) << mention << ": " << result.err;
-    }
-  }
+  testing::ExpectRefused(
+      {"timeline"},
+      {
+          {{}, {"KIND", "missing", "SunWidget", "PlansWidget"}},
+          {{"moo"}, {"KIND", "\"moo\"", "MoonWidget"}},
+          {{"sun\n\x1b[31m"}, {"KIND", "SunWidget"}},
+          {{"sun", "--family", "large"}, {"--family", "\"large\"", "small, medium"}},
+          {{"sun", "--here", "1"}, {"--here", "\"1\"", "46.3625,14.0936"}},
+          {{"sun", "--here", "nan,0"}, {"--here"}},
+          {{"sun", "--here", "1,2", "--place", "Bled"}, {"place", "position"}},
+          {{"sun", "--my-location", "--latitude", "1", "--longitude", "2"}, {"place", "position"}},
+          {{"sun", "--settings", "mine"}, {"--settings", "shared, memory"}},
+          {{"sun", "--theme", "pink"}, {"--theme", "system, dark, light"}},
+          {{"sun", "--request", "picture"}, {"--request", "timeline, snapshot, placeholder"}},
+          {{"sun", "moon"}, {"\"moon\"", "timeline --help"}},
+      });
   EXPECT_TRUE(std::filesystem::is_empty(data.path()));
 }
 
@@ -228,7 +183,6 @@ TEST(Widgets, ListsThemAll) {
   ASSERT_EQ(all.size(), 5u);
   const std::string text = Call({"widgets", "--locale", "de"}).out;
   for (const Json& one : all) {
-    EXPECT_EQ(Keys(one), "kind intent families displayName description contentMarginsDisabled");
     const bool isPlans = one.at("kind") == "PlansWidget";
     EXPECT_EQ(one.at("intent"), isPlans ? "ThemeSelectorIntent" : "LocationSelectorIntent");
     EXPECT_NE(text.find(one.at("description").get<std::string>()), std::string::npos);

@@ -126,9 +126,10 @@ struct Host {
   std::map<std::string, int> entriesOf;
 };
 
-std::size_t BytesInUse() {
+/// Nothing where the heap is a sanitizer's own, which does not say.
+std::optional<std::size_t> BytesInUse() {
 #ifdef LUMENQUEST_SANITIZED
-  return 0;  // the sanitizer's own heap does not say
+  return std::nullopt;
 #else
   return ::mallinfo2().uordblks;
 #endif
@@ -142,7 +143,7 @@ TEST(Scheduler, NoReloadIsMissedAndMemoryIsFlat) {
   Host host("2024-10-10T12:00:00Z");
   host.scheduler->show(HomeScreen::standard());
   host.RunFor(7 * kDay);
-  const std::size_t before = BytesInUse();
+  const auto before = BytesInUse();
   for (int day = 7; day < days; ++day) {
     host.RunFor(kDay);
     host.ExpectAllUpToDate();
@@ -155,9 +156,11 @@ TEST(Scheduler, NoReloadIsMissedAndMemoryIsFlat) {
     if (isLong) std::cout << id << ": " << count << " entries\n";
   }
   EXPECT_EQ(host.entriesOf.size(), 5u);
-  const std::size_t after = BytesInUse();
-  EXPECT_LE(after, before + 64 * 1024);
-  if (isLong) std::cout << before << " bytes in use after a week, " << after << " at the end\n";
+  const auto after = BytesInUse();
+  if (!before || !after)
+    GTEST_SKIP() << "no reload was missed; the memory in use is not known here";
+  EXPECT_LE(*after, *before + 64 * 1024);
+  if (isLong) std::cout << *before << " bytes in use after a week, " << *after << " at the end\n";
 }
 
 TEST(Scheduler, SleepSetClocksAndOtherZonesAreFollowed) {
