@@ -18,7 +18,7 @@ Element pictureAndTable(const Element& roomyPicture, const Element& picture, con
                   gap);
   };
   return fromWidth(kRoomyWidth, columns(roomyPicture, 100.0, kContentInset),
-                   columns(picture, 84.0, 1.5 * kGap));
+                   columns(picture, 88.0, kGap));
 }
 
 namespace {
