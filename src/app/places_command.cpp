@@ -172,6 +172,7 @@ platform::CLPlacemark resolvePlace(const std::string& text, const std::string& l
 
 ChosenPlace choosePlace(const PlaceOptions& options, const std::string& locale) {
   if (!options.place) {
+    if (!options.latitude && !options.longitude) throw UsageError(appText("error_no_place"));
     return {parseLocation(options.latitude, options.longitude), std::nullopt,
             parseTimeZone(options.timeZone)};
   }

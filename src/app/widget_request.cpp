@@ -54,10 +54,13 @@ WidgetConfiguration ParseKind(const OptionText& text, bool mayBeAll) {
     return Short(Short(kind, "", "widget"), "", "small");
   };
   for (const WidgetConfiguration& configuration : configurations) {
-    if (text && shortName(*text) == shortName(configuration.kind)) return configuration;
+    if (text && (shortName(*text) == shortName(configuration.kind) ||
+                 *text == host::shortNameOf(configuration.kind))) {
+      return configuration;
+    }
   }
   ThrowNoChoice("KIND", text, Listed(configurations, [](const auto& one) {
-                                return one.kind;
+                                return one.kind + " (" + host::shortNameOf(one.kind) + ")";
                               }) + (mayBeAll ? ", all" : ""));
 }
 

@@ -268,14 +268,18 @@ std::size_t HomeScreen::IndexOf(const std::string& id) const {
   return static_cast<std::size_t>(found - widgets_.data());
 }
 
-std::string HomeScreen::NewId(const std::string& kind) const {
+std::string shortNameOf(const std::string& kind) {
   static const std::map<std::string, std::string> kNames{{"GalacticCenterSmallWidget", "milky-way"},
                                                          {"LumenquestWidget", "lumenquest"},
                                                          {"MoonWidget", "moon"},
                                                          {"PlansWidget", "plans"},
                                                          {"SunWidget", "sun"}};
   const auto known = kNames.find(kind);
-  const std::string name = known == kNames.end() ? "widget" : known->second;
+  return known == kNames.end() ? "widget" : known->second;
+}
+
+std::string HomeScreen::NewId(const std::string& kind) const {
+  const std::string name = shortNameOf(kind);
   std::string id = name;
   for (int number = 2; find(id) != nullptr; ++number) id = name + "-" + std::to_string(number);
   return id;

@@ -50,6 +50,7 @@ TEST(CommandLine, WrongUseIsOneLineThatSaysWhatWouldBeRight) {
           {Today("0", "0", {"--time-zone", "\x1b[31m" + std::string(5000, 'x')}),
            {"--time-zone", "…"}},
           {Today("+-5", "0"), {"--latitude", "\"+-5\""}},
+          {{"today"}, {"--place", "--latitude"}},
           {{"today", "--longitude", "3"}, {"--latitude", "missing", "-90 to 90"}},
           {Today("90.001", "0"), {"--latitude", "\"90.001\"", "-90 to 90"}},
           {Today("nan", "0"), {"--latitude", "\"nan\""}},

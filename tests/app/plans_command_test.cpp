@@ -125,7 +125,7 @@ TEST(Plans, WrongUseSaysWhatWouldBeRightAndMakesNoStore) {
           {{"add", "A", "--date", "1200-01-01 12:00", "--place", "Bled"}, {"1583"}},
           {{"add", "A", "--date", "3000-06-01 12:00", "--place", "Bled"}, {"2999"}},
           {{"add", "A", "--date", "2027-03-28 02:30", "--place", "Bled"}, {"Europe/Ljubljana"}},
-          {{"add", "A", "--date", "2027-05-08 23:30"}, {"--latitude is missing"}},
+          {{"add", "A", "--date", "2027-05-08 23:30"}, {"no place: give --place"}},
           {{"remove"}, {"ID is missing"}},
           {{"import"}, {"FILE is missing"}},
       });

@@ -212,7 +212,8 @@ TEST(Render, WrongUseIsOneLineAndNoFile) {
   testing::ExpectRefused(
       {"render"},
       {
-          {{"moo", "-o", png}, {"KIND", "\"moo\"", "SunWidget", "PlansWidget, all"}},
+          {{"moo", "-o", png},
+           {"KIND", "\"moo\"", "SunWidget (sun)", "(milky-way)", "(plans), all"}},
           {{"sun"}, {"--output", "missing", ".png", ".svg"}},
           {{"sun", "-o", ""}, {".png", ".svg"}},
           {{"sun", "-o", folder.path() + "/a.jpg"}, {"a.jpg", ".png", ".svg"}},

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <numbers>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -349,11 +350,11 @@ class Painter {
     const bool isMirrored =
         image.isMirrored && environment_.layoutDirection == LayoutDirection::rightToLeft;
     canvas_.save();
-    canvas_.concatenate(platform::CGAffineTransform::translation(-center.x, -center.y)
-                            .then(platform::CGAffineTransform::scale(isMirrored ? -1.0 : 1.0, 1.0))
-                            .then(platform::CGAffineTransform::rotation(
-                                image.rotation * 3.14159265358979323846 / 180.0))
-                            .then(platform::CGAffineTransform::translation(center.x, center.y)));
+    canvas_.concatenate(
+        platform::CGAffineTransform::translation(-center.x, -center.y)
+            .then(platform::CGAffineTransform::scale(isMirrored ? -1.0 : 1.0, 1.0))
+            .then(platform::CGAffineTransform::rotation(image.rotation * std::numbers::pi / 180.0))
+            .then(platform::CGAffineTransform::translation(center.x, center.y)));
     if (image.outline && !environment_.isTinted()) {
       canvas_.drawImage(Outline(*found, found->size.width / box.rect.width), box.rect,
                         Resolved(*image.outline, false));

@@ -76,6 +76,9 @@ std::optional<widgets::WidgetFamily> familyNamed(const std::string& text);
 const char* themeName(widgets::Enum theme);
 std::optional<widgets::Enum> themeNamed(const std::string& text);
 
+/// What people call a kind, as "milky-way"; "widget" for an unknown one.
+std::string shortNameOf(const std::string& kind);
+
 /// What a widget's kind says of itself; absent for an unknown kind.
 std::optional<widgets::WidgetConfiguration> configurationOf(const std::string& kind);
 
