@@ -1,6 +1,5 @@
 #include "app/home_server.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <ostream>
 #include <stdexcept>
@@ -8,6 +7,7 @@
 
 #include "adapters/files.h"
 #include "adapters/icu_services.h"
+#include "adapters/pango_text.h"
 #include "adapters/svg_canvas.h"
 #include "adapters/xdg_file_manager.h"
 #include "app/entry_output.h"
@@ -90,8 +90,7 @@ void serveHome(const HomeOptions& options, const OptionText& listen, std::ostrea
     return canvas.document("", "");
   };
   siteOptions.files = SiteFiles();
-  siteOptions.language = {home.locale(), isRightToLeft};
-  std::replace(siteOptions.language.tag.begin(), siteOptions.language.tag.end(), '_', '-');
+  siteOptions.language = {adapters::textLanguage(), isRightToLeft};
   siteOptions.publish = [&](const std::string& event, const std::string& data) {
     if (server) server->publish(event, data);
   };

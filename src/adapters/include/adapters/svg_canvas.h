@@ -38,9 +38,8 @@ class SvgCanvas final : public platform::Canvas {
   void endLabel() override;
 
   /// The document in textLanguage(), with a title and a description for those who cannot see it.
-  /// UTF-8, without an
-  /// XML declaration, so that it can be put into a page as well. What was begun must have been
-  /// ended.
+  /// UTF-8, without an XML declaration, so that it can be put into a page as well. What was begun
+  /// must have been ended.
   std::string document(const std::string& title, const std::string& description) const;
 
  private:
