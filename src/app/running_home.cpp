@@ -1,7 +1,7 @@
 #include "app/running_home.h"
 
 #include <fcntl.h>
-#include <glib.h>
+#include <gio/gio.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -40,14 +40,45 @@ bool IsHeld(const fs::path& path) {
 }
 
 /// The page of a host that runs.
-std::string RunningHost() {
+std::optional<std::string> RunningHost() {
   std::error_code error;
   if (const auto folder = AddressFolder()) {
     for (const auto& entry : fs::directory_iterator(*folder, error)) {
       if (IsHeld(entry.path())) return adapters::contentsOfFile(entry.path());
     }
   }
-  throw std::runtime_error(appText("error_no_host"));
+  return std::nullopt;
+}
+
+/// Asks the user's service manager for the service that the package installs.
+/// org.freedesktop.systemd1.Manager in systemd's D-Bus interface. False where there is none.
+bool StartService() {
+  GDBusConnection* const bus = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
+  if (bus == nullptr) return false;
+  GVariant* const job = g_dbus_connection_call_sync(
+      bus, "org.freedesktop.systemd1", "/org/freedesktop/systemd1",
+      "org.freedesktop.systemd1.Manager", "StartUnit",
+      g_variant_new("(ss)", "lumenquest-home.service", "replace"), G_VARIANT_TYPE("(o)"),
+      G_DBUS_CALL_FLAGS_NONE, 5000, nullptr, nullptr);
+  g_object_unref(bus);
+  if (job == nullptr) return false;
+  g_variant_unref(job);
+  return true;
+}
+
+/// The page of a host that runs or that a service manager starts now. Who opens the home screen
+/// from the desktop's menu sees no advice to start a host first.
+std::string HostToOpen() {
+  std::optional<std::string> url = RunningHost();
+  if (!url && StartService()) {
+    constexpr int kLooks = 100;
+    for (int look = 0; look < kLooks && !url; ++look) {
+      g_usleep(G_USEC_PER_SEC / 10);
+      url = RunningHost();
+    }
+  }
+  if (!url) throw std::runtime_error(appText("error_no_host"));
+  return *url;
 }
 
 }  // namespace
@@ -81,7 +112,7 @@ std::string runningPage(const OptionText& deepLink) {
   if (deepLink && !deepLink->starts_with(kScheme)) {
     throwBadOption("URL", *deepLink, "expect_deep_link");
   }
-  const std::string url = RunningHost();
+  const std::string url = HostToOpen();
   if (!deepLink) return url;
   char* const escaped = g_uri_escape_string(deepLink->c_str(), nullptr, FALSE);
   const std::string page = url + "open?url=" + escaped;

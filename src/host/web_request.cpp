@@ -150,9 +150,12 @@ std::optional<ListenAddress> parseAuthority(std::string_view text) {
 
 bool isOwnAuthority(std::string_view authority, const std::string& listenHost, std::uint16_t port) {
   const auto parsed = parseAuthority(authority);
-  return parsed && parsed->port == port &&
-         (parsed->host == "localhost" || parsed->host == LowerCase(listenHost) ||
-          IsIpLiteral(parsed->host));
+  if (!parsed || parsed->port != port) return false;
+  const std::string machine = LowerCase(g_get_host_name());
+  const std::string unqualified = machine.substr(0, machine.find('.'));
+  return parsed->host == "localhost" || parsed->host == LowerCase(listenHost) ||
+         parsed->host == machine || parsed->host == unqualified + ".local" ||
+         IsIpLiteral(parsed->host);
 }
 
 bool isFromOwnPage(const WebRequest& request) {

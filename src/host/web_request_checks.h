@@ -15,9 +15,10 @@ std::optional<std::string> decodedPath(std::string_view path);
 /// "example:8080" or "[::1]:8080" as its parts; the port is 80 where none is given.
 std::optional<ListenAddress> parseAuthority(std::string_view text);
 
-/// Whether the authority is one of this server's addresses: any IP literal, localhost or the name
-/// it was told to listen on, and its port. Another name can be anybody's, pointed at this machine
-/// by its owner in order to read with a page of his (DNS rebinding).
+/// Whether the authority is one of this server's addresses: any IP literal, localhost, the name it
+/// was told to listen on or this machine's own, also under .local (RFC 6762), and its port. Another
+/// name can be anybody's, pointed at this machine by its owner in order to read with a page of his
+/// (DNS rebinding).
 bool isOwnAuthority(std::string_view authority, const std::string& listenHost, std::uint16_t port);
 
 /// Whether a request that changes something comes from a page of this server: browsers say so in

@@ -441,7 +441,7 @@ class WebServer::Impl {
     if ((!isHostAbsent && !isOwn(request.header("host"))) ||
         !isOwn(Authority(uriHost,
                          uriPort < 0 ? std::uint16_t{80} : static_cast<std::uint16_t>(uriPort)))) {
-      return WebResponse::ofStatus(421);
+      return Misdirected(message);
     }
 
     const auto plainPath = decodedPath(path.empty() ? "/" : path);
@@ -534,8 +534,24 @@ class WebServer::Impl {
 
   void FillErrorPage(WebResponse& response) const {
     if (response.status < 400 || !response.body.empty() || response.sharedBody) return;
+    SetErrorPage(response, url());
+  }
+
+  static void SetErrorPage(WebResponse& response, const std::string& url) {
     response.contentType = "text/html; charset=utf-8";
-    response.body = errorPage(response.status, url());
+    response.body = errorPage(response.status, url);
+  }
+
+  /// Leads to the address by which the client came here: localhost is another machine to it.
+  WebResponse Misdirected(SoupServerMessage* message) const {
+    WebResponse response = WebResponse::ofStatus(421);
+    GSocketAddress* const local = soup_server_message_get_local_address(message);
+    if (local == nullptr || !G_IS_INET_SOCKET_ADDRESS(local)) return response;
+    GInetAddress* const address = g_inet_socket_address_get_address(G_INET_SOCKET_ADDRESS(local));
+    char* const host = g_inet_address_to_string(address);
+    SetErrorPage(response, "http://" + Authority(host, port_) + '/');
+    g_free(host);
+    return response;
   }
 
   static Headers HeadersOf(const WebResponse& response) {

@@ -24,8 +24,9 @@ class HomeAnnouncement {
   int file_ = -1;
 };
 
-/// The page of the running host to which a deep link leads; nothing given: its home screen. Throws
-/// UsageError for what is no deep link, std::runtime_error when no host is running.
+/// The page of the running host to which a deep link leads; nothing given: its home screen. Where
+/// none is running the user's service is started, which takes seconds. Throws UsageError for what
+/// is no deep link, std::runtime_error when no host is running then either.
 std::string runningPage(const OptionText& deepLink);
 
 }  // namespace lumenquest::app
