@@ -194,7 +194,8 @@ Section ThemeSection(const std::string& locale) {
     const Section plans = PlansSection(name, "gallery_four_plans", SamplePlans());
     exhibits.insert(exhibits.end(), plans.exhibits.begin(), plans.exhibits.end());
     for (Exhibit& exhibit : exhibits) {
-      std::visit([&](auto& entry) { entry.theme = theme; }, exhibit.entry);
+      // A name of its own: before C++20's later corrections no lambda may refer to a binding.
+      std::visit([chosen = theme](auto& entry) { entry.theme = chosen; }, exhibit.entry);
       section.exhibits.push_back(std::move(exhibit));
     }
   }
