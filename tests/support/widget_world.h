@@ -135,8 +135,10 @@ class ScriptedGeocoder final : public platform::Geocoder {
   }
   void geocodeAddressString(const std::string&, Completion completion) override {
     ++searches;
-    queue_->async([completion = std::move(completion), places = placesToFind] {
-      completion(places, std::nullopt);
+    std::optional<platform::NSError> error;
+    if (fails) error = platform::NSError{"Test", 2, "no_network"};
+    queue_->async([completion = std::move(completion), places = placesToFind, error] {
+      completion(places, error);
     });
   }
 

