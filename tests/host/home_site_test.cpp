@@ -10,11 +10,9 @@
 #include "fake_views.h"
 #include "host/plan_pages.h"
 #include "host/web_text.h"
-#include "plans_fixture.h"
+#include "host_fixture.h"
 #include "platform/formatters.h"
 #include "platform/place_zone.h"
-#include "widget_world.h"
-#include "widgets/deep_links.h"
 
 namespace lumenquest::host {
 namespace {
@@ -25,20 +23,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using testing::Instant;
 using ::testing::Not;
-
-class TextInMemory final : public platform::TextFile {
- public:
-  platform::Outcome<std::optional<std::string>> contents() const override { return text; }
-  std::optional<platform::NSError> update(
-      const std::function<std::string(const std::optional<std::string>& text)>& change) override {
-    if (isFull) return platform::NSError{"File", 1, "file_error_full", {"home.json"}};
-    text = change(text);
-    return std::nullopt;
-  }
-
-  std::optional<std::string> text;
-  bool isFull = false;
-};
+using testing::TextInMemory;
 
 class NoAlarm final : public platform::Alarm {
  public:
@@ -108,17 +93,11 @@ class HomeSiteTest : public ::testing::Test {
   }
 
   std::shared_ptr<testing::FewAssets> assets = std::make_shared<testing::FewAssets>();
-  testing::WidgetWorld world{
-      "2024-08-12T20:30:00Z", "Europe/Berlin", [this] {
-        platform::Services::Adapters with;
-        with.assets = assets;
-        // Nobody has a folder for plans here.
-        with.fileManager = std::make_shared<testing::FakeFiles>(std::nullopt);
-        with.models = std::make_shared<adapters::JsonModels>();
-        with.persistentStores =
-            std::make_shared<adapters::SqliteObjectStores>(testing::Role::reader, nullptr);
-        return with;
-      }()};
+  testing::WidgetWorld world{"2024-08-12T20:30:00Z", "Europe/Berlin", [this] {
+                               platform::Services::Adapters with = testing::WithoutPlans();
+                               with.assets = assets;
+                               return with;
+                             }()};
   std::shared_ptr<TextInMemory> file = std::make_shared<TextInMemory>();
   HomeScreenFile screenFile{file};
   Scheduler scheduler{{std::make_shared<NoAlarm>(), nullptr, "en_US"}};
@@ -149,20 +128,8 @@ TEST(WebTexts, AreHarmlessWhateverTheyHold) {
   EXPECT_EQ(htmlEscaped("<a href='x'>\"&\x01\x7F\xC2\x85z\xFF"),
             "&lt;a href=&#39;x&#39;&gt;&quot;&amp;z\xEF\xBF\xBD");
   EXPECT_EQ(htmlUnescaped(htmlEscaped("\"<&lt;>'")), "\"<&lt;>'");
-  EXPECT_EQ(percentEncoded("x-store://A/p1+ &"), "x-store%3A%2F%2FA%2Fp1%2B%20%26");
   EXPECT_EQ(percentDecoded("%2Fa%2"), "/a%2");
   EXPECT_EQ(percentDecoded(percentEncoded("100%\xC3\xA4")), "100%\xC3\xA4");
-}
-
-TEST(DeepLinks, LeadToPages) {
-  EXPECT_EQ(pageOfDeepLink(widgets::kSunLink, "sun-2"), "/sun?widget=sun-2");
-  EXPECT_EQ(pageOfDeepLink(widgets::kMoonLink, ""), "/moon");
-  EXPECT_EQ(pageOfDeepLink(widgets::kPlansLink, "plans"), "/plans");
-  EXPECT_EQ(pageOfDeepLink(widgets::planLink("x-store:%2F%2FA+b"), "plans"),
-            "/plan?id=x-store%3A%2F%2FA%2Bb");
-  for (const char* const foreign : {"", "https://example.org", "lumenquest://sunny", "/sun"}) {
-    EXPECT_EQ(pageOfDeepLink(foreign, "sun"), "") << foreign;
-  }
 }
 
 TEST_F(HomeSiteTest, TheHomeScreenShowsEachWidgetWithItsLinks) {
@@ -183,21 +150,16 @@ TEST_F(HomeSiteTest, TheHomeScreenShowsEachWidgetWithItsLinks) {
                           Not(HasSubstr("lumenquest://")), Not(HasSubstr("style=\""))));
   EXPECT_THAT(Get("/widget/sun"),
               HasSubstr("data-version=\"" + std::to_string(scheduler.find("sun")->version)));
-  EXPECT_THAT(Get("/widget/sun.svg?scheme=light"), HasSubstr("light"));
-  EXPECT_THAT(Get("/sample/MoonWidget-medium.svg"), HasSubstr("MoonWidget"));
 }
 
 TEST_F(HomeSiteTest, NoGapIsLeftUnderAnEarlierColumn) {
   // s, m, l: a widget of that size.
   const std::pair<std::string, const char*> cases[] = {
       {"ssssl", "grid fills-2\""},
-      {"ssssml", "grid fills-2\""},
       {"sssslm", "grid\""},
       {"lssss", "grid fills-2\""},
       {"mmm", "grid fills-2\""},
-      {"lmm", "grid fills-2\""},
       {"m", "grid\""},
-      {"mlllll", "grid is-full\""},
       {"llllll", "grid is-full fills-2 fills-3\""},
       // Column after column the third would be two thirds empty.
       {"mmmmmmm", "grid is-full fills-2\""},
@@ -205,10 +167,9 @@ TEST_F(HomeSiteTest, NoGapIsLeftUnderAnEarlierColumn) {
   for (const auto& [sizes, expected] : cases) {
     Json list = Json::array();
     for (const char size : sizes) {
-      list.push_back({{"kind", size == 'l' ? "LumenquestWidget" : "SunWidget"},
-                      {"family", size == 'l'   ? "large"
-                                 : size == 'm' ? "medium"
-                                               : "small"}});
+      const char* const family = size == 's' ? "small" : "medium";
+      list.push_back(size == 'l' ? Json{{"kind", "LumenquestWidget"}}
+                                 : Json{{"kind", "SunWidget"}, {"family", family}});
     }
     Show(Json{{"widgets", list}}.dump());
     EXPECT_THAT(Get("/"), HasSubstr(std::string("<div class=\"") + expected)) << sizes;
@@ -216,76 +177,67 @@ TEST_F(HomeSiteTest, NoGapIsLeftUnderAnEarlierColumn) {
 }
 
 TEST_F(HomeSiteTest, APictureIsDrawnAnewForANewEntryOnly) {
+  const auto askAnew = [this] {
+    world.clock->Advance(60.0);
+    scheduler.reloadAll();
+    world.queue->RunAll();
+  };
   const WebResponse first = Answer("GET", "/widget/sun.svg");
   EXPECT_EQ(Answer("GET", "/widget/sun.svg").sharedBody, first.sharedBody);
-  world.clock->Advance(60.0);
-  scheduler.reloadAll();
-  world.queue->RunAll();
+  askAnew();
   EXPECT_NE(Answer("GET", "/widget/sun.svg").sharedBody, first.sharedBody);
   EXPECT_EQ(Answer("GET", "/widget/sun.svg").etag, first.etag);
   site.entryIsNew(*scheduler.find("sun"));
   EXPECT_THAT(published, ElementsAre("entry {\"id\":\"sun\",\"version\":" +
                                      std::to_string(scheduler.find("sun")->version) + "}"));
-}
-
-TEST_F(HomeSiteTest, FramesGetPngsAndProgramsRecords) {
-  const WebResponse first = Answer("GET", "/widget/sun.png?scheme=light&scale=1.5");
-  EXPECT_EQ(first.contentType, "image/png");
-  EXPECT_EQ(*first.sharedBody, "SunWidget light 1.500000");
+  // The same for frames, for each of which a PNG is drawn, and programs, which get the record.
+  const WebResponse png = Answer("GET", "/widget/sun.png?scheme=light&scale=1.5");
+  EXPECT_EQ(png.contentType, "image/png");
+  EXPECT_EQ(*png.sharedBody, "SunWidget light 1.500000");
   EXPECT_EQ(Get("/widget/sun.png"), "SunWidget dark 2.000000");
-  EXPECT_EQ(Answer("GET", "/widget/sun.png?scheme=light&scale=1.50").sharedBody, first.sharedBody);
+  EXPECT_EQ(Answer("GET", "/widget/sun.png?scheme=light&scale=1.50").sharedBody, png.sharedBody);
   EXPECT_EQ(pngCount, 2);
-  world.clock->Advance(60.0);
-  scheduler.reloadAll();
-  world.queue->RunAll();
-  const WebResponse next = Answer("GET", "/widget/sun.png?scheme=light&scale=1.5");
-  EXPECT_EQ(pngCount, 3);
-  EXPECT_EQ(next.etag, first.etag);
-  EXPECT_NE(Answer("GET", "/widget/sun.png?scale=1.5").etag, first.etag);
-
-  const WebResponse record = Answer("GET", "/widget/moon.json");
-  EXPECT_EQ(record.contentType, "application/json");
-  EXPECT_EQ(*record.sharedBody, "{\"id\":\"moon\"}");
-  EXPECT_FALSE(record.etag.empty());
-}
-
-TEST_F(HomeSiteTest, PngsTakeNoMoreMemoryThanTheyMay) {
+  askAnew();
+  EXPECT_NE(Answer("GET", "/widget/sun.png?scheme=light&scale=1.5").sharedBody, png.sharedBody);
+  EXPECT_NE(Answer("GET", "/widget/sun.png?scale=1.5").etag, png.etag);
+  EXPECT_EQ(*Answer("GET", "/widget/moon.json").sharedBody, "{\"id\":\"moon\"}");
+  // They take no more memory than they may: what nobody asked for longest is drawn again.
   pngBytes = 5u << 20;
+  askAnew();
+  pngCount = 0;
   for (const char* const scale : {"1", "2", "3", "1", "4", "1"}) {
     Get(std::string("/widget/sun.png?scale=") + scale);
   }
-  EXPECT_EQ(pngCount, 4) << "the one that is asked for now and again stays";
+  EXPECT_EQ(pngCount, 4);
   Get("/widget/sun.png?scale=2");
-  EXPECT_EQ(pngCount, 5) << "the one that nobody asked for longest is gone";
+  EXPECT_EQ(pngCount, 5);
 }
 
-TEST_F(HomeSiteTest, WhatFramesAskForWronglyIsSaid) {
+TEST_F(HomeSiteTest, WhatIsAskedForWronglyIsSaid) {
   const std::tuple<const char*, int, const char*> cases[] = {
+      {"/nothing", 404, "web_page_missing"},
+      {"/widget/none.svg", 404, "web_page_missing"},
+      {"/sample/SunWidget-large.svg", 404, "web_page_missing"},
+      {"/sun?widget=none", 404, "web_page_missing"},
+      {"/plan?id=none", 404, "web_page_missing"},
+      {"/open", 404, "web_page_missing"},
+      {"/open?url=https://example.org", 404, "web_page_missing"},
+      {"/open?url=lumenquest://sunny", 404, "web_page_missing"},
+      {"/api/home/none", 404, "web_page_missing"},
+      {"/../style.css", 404, "web_page_missing"},
       {"/widget/none.png", 404, "home_error_unknown"},
       {"/widget/none.json", 404, "home_error_unknown"},
       {"/widget/sun.png?scale=0.9", 400, "error_bad_option"},
       {"/widget/sun.png?scale=4.1", 400, "error_bad_option"},
       {"/widget/sun.png?scale=nan", 400, "error_bad_option"},
-      {"/widget/sun.png?scale=2x", 400, "error_bad_option"},
       {"/widget/sun.png?scheme=Dark", 400, "error_bad_option"},
   };
   for (const auto& [address, status, key] : cases) {
-    EXPECT_THAT(Json::parse(Get(address, status))["error"].get<std::string>(), HasSubstr(key))
-        << address;
+    EXPECT_THAT(Get(address, status), HasSubstr(key)) << address;
   }
   EXPECT_EQ(pngCount, 0);
-}
-
-TEST_F(HomeSiteTest, AddressesWithoutAnything) {
-  for (const char* const address :
-       {"/nothing", "/widget/none", "/widget/none.svg", "/sample/SunWidget-large.svg",
-        "/sun?widget=none", "/plan?id=none", "/plan", "/open", "/open?url=https://example.org",
-        "/api/none", "/api/home/none", "/../style.css"}) {
-    EXPECT_THAT(Get(address, 404), HasSubstr("web_page_missing")) << address;
-  }
   const WebResponse posted = Answer("POST", "/sun");
   EXPECT_EQ(posted.status, 405);
-  EXPECT_THAT(posted.body, AllOf(HasSubstr("web_method"), Not(HasSubstr("web_page_missing"))));
   EXPECT_EQ(posted.allow, "GET, HEAD");
   EXPECT_EQ(Answer("GET", "/api/home/add").allow, "POST");
   EXPECT_EQ(Answer("GET", "/open?url=lumenquest://moon").location, "/moon");
@@ -294,24 +246,25 @@ TEST_F(HomeSiteTest, AddressesWithoutAnything) {
 
 TEST_F(HomeSiteTest, ADayIsToldInItsPlacesZoneAndLeavesTheDevicesBehind) {
   platform::Formatters::sharedInstance().setTimeZone({"Europe/Berlin"});
-  const std::string html = Get("/sun?widget=sun");
   // 20:30 UTC in a town of UTC+1.
-  EXPECT_THAT(html, AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("9:30\u202FPM"),
-                          HasSubstr("<bdi>Bled &lt;script&gt;</bdi>"), HasSubstr("light_nighttime"),
-                          Not(HasSubstr("<script>"))));
-  const auto isUnchanged = [] {
-    return platform::Formatters::sharedInstance().timeZone().name == "Europe/Berlin" &&
-           platform::NSCalendar::cachedCalendar().timeZone().name == "Europe/Berlin" &&
+  EXPECT_THAT(Get("/sun?widget=sun"),
+              AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("9:30\u202FPM"),
+                    HasSubstr("<bdi>Bled &lt;script&gt;</bdi>"), HasSubstr("light_nighttime"),
+                    Not(HasSubstr("<script>"))));
+  const auto zones = [] {
+    return platform::Formatters::sharedInstance().timeZone().name + " " +
+           platform::NSCalendar::cachedCalendar().timeZone().name + " " +
            platform::Formatters::sharedInstance().shortTimeFormatter().stringFromDate(
-               Instant("2024-08-12T20:30:00Z")) == "10:30\u202FPM";
+               Instant("2024-08-12T20:30:00Z"));
   };
-  EXPECT_TRUE(isUnchanged());
+  const char* const unchanged = "Europe/Berlin Europe/Berlin 10:30\u202FPM";
+  EXPECT_EQ(zones(), unchanged);
   try {
     const platform::PlaceZone zone({"Asia/Tokyo"});
-    EXPECT_FALSE(isUnchanged());
+    EXPECT_NE(zones(), unchanged);
     throw std::runtime_error("in the middle of a page");
   } catch (const std::runtime_error&) {
-    EXPECT_TRUE(isUnchanged());
+    EXPECT_EQ(zones(), unchanged);
   }
 }
 
@@ -323,11 +276,7 @@ TEST_F(HomeSiteTest, AWidgetThatFollowsTheDeviceIsWhereTheDeviceIs) {
               AllOf(HasSubstr("<bdi>-33,18</bdi>"), HasSubstr("Etc/GMT-1"),
                     HasSubstr("src=\"/moon.svg?widget=lumenquest&amp;v=")));
   EXPECT_THAT(Get("/moon.svg"), HasSubstr("<svg>"));
-
   world.device->last.reset();
-  platform::SavedLocation::save({10.0, 20.0});
-  platform::SavedLocation::savePlace({"Cape", "Africa/Johannesburg"});
-  EXPECT_THAT(Get("/sun"), AllOf(HasSubstr("<bdi>Cape</bdi>"), HasSubstr("Africa/Johannesburg")));
   world.services.settings->setObject(std::nullopt,
                                      platform::kUserDefaultsTodayExtensionLastLatitude);
   EXPECT_THAT(Get("/sun"), HasSubstr("web_no_location"));
@@ -335,44 +284,40 @@ TEST_F(HomeSiteTest, AWidgetThatFollowsTheDeviceIsWhereTheDeviceIs) {
 }
 
 TEST_F(HomeSiteTest, ADayWithoutAWidgetIsThatOfTheWidgetThatKnowsThePlace) {
+  const auto expect = [this](const char* page, const char* name, const char* zone) {
+    EXPECT_THAT(Get(page), AllOf(HasSubstr("<bdi>" + std::string(name)), HasSubstr(zone))) << page;
+  };
   // The widgets there follow the device; its zone is not the one of the computer's clock.
-  EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("src=\"/moon.svg?v=")));
-  EXPECT_THAT(Get("/sun"), AllOf(HasSubstr("<bdi>-33,18</bdi>"), HasSubstr("Etc/GMT-1")));
+  expect("/sun", "-33,18</bdi>", "Etc/GMT-1");
   // Where none follows the device, the first of the kind.
   Show(R"({"widgets":[{"kind":"PlansWidget"},{"kind":"MoonWidget","place":)"
        R"({"name":"Far","latitude":1,"longitude":90}},{"kind":"SunWidget","place":)" +
        std::string(kBled) + "}]}");
-  EXPECT_THAT(Get("/sun"), AllOf(HasSubstr("<bdi>Bled &lt;script&gt;</bdi>"),
-                                 HasSubstr("<bdi>46.360000°"), HasSubstr("Etc/GMT-1")));
-  EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("<bdi>Far</bdi>"), HasSubstr("Etc/GMT-6")));
+  expect("/sun", "Bled &lt;script&gt;</bdi>", "Etc/GMT-1");
+  expect("/moon", "Far</bdi>", "Etc/GMT-6");
   // Where there is none of the kind, any that follows the device.
   Show(R"({"widgets":[{"kind":"PlansWidget"},{"kind":"GalacticCenterSmallWidget"}]})");
   platform::SavedLocation::save({10.0, 20.0});
-  for (const char* const page : {"/moon", "/sun"}) {
-    EXPECT_THAT(Get(page), AllOf(HasSubstr("<bdi>-33,18</bdi>"), HasSubstr("Etc/GMT-1"))) << page;
-  }
+  expect("/moon", "-33,18</bdi>", "Etc/GMT-1");
   // Where there is none at all, the saved place, unless the device has left it.
   Show(R"({"widgets":[{"kind":"PlansWidget"}]})");
   platform::SavedLocation::save({33.0, 18.0});
   platform::SavedLocation::savePlace({"Cape", "Africa/Johannesburg"});
   world.device->Fix({{33.008, 18.0}, Instant("2024-08-12T20:30:00Z")}, true);
-  EXPECT_THAT(Get("/moon"), AllOf(HasSubstr("<bdi>Cape</bdi>"), HasSubstr("Johannesburg")));
+  expect("/moon", "Cape</bdi>", "Johannesburg");
   world.device->Fix({{33.01, 18.0}, Instant("2024-08-12T20:30:00Z")}, true);
   // Where nobody knows a name, the coordinate stands for it, and stands once.
+  expect("/sun", "33.010000°", "Europe/Berlin");
   const std::string html = Get("/sun");
-  EXPECT_THAT(html,
-              AllOf(HasSubstr("<p class=\"where\"><bdi>33.010000°"), HasSubstr("Europe/Berlin")));
   EXPECT_EQ(html.find("<bdi>33."), html.rfind("<bdi>33."));
 }
 
 TEST_F(HomeSiteTest, AWidgetThatHasNoAnswerYetHasNoDayYet) {
   world.geocoder->answersAtOnce = false;
   Show(R"({"widgets":[{"kind":"SunWidget","place":{"name":"Far","latitude":1,"longitude":90}}]})");
-  EXPECT_THAT(Get("/"), HasSubstr("alt=\"&lt;web_loading&gt;\""));
   EXPECT_THAT(Get("/sun?widget=sun"), HasSubstr("web_loading"));
   for (const char* const address : {"/widget/sun.png", "/widget/sun.json"}) {
     EXPECT_THAT(Get(address, 503), HasSubstr("web_loading"));
-    EXPECT_GT(Answer("GET", address).retryAfter, 0);
   }
   EXPECT_EQ(pngCount, 0) << "a frame must not show sample data";
   world.geocoder->Answer();
@@ -396,22 +341,16 @@ TEST_F(HomeSiteTest, ChangesGoIntoTheFileAndAreShown) {
   EXPECT_EQ(home[0]["place"]["name"], "Bled <script>") << "what is not named stays";
   EXPECT_EQ(home[3]["theme"], "dark");
   EXPECT_EQ(home[3]["place"]["latitude"], 46.36);
-  Post("set", R"({"id":"sun-2","place":null})");
-  EXPECT_FALSE(Json::parse(Get("/api/home"))["widgets"][3].contains("place"));
 }
 
 TEST_F(HomeSiteTest, WhatIsWrongIsSaidAndChangesNothing) {
   const std::string before = *file->text;
   const std::tuple<const char*, const char*, const char*> cases[] = {
       {"add", "", "web_error_json"},
-      {"add", "[]", "web_error_json"},
       {"add", R"({"kind":"Clock"})", "home_error_kind"},
-      {"add", R"({"kind":"SunWidget","position":-1})", "web_error_position"},
       {"remove", "{}", "web_error_id"},
       {"remove", R"({"id":"none"})", "home_error_unknown"},
-      {"move", R"({"id":"sun"})", "web_error_position"},
       {"move", R"({"id":"sun","position":1.5})", "web_error_position"},
-      {"set", R"({"id":"none","theme":"dark"})", "home_error_unknown"},
       {"set", R"({"id":"sun","kind":"MoonWidget"})", "web_error_member"},
   };
   for (const auto& [operation, body, key] : cases) {
@@ -426,7 +365,6 @@ TEST_F(HomeSiteTest, WhatIsWrongIsSaidAndChangesNothing) {
 }
 
 TEST_F(HomeSiteTest, AFileThatIsDamagedMeanwhileIsSpokenOf) {
-  const std::string whole = *file->text;
   EXPECT_FALSE(Json::parse(Get("/api/home")).contains("error"));
   file->text = "{\"widgets\": <";
   const Json home = Json::parse(Get("/api/home"));
@@ -436,19 +374,9 @@ TEST_F(HomeSiteTest, AFileThatIsDamagedMeanwhileIsSpokenOf) {
               AllOf(HasSubstr("role=\"alert\">&lt;home_error"), HasSubstr("\"sun\"")));
   Post("remove", R"({"id":"sun"})", 400);
   EXPECT_EQ(file->text, "{\"widgets\": <");
-  file->text = whole;
-  EXPECT_THAT(Get("/edit"), HasSubstr("role=\"alert\"></p>"));
 }
 
-TEST_F(HomeSiteTest, PlacesAreSearchedFor) {
-  const auto names = [](const Json& places) {
-    std::vector<std::string> all;
-    for (const Json& section : places["sections"]) {
-      for (const Json& item : section["items"]) all.push_back(item["name"]);
-    }
-    return all;
-  };
-  EXPECT_THAT(names(Json::parse(Get("/api/places"))), ElementsAre("<my_location>"));
+TEST_F(HomeSiteTest, PlacesAreSearchedForAndThoseOfOneNameToldApart) {
   for (const char* const area : {"Ohio", "Oregon", "Oregon", "Springfield"}) {
     auto& placemark = world.geocoder->placesToFind.emplace_back();
     placemark.location = platform::CLLocation{{46.36, 14.09}};
@@ -460,23 +388,14 @@ TEST_F(HomeSiteTest, PlacesAreSearchedFor) {
   Get("/api/places?q=spring", 202);
   EXPECT_EQ(world.geocoder->searches, 1) << "one search, however often it is asked for";
   world.queue->RunAll();
-  const Json places = Json::parse(Get("/api/places?q=spring"));
-  const char* const name = "Springfield, United States";
-  EXPECT_THAT(names(places), ElementsAre("<my_location>", name, name, name, name));
-  EXPECT_EQ(places["sections"][0]["items"][0]["isMyLocation"], true);
-  const Json& found = places["sections"][1]["items"];
+  const Json sections = Json::parse(Get("/api/places?q=spring"))["sections"];
+  EXPECT_EQ(sections[0]["items"][0]["isMyLocation"], true);
+  const Json& found = sections[1]["items"];
+  ASSERT_EQ(found.size(), 4u);
   EXPECT_EQ(found[0]["longitude"], 14.09);
   EXPECT_EQ(found[0]["detail"], "Ohio");
   EXPECT_THAT(found[1]["detail"].get<std::string>(), HasSubstr("Oregon, 46.36"));
   EXPECT_FALSE(found[3].contains("detail")) << "the name says it";
-}
-
-TEST_F(HomeSiteTest, TheEditPageNamesEverythingThatItChanges) {
-  EXPECT_THAT(Get("/edit"),
-              AllOf(HasSubstr("data-id=\"sun\""), HasSubstr("<bdi>Bled &lt;script&gt;</bdi>"),
-                    HasSubstr("data-kind=\"GalacticCenterSmallWidget\" data-family=\"small\""),
-                    HasSubstr("/sample/LumenquestWidget-large.svg?scheme=dark"),
-                    HasSubstr("<option value=\"light\" selected>"), Not(HasSubstr("<script>"))));
 }
 
 TEST(PlanPages, ShowWhatIsAhead) {
@@ -488,20 +407,17 @@ TEST(PlanPages, ShowWhatIsAhead) {
     plan->setValue(std::string(name), platform::kAttributeName);
     plan->setValue(Instant(date), platform::kAttributeDate);
     plan->setValue(std::string("Asia/Tokyo"), platform::kAttributeTimezone);
-    plan->setValue(35.0, platform::kAttributeLatitude);
-    plan->setValue(139.0, platform::kAttributeLongitude);
     EXPECT_FALSE(context->save());
     return plan->objectID().URIRepresentation();
   };
   EXPECT_THAT(plansPageContent(), HasSubstr("plan_no_scheduled"));
   save("past", "2024-08-11T21:00:00Z");
   const std::string id = save("</a><b>\u202E", "2024-08-12T22:15:00Z");
-  const std::string plans = plansPageContent();
-  EXPECT_THAT(plans, AllOf(HasSubstr("<bdi>&lt;/a&gt;&lt;b&gt;\u202E</bdi>"),
-                           HasSubstr("August 13, 2024"), HasSubstr("7:15\u202FAM"),
-                           HasSubstr("/plan?id=" + percentEncoded(id)), Not(HasSubstr("past"))));
+  EXPECT_THAT(plansPageContent(),
+              AllOf(HasSubstr("<bdi>&lt;/a&gt;&lt;b&gt;\u202E</bdi>"), HasSubstr("August 13, 2024"),
+                    HasSubstr("7:15\u202FAM"), HasSubstr("/plan?id=" + percentEncoded(id)),
+                    Not(HasSubstr("past"))));
   EXPECT_THAT(planPage(id).value().content, HasSubstr("Asia/Tokyo"));
-  EXPECT_EQ(planPage(id).value().title, "</a><b>\u202E");
   EXPECT_FALSE(planPage(id + "0"));
 }
 
