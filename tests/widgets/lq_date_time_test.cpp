@@ -164,9 +164,7 @@ TEST(LQDateTime, YearsComparisonAndValidity) {
 
 TEST(LQDateTime, ProgrammingErrors) {
   const Integer largest = std::numeric_limits<Integer>::max();
-  for (const LQDateTime& overflowing :
-       {DateTime(largest / 10000 + 1, 5, 1), DateTime(-largest - 1, 1, 1), DateTime(1, largest, 1),
-        DateTime(2024, 5, largest)}) {
+  for (const LQDateTime& overflowing : {DateTime(-largest - 1, 1, 1), DateTime(2024, 5, largest)}) {
     EXPECT_DEATH(overflowing.modifiedJulianDay(), "Assertion failed");
   }
   EXPECT_DEATH(DateTime(2024, 13, 1).decimalYear(), "month_ <= 12");

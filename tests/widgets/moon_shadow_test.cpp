@@ -35,7 +35,6 @@ using testing::Instant;
 using testing::TestServices;
 
 constexpr double kSide = 200.0;
-constexpr double kRadius = kSide / 2.0;
 constexpr int kWaxing = 4;
 constexpr int kWaning = 7;
 
@@ -69,13 +68,6 @@ std::vector<double> Crossings(const UIBezierPath& path, double y) {
   return crossings;
 }
 
-bool Contains(const UIBezierPath& path, CGPoint point) {
-  const std::vector<double> crossings = Crossings(path, point.y);
-  return std::count_if(crossings.begin(), crossings.end(), [&](double x) { return x < point.x; }) %
-             2 ==
-         1;
-}
-
 /// What is filled, be it by a clipped shape or not; null when nothing is.
 const platform::PictureShape* Shadow(const UIImage& image) {
   for (const auto& shape : image.shapes) {
@@ -84,14 +76,18 @@ const platform::PictureShape* Shadow(const UIImage& image) {
   return nullptr;
 }
 
-bool IsLit(const UIImage& image, CGPoint point) {
-  const auto* const shadow = Shadow(image);
-  return shadow == nullptr || !Contains(shadow->path, point);
-}
+/// What is not in shadow.
+struct Lit {
+  /// Of the disc.
+  double part;
+  /// Where the middle of the bright limb stands, degrees from the top, counter-clockwise: the lit
+  /// part is the same on both sides of the line to it, and lies towards it.
+  double limb;
+};
 
-/// The part of the disc that is not in shadow, row by row.
-double LitArea(const UIImage& image) {
-  double dark = 0.0, all = 0.0;
+/// Row by row.
+Lit LitPart(const UIImage& image) {
+  double all = 0.0, dark = 0.0, darkRight = 0.0, darkUp = 0.0;
   const auto* const shadow = Shadow(image);
   const double side = image.size.width;
   const double radius = side / 2.0;
@@ -102,22 +98,14 @@ double LitArea(const UIImage& image) {
     std::vector<double> crossings = Crossings(shadow->path, y);
     for (double& x : crossings) x = std::clamp(x, radius - half, radius + half);
     std::sort(crossings.begin(), crossings.end());
-    for (std::size_t i = 1; i < crossings.size(); i += 2) dark += crossings[i] - crossings[i - 1];
+    for (std::size_t i = 1; i < crossings.size(); i += 2) {
+      const double width = crossings[i] - crossings[i - 1];
+      dark += width;
+      darkRight += width * ((crossings[i] + crossings[i - 1]) / 2.0 - radius);
+      darkUp += width * (radius - y);
+    }
   }
-  return 1.0 - dark / all;
-}
-
-/// Where the middle of the lit limb stands, degrees from the top, counter-clockwise.
-double BrightLimb(const UIImage& image) {
-  double right = 0.0, up = 0.0;
-  for (double degrees = 0.0; degrees < 360.0; degrees += 0.25) {
-    const double x = std::sin(degrees * kDegreesToRadians);
-    const double y = std::cos(degrees * kDegreesToRadians);
-    if (!IsLit(image, {kRadius * (1.0 + 0.997 * x), kRadius * (1.0 - 0.997 * y)})) continue;
-    right += x;
-    up += y;
-  }
-  return std::atan2(-right, up) * kRadiansToDegrees;
+  return {1.0 - dark / all, std::atan2(darkRight, -darkUp) * kRadiansToDegrees};
 }
 
 double Apart(double a, double b) { return std::fabs(std::remainder(a - b, 360.0)); }
@@ -203,7 +191,7 @@ TEST(MoonShadow, TheLimbShinesTowardsTheSun) {
 
       const Look look{result.phaseIllumination, result.zenithAngle, result.isWaning()};
       for (const Route& route : kRoutes) {
-        EXPECT_LT(Apart(BrightLimb(route.draw(look, kSide)), expected), 2.0) << route.name;
+        EXPECT_LT(Apart(LitPart(route.draw(look, kSide)).limb, expected), 2.0) << route.name;
       }
       ++(look.isWaning ? waning : waxing);
     }
@@ -241,13 +229,8 @@ TEST(MoonShadow, TheDarkSideIsRightOnTheWholeDayOfFullAndNewMoon) {
                                           30.0, result.phaseIllumination, -1.0, false);
     const UIImage byView =
         ByView({result.phaseIllumination, result.zenithAngle, result.isLimbWaning});
-    // Between the terminator and the limb, on the side of the Sun and on the other.
-    const double reach = kRadius * (1.0 + std::fabs(2.0 * result.phaseIllumination - 1.0)) / 2.0;
-    const double limb = BrightLimbZenithAngle(sun, moon) * kDegreesToRadians;
-    const double x = reach * std::sin(limb), y = reach * std::cos(limb);
     for (const UIImage& image : {byImage, byView}) {
-      EXPECT_TRUE(IsLit(image, {kRadius - x, kRadius - y}));
-      EXPECT_FALSE(IsLit(image, {kRadius + x, kRadius + y}));
+      EXPECT_LT(Apart(LitPart(image).limb, BrightLimbZenithAngle(sun, moon)), 20.0);
     }
   }
 }
@@ -258,7 +241,7 @@ TEST(MoonShadow, TheLitAreaIsTheIlluminatedFraction) {
       const Look look{i / 201.0, 0.03 * i, isWaning};
       for (const Route& route : kRoutes) {
         for (const double side : {31.0, 99.0, 400.0}) {
-          EXPECT_NEAR(LitArea(route.draw(look, side)), look.illumination, 0.003)
+          EXPECT_NEAR(LitPart(route.draw(look, side)).part, look.illumination, 0.003)
               << route.name << ' ' << side;
         }
       }
@@ -271,7 +254,7 @@ TEST(MoonShadow, NothingAtFullMoonAllAtNewMoon) {
     for (const bool isWaning : {false, true}) {
       EXPECT_EQ(Shadow(route.draw({1.0, 0.4, isWaning}, kSide)), nullptr) << route.name;
       // Up to the chords by which the limb is drawn.
-      EXPECT_LT(LitArea(route.draw({0.0, 0.4, isWaning}, 31.0)), 1e-3) << route.name;
+      EXPECT_LT(LitPart(route.draw({0.0, 0.4, isWaning}, 31.0)).part, 1e-3) << route.name;
     }
   }
 }
