@@ -1,8 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <string>
 
@@ -17,11 +15,6 @@
 #include "test_services.h"
 
 namespace lumenquest::testing {
-
-inline std::string Contents(const std::filesystem::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class FakeFiles final : public platform::FileManager {
  public:

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 namespace lumenquest::testing {
@@ -24,5 +26,10 @@ class ScratchFolder {
  private:
   std::string path_;
 };
+
+inline std::string Contents(const std::filesystem::path& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
 
 }  // namespace lumenquest::testing

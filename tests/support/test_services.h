@@ -46,6 +46,10 @@ inline platform::NSDate Instant(const std::string& rfc3339) {
   return adapters::parseRfc3339(rfc3339).value();
 }
 
+inline platform::NSDate Later(platform::NSDate date, double seconds) {
+  return platform::NSDate(date.timeIntervalSinceReferenceDate() + seconds);
+}
+
 /// Services for one test: real calendars and formatters, words as keys, and a clock that stands
 /// unless the test gives one.
 struct TestServices {

@@ -32,9 +32,7 @@ class VirtualClock final : public platform::Clock {
  public:
   explicit VirtualClock(platform::NSDate start) : instant(start) {}
   platform::NSDate now() override { return instant; }
-  void Advance(double seconds) {
-    instant = platform::NSDate(instant.timeIntervalSinceReferenceDate() + seconds);
-  }
+  void Advance(double seconds) { instant = Later(instant, seconds); }
   platform::NSDate instant;
 };
 
@@ -188,8 +186,7 @@ struct WidgetWorld {
 
   /// Does something after so many seconds.
   void After(double seconds, std::function<void()> work) {
-    At(platform::NSDate(clock->instant.timeIntervalSinceReferenceDate() + seconds),
-       std::move(work));
+    At(Later(clock->instant, seconds), std::move(work));
   }
   void At(platform::NSDate instant, std::function<void()> work) {
     agenda_.emplace(instant.timeIntervalSinceReferenceDate(), std::move(work));

@@ -21,6 +21,7 @@ using platform::NSDate;
 using platform::SavedLocation;
 using platform::SavedPlace;
 using testing::Instant;
+using testing::Later;
 using testing::ScriptedGeocoder;
 using testing::ScriptedLocations;
 using testing::WidgetWorld;
@@ -34,7 +35,6 @@ constexpr CLLocationCoordinate2D kSydney{-34.0, 151.0};
 constexpr double kReferenceMjd = 51910.0;
 
 double Seconds(NSDate date) { return date.timeIntervalSinceReferenceDate(); }
-NSDate Later(NSDate date, double seconds) { return NSDate(Seconds(date) + seconds); }
 
 /// A widget on the home screen: asks, notes what it is to show, asks again at the reload instant.
 template <typename Provider>
