@@ -10,7 +10,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
-#include <iterator>
 
 #include "command_fixture.h"
 
@@ -171,8 +170,7 @@ TEST_F(StoredPictures, LookAsEver) {
       std::ofstream(file, std::ios::binary) << png;
       continue;
     }
-    std::ifstream stream(file, std::ios::binary);
-    const std::string expected{std::istreambuf_iterator<char>(stream), {}};
+    const std::string expected = testing::Contents(file);
     ASSERT_FALSE(expected.empty()) << "script/pictures draws " << file;
     const Picture now{Pixels(png)};
     const Picture before{Pixels(expected)};
@@ -185,55 +183,6 @@ TEST_F(StoredPictures, LookAsEver) {
         << "mean " << difference.mean << " of " << kMostMean << ", blurred " << difference.blurred
         << " of " << kMostBlurred << ": compare " << drawn
         << "; if it is meant to look like this, script/pictures stores it";
-  }
-}
-
-/// What the tolerance forgives and what not: another way to smooth edges, and the smallest things
-/// that a careless change would move or lose.
-TEST_F(StoredPictures, ToleranceTellsSmoothingFromChange) {
-  for (const Stored& stored : kPictures) {
-    SCOPED_TRACE(stored.name);
-    const Picture picture{Pixels(Draw(stored, "2"))};
-    const Picture fine{Pixels(Draw(stored, "4"))};
-    ASSERT_EQ(fine.width, 2 * picture.width);
-    Picture smoothed(picture.width, picture.height);
-    for (int y = 0; y < fine.height; ++y) {
-      for (int x = 0; x < fine.width; ++x) {
-        for (std::size_t c = 0; c < 3; ++c) smoothed.at(x / 2, y / 2)[c] += fine.at(x, y)[c] / 4.0f;
-      }
-    }
-    const Difference forgiven = Compare(picture, smoothed);
-    EXPECT_TRUE(AreAlike(forgiven)) << forgiven.mean << ' ' << forgiven.blurred;
-
-    // Two points downwards: whole, or a tile of 24 points with something on it.
-    constexpr int kTile = 48, kStep = 4;
-    int seen = 0, tiles = 0;
-    for (int top = kTile; top + kTile < picture.height; top += kTile) {
-      for (int left = 0; left + kTile <= picture.width; left += kTile) {
-        // The tile and what blurring may reach.
-        constexpr int kRim = 16;
-        Picture before(kTile + 2 * kRim, kTile + 2 * kRim);
-        Picture after = before;
-        double contrast = 0.0;
-        for (int y = 0; y < before.height; ++y) {
-          for (int x = 0; x < before.width; ++x) {
-            const int u = left + x - kRim, v = top + y - kRim;
-            const bool isInside = u >= 0 && u < picture.width && v < picture.height;
-            if (!isInside) continue;
-            before.at(x, y) = after.at(x, y) = picture.at(u, v);
-            if (x < kRim || x >= kRim + kTile || y < kRim || y >= kRim + kTile) continue;
-            after.at(x, y) = picture.at(u, v - kStep);
-            contrast = std::max(contrast, std::fabs(static_cast<double>(picture.at(u, v)[1] -
-                                                                        picture.at(u, top)[1])));
-          }
-        }
-        if (contrast < 100.0) continue;
-        ++tiles;
-        seen += Compare(before, after).blurred > kMostBlurred ? 1 : 0;
-      }
-    }
-    EXPECT_GT(tiles, 1);
-    EXPECT_GE(seen, tiles - tiles / 8) << "of " << tiles;
   }
 }
 
