@@ -246,9 +246,9 @@ TEST_F(HomeSiteTest, WhatIsAskedForWronglyIsSaid) {
 
 TEST_F(HomeSiteTest, ADayIsToldInItsPlacesZoneAndLeavesTheDevicesBehind) {
   platform::Formatters::sharedInstance().setTimeZone({"Europe/Berlin"});
-  // 20:30 UTC in a town of UTC+1.
+  // 20:30 UTC in a town of UTC+1, where the Sun rose at 4:59.
   EXPECT_THAT(Get("/sun?widget=sun"),
-              AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("9:30\u202FPM"),
+              AllOf(HasSubstr("Etc/GMT-1"), HasSubstr("9:30\u202FPM"), HasSubstr("\u21914:59"),
                     HasSubstr("<bdi>Bled &lt;script&gt;</bdi>"), HasSubstr("light_nighttime"),
                     Not(HasSubstr("<script>"))));
   const auto zones = [] {

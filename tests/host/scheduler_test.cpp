@@ -19,12 +19,9 @@ namespace {
 using platform::CLLocation;
 using platform::NSDate;
 using testing::Instant;
+using testing::Later;
 using testing::TextInMemory;
 using testing::WidgetWorld;
-
-NSDate Later(NSDate date, double seconds) {
-  return NSDate(date.timeIntervalSinceReferenceDate() + seconds);
-}
 
 /// Rings in a world, on time unless the world's clock is set meanwhile.
 class WorldAlarm final : public platform::Alarm {
@@ -213,8 +210,12 @@ TEST(Scheduler, EntriesSurviveARestart) {
   EXPECT_NE(host.scheduler->find("sun")->version, version);
   EXPECT_GT(dateOf(host.scheduler->find("sun")->entry), Instant("2024-08-12T12:05:00Z"));
 
-  // Something else in the file: as if there were none.
-  for (const char* text : {"", R"({"locale": "en", "entries": [{}]})"}) {
+  // Something else in the file, or another language: as if there were none.
+  host.scheduler.reset();
+  std::string finnish = *host.memory->text;
+  finnish.replace(finnish.find("\"en\""), 4, "\"fi\"");
+  for (const std::string& text :
+       {std::string(), std::string(R"({"locale": "en", "entries": [{}]})"), finnish}) {
     host.scheduler.reset();
     host.memory->text = text;
     host.isSilent = true;
