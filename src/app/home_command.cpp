@@ -64,11 +64,6 @@ std::vector<Suggestion> SuggestWidgets(const std::string&) try {
   return {};
 }
 
-/// The sizes of the kind that is the first argument.
-std::vector<Suggestion> SizesOfKind(const std::vector<std::string>& arguments) {
-  return suggestFamilies(arguments.empty() ? std::nullopt : OptionText(arguments.front()));
-}
-
 /// The sizes of the widget that the first argument names.
 std::vector<Suggestion> SizesOfWidget(const std::vector<std::string>& arguments) {
   OptionText kind;
@@ -442,7 +437,7 @@ void addHomeCommands(CommandSet& commands, std::ostream& out, const ServeHome& s
       with({{"KIND", "", "help_kind", "expect_kind", &o.widget.kind, suggestKinds},
             {"--id", "ID", "help_new_widget_id", "expect_widget_id", &o.id},
             {"--position", "N", "help_position", "expect_position", &o.position},
-            family(SizesOfKind)},
+            family(suggestFamiliesOfKind)},
            configuration),
       [&o] { return Add(o); });
   add("set", "help_usage_home_set", "help_home_set",

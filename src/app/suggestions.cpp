@@ -90,6 +90,10 @@ std::vector<Suggestion> suggestFamilies(const OptionText& kind) {
   return suggestions;
 }
 
+std::vector<Suggestion> suggestFamiliesOfKind(const std::vector<std::string>& arguments) {
+  return suggestFamilies(arguments.empty() ? std::nullopt : OptionText(arguments.front()));
+}
+
 std::vector<Suggestion> suggestLinks(const std::string&) {
   const auto common = [](const char* key) {
     return platform::localizedString(key, platform::kTableCommon);
