@@ -31,13 +31,15 @@
 
 namespace lumenquest::app {
 
+std::filesystem::path programFolder() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+}
+
 std::string resourceFolder() {
   std::error_code error;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (!error) {
-    const auto folder = program.parent_path().parent_path() / "share" / "lumenquest";
-    if (std::filesystem::is_directory(folder, error)) return folder.string();
-  }
+  const auto folder = programFolder().parent_path() / "share" / "lumenquest";
+  if (std::filesystem::is_directory(folder, error)) return folder.string();
   return LUMENQUEST_INSTALLED_RESOURCES;
 }
 
