@@ -92,6 +92,7 @@ void serveHome(const HomeOptions& options, const OptionText& listen, std::ostrea
   };
   siteOptions.files = SiteFiles();
   siteOptions.language = {adapters::textLanguage(), isRightToLeft};
+  serverOptions.language = siteOptions.language;
   siteOptions.publish = [&](const std::string& event, const std::string& data) {
     if (server) server->publish(event, data);
   };

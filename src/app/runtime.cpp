@@ -50,6 +50,13 @@ std::shared_ptr<adapters::SqliteUserDefaults>& Suite() {
   return suite;
 }
 
+/// Of the words that are shown: where there are none in the locale's language, English ones are.
+std::string WordsLanguage(const std::string& locale) {
+  const std::string tag = adapters::languageTag(locale);
+  const std::string words = appText("language_tag");
+  return (tag + "-").starts_with(words + "-") ? tag : words;
+}
+
 /// One object as long as its file stays the same; null when the user has no folder for it.
 void OpenSuite(platform::FileManager& files) {
   const auto folder = files.containerOfGroup(platform::kApplicationGroup);
@@ -134,7 +141,6 @@ void installServices(const RuntimeOptions& options) {
       [locale = options.locale] { return std::shared_ptr(openGazetteer(locale)); },
       services.mainQueue);
   services.geodesy = std::make_shared<adapters::GeographicLibGeodesy>();
-  adapters::setTextLanguage(options.locale);
   services.assets = std::make_shared<adapters::FileAssetCatalog>(resourceFolder() + "/art");
   services.textMeasurer = std::make_shared<adapters::PangoTextMeasurer>();
   if (options.here) {
@@ -144,6 +150,7 @@ void installServices(const RuntimeOptions& options) {
     services.locations = std::make_shared<adapters::GeoclueLocationService>();
   }
   platform::Services::install(std::move(services));
+  adapters::setTextLanguage(WordsLanguage(options.locale));
 }
 
 }  // namespace lumenquest::app

@@ -72,17 +72,13 @@ std::string phraseOf(int status) {
   return page != nullptr ? page->phrase : soup_status_get_phrase(static_cast<guint>(status));
 }
 
-std::string errorPage(int status, const std::string& url) {
+std::string errorPage(int status, const std::string& url, const WebLanguage& language) {
   const ErrorPage* page = Find(status);
   if (page == nullptr) page = Find(status < 500 ? 400 : 500);
-  const std::string title = webText(page->titleKey);
-  // The direction is that of the title, which comes first.
-  return "<!DOCTYPE html>\n<html lang=\"" + webText("language_tag") +
-         "\" dir=\"auto\">\n<head>\n<meta charset=\"utf-8\">\n<title>" + title +
-         " \u2013 Lumenquest</title>\n"
-         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-         "<link rel=\"icon\" href=\"data:,\">\n<style>" +
-         kStyle + "</style>\n</head>\n<body>\n<main>\n<h1>" + title + "</h1>\n<p>" +
+  const std::string title = platform::localizedString(page->titleKey, platform::kTableApp);
+  return documentBeginning(title + " \u2013 Lumenquest", language) +
+         "<link rel=\"icon\" href=\"data:,\">\n<style>" + kStyle +
+         "</style>\n</head>\n<body>\n<main>\n<h1>" + htmlEscaped(title) + "</h1>\n<p>" +
          Linked(webText(page->key), url) + "</p>\n</main>\n</body>\n</html>\n";
 }
 
