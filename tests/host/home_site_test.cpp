@@ -160,6 +160,7 @@ TEST_F(HomeSiteTest, NoGapIsLeftUnderAnEarlierColumn) {
       {"lssss", "grid fills-2\""},
       {"mmm", "grid fills-2\""},
       {"m", "grid\""},
+      {"mlllll", "grid is-full\""},
       {"llllll", "grid is-full fills-2 fills-3\""},
       // Column after column the third would be two thirds empty.
       {"mmmmmmm", "grid is-full fills-2\""},
