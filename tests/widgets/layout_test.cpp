@@ -230,6 +230,16 @@ TEST(Drawing, PicturesAreTurnedAndMirrored) {
   }
 }
 
+TEST(Drawing, LinksWithinLinksTakeTheirPlace) {
+  const Element view =
+      vstack({text("a"), text("b") | link("x://inner"), text("c")}) | link("x://outer");
+  FewAssets assets;
+  const Recorder canvas = Drawn(view, {}, assets);
+  std::vector<std::string> links;
+  for (const auto& word : canvas.words) links.push_back(word.link);
+  EXPECT_THAT(links, ElementsAre("x://outer", "x://inner", "x://outer"));
+}
+
 TEST(Description, IsOfLabelsAndTextsAndKeepsUsersWordsApart) {
   EXPECT_EQ(descriptionOf(vstack({text("a") | label("long for a"), text(""), text("b")})),
             "long for a. b");
