@@ -205,8 +205,10 @@ test("widgets are added, arranged, themed and removed with the keyboard alone", 
 
 test("a widget is dragged by its grip", async () => {
   page = await open("/edit", { viewport: { width: 1280, height: 900 } });
-  const grip = await page.locator('[data-id="sun"] .grip').boundingBox();
-  const third = await page.locator('[data-id="milky-way"]').boundingBox();
+  let grip, third;
+  // The list is drawn anew when the stream of events opens, and has no box meanwhile.
+  await until(async () => (grip = await page.locator('[data-id="sun"] .grip').boundingBox()));
+  await until(async () => (third = await page.locator('[data-id="milky-way"]').boundingBox()));
   await page.mouse.move(grip.x + 10, grip.y + 20);
   await page.mouse.down();
   await page.mouse.move(grip.x + 10, third.y + third.height - 10, { steps: 10 });
