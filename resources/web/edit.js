@@ -200,9 +200,10 @@
   });
 
   main.addEventListener("change", async (event) => {
-    if (event.target.dataset.action !== "theme") return;
+    const { action } = event.target.dataset;
+    if (action !== "theme" && action !== "family") return;
     const id = event.target.closest(".placed").dataset.id;
-    if (await change("set", { id, theme: event.target.value })) say(words.saved);
+    if (await change("set", { id, [action]: event.target.value })) say(words.saved);
   });
 
   // Dragging by the grip.

@@ -1,12 +1,11 @@
 #include "adapters/asset_catalog.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <utility>
 
+#include "adapters/files.h"
 #include "adapters/svg_pictures.h"
 
 namespace lumenquest::adapters {
@@ -26,13 +25,6 @@ bool IsName(const std::string& text) {
   });
 }
 
-std::string Contents(const fs::path& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::string contents{std::istreambuf_iterator<char>(file), {}};
-  if (!file) throw std::runtime_error(path.string() + ": cannot be read; install it again");
-  return contents;
-}
-
 }  // namespace
 
 FileAssetCatalog::FileAssetCatalog(fs::path folder) : folder_(std::move(folder)) {}
@@ -42,7 +34,8 @@ std::shared_ptr<const UIImage> FileAssetCatalog::imageNamed(const std::string& n
   const fs::path path = folder_ / (name + ".svg");
   std::error_code error;
   if (!IsName(name) || !fs::exists(path, error)) return nullptr;
-  auto image = std::make_shared<const UIImage>(readSvgPicture(Contents(path), path.string()));
+  auto image =
+      std::make_shared<const UIImage>(readSvgPicture(contentsOfResource(path), path.string()));
   images_.emplace(name, image);
   return image;
 }
@@ -61,7 +54,7 @@ std::map<std::string, FileAssetCatalog::Colors> FileAssetCatalog::LoadColors() c
   };
   nlohmann::json json;
   try {
-    json = nlohmann::json::parse(Contents(path));
+    json = nlohmann::json::parse(contentsOfResource(path));
   } catch (const nlohmann::json::exception& exception) {
     fail(exception.what());
   }

@@ -7,7 +7,8 @@
 #include <cerrno>
 #include <fstream>
 #include <iterator>
-#include <system_error>
+#include <stdexcept>
+#include <utility>
 
 namespace lumenquest::adapters {
 
@@ -67,9 +68,28 @@ std::optional<std::string> writeFileWhole(const fs::path& given, const std::stri
   return failure;
 }
 
-std::string contentsOfFile(const fs::path& path) {
+std::optional<std::string> contentsOfFile(const fs::path& path) {
+  // A folder opens, and is none of which the stream would say that it cannot be read.
+  std::error_code error;
   std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
+  if (!stream || fs::is_directory(path, error)) return std::nullopt;
+  std::string contents{std::istreambuf_iterator<char>(stream), {}};
+  if (!stream) return std::nullopt;
+  return contents;
+}
+
+std::string contentsOfResource(const fs::path& path) {
+  auto contents = contentsOfFile(path);
+  if (!contents) throw std::runtime_error(path.string() + ": cannot be read; install it again");
+  return std::move(*contents);
+}
+
+std::error_code makePrivateFolder(const fs::path& folder) {
+  std::error_code error;
+  if (folder.empty() || fs::exists(folder, error)) return {};
+  if (const std::error_code above = makePrivateFolder(folder.parent_path())) return above;
+  if (fs::create_directory(folder, error)) fs::permissions(folder, fs::perms::owner_all, error);
+  return error;
 }
 
 }  // namespace lumenquest::adapters

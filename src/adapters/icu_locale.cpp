@@ -1,3 +1,4 @@
+#include <unicode/localebuilder.h>
 #include <unicode/localpointer.h>
 #include <unicode/locid.h>
 #include <unicode/uenum.h>
@@ -52,6 +53,17 @@ std::optional<std::string> localeIdentifier(const std::string& tag) {
     return std::nullopt;
   }
   return std::string(locale.getName());
+}
+
+std::string languageTag(const std::string& locale) {
+  const icu::Locale given(locale.c_str());
+  UErrorCode status = U_ZERO_ERROR;
+  return icu::LocaleBuilder()
+      .setLanguage(given.getLanguage())
+      .setScript(given.getScript())
+      .setRegion(given.getCountry())
+      .build(status)
+      .toLanguageTag<std::string>(status);
 }
 
 std::string environmentLocale() {

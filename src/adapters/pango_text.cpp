@@ -373,12 +373,6 @@ void setTextLanguage(const std::string& language) {
   }
 }
 
-std::string textLanguage() {
-  std::string tag = SharedContexts().language;
-  // What follows in a locale's identifier is no part of a tag: "de_DE.UTF-8@euro".
-  tag.resize(std::min(tag.size(), tag.find_first_of(".@")));
-  std::replace(tag.begin(), tag.end(), '_', '-');
-  return tag;
-}
+std::string textLanguage() { return SharedContexts().language; }
 
 }  // namespace lumenquest::adapters

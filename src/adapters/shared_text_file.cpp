@@ -1,7 +1,5 @@
 #include "adapters/shared_text_file.h"
 
-#include <fstream>
-#include <iterator>
 #include <system_error>
 
 #include "adapters/files.h"
@@ -29,20 +27,17 @@ platform::Outcome<std::optional<std::string>> SharedTextFile::contents() const {
   if (!fs::is_regular_file(status) || fs::file_size(path_, error) > kLargest) {
     return Failure("file_error_read", path_, error ? error.message() : "");
   }
-  std::ifstream stream(path_, std::ios::binary);
-  std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream.good() && !stream.eof()) return Failure("file_error_read", path_, "");
-  return std::optional(std::move(text));
+  auto text = contentsOfFile(path_);
+  if (!text) return Failure("file_error_read", path_, "");
+  return text;
 }
 
 std::optional<platform::NSError> SharedTextFile::update(
     const std::function<std::string(const std::optional<std::string>& text)>& change) {
   const fs::path folder = path_.parent_path();
-  std::error_code error;
-  if (fs::create_directories(folder, error)) {
-    fs::permissions(folder, fs::perms::owner_all, error);
+  if (const std::error_code error = makePrivateFolder(folder)) {
+    return Failure("file_error_write", path_, error.message());
   }
-  if (error) return Failure("file_error_write", path_, error.message());
   // Of the folder, as the file itself is replaced. A file system without locks has to do without.
   const FolderLock lock(folder, LOCK_EX);
   auto text = contents();

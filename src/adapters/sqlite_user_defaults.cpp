@@ -184,9 +184,15 @@ void SqliteUserDefaults::atomically(const std::function<void()>& body) {
       error_ = fileError(failure, path_);
     }
   }
-  const bool wasAtomic = std::exchange(isAtomic_, true);
-  body();
-  isAtomic_ = wasAtomic;
+  struct Restored {
+    ~Restored() { isAtomic = wasAtomic; }
+    bool& isAtomic;
+    const bool wasAtomic;
+  };
+  {
+    const Restored restored{isAtomic_, std::exchange(isAtomic_, true)};
+    body();
+  }
   if (!transaction) return;
   try {
     transaction->Commit();

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "adapters/files.h"
 #include "adapters/uuids.h"
 #include "folder_lock.h"
 
@@ -44,10 +45,8 @@ bool IsUnfinished(std::string_view name, std::string_view ofFile) {
 
 bool writeWhole(const fs::path& url, const std::function<void(SqliteConnection&)>& write) {
   const fs::path folder = fs::absolute(url).parent_path();
-  if (!fs::exists(folder)) {
-    fs::create_directories(folder);
-    // Where somebody will be and when is nobody else's business.
-    fs::permissions(folder, fs::perms::owner_all);
+  if (const std::error_code error = makePrivateFolder(folder)) {
+    throw fs::filesystem_error("no folder", folder, error);
   }
   // A file system without such locks has no sweepers either.
   const FolderLock lock(folder, LOCK_SH);

@@ -32,6 +32,15 @@ std::vector<Suggestion> ChoicesOf(std::string_view valueName) {
   return choices;
 }
 
+std::vector<Suggestion> SuggestedFor(const OptionSpec& option,
+                                     const std::vector<std::string>& arguments,
+                                     const std::string& value) {
+  if (option.suggestions) return option.suggestions(value);
+  std::vector<Suggestion> suggested;
+  if (option.suggestionsAfter) suggested = option.suggestionsAfter(arguments);
+  return suggested.empty() ? ChoicesOf(option.valueName) : suggested;
+}
+
 class Answer {
  public:
   explicit Answer(std::string beginning) : beginning_(std::move(beginning)) {}
@@ -48,9 +57,7 @@ class Answer {
     const std::string_view name = option.isPositional() ? option.name : option.valueName;
     if (name == "FILE") paths_ = ":files\n";
     if (name == "DIR") paths_ = ":folders\n";
-    for (const Suggestion& one : option.suggestionsAfter ? option.suggestionsAfter(arguments)
-                                 : option.suggestions    ? option.suggestions(value)
-                                                         : ChoicesOf(option.valueName)) {
+    for (const Suggestion& one : SuggestedFor(option, arguments, value)) {
       if (!one.word.empty() && adapters::isBeginningOfName(value, one.word)) {
         Line(before + one.word, one.meaning);
       }

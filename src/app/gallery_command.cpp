@@ -182,18 +182,23 @@ std::vector<widgets::PlanItem> SamplePlans() {
           plan("gallery_plan_4", "2027-09-20T00:45:00Z", "America/Denver", "4")};
 }
 
+/// A located widget of each kind and family, and plans.
+std::vector<Exhibit> EveryWidget(const char* sceneName, const std::string& locale) {
+  Scene scene = Scenes().front();
+  scene.name = sceneName;
+  std::vector<Exhibit> exhibits = LocatedSection(scene, locale).exhibits;
+  const Section plans = PlansSection(sceneName, "gallery_four_plans", SamplePlans());
+  exhibits.insert(exhibits.end(), plans.exhibits.begin(), plans.exhibits.end());
+  return exhibits;
+}
+
 /// Widgets whose theme is not the host's scheme.
 Section ThemeSection(const std::string& locale) {
   Section section{appText("gallery_themes"), {}};
   for (const auto& [name, theme] :
        {std::pair("theme-dark", widgets::ThemeStyleEnum::themeDark),
         std::pair("theme-light", widgets::ThemeStyleEnum::themeLight)}) {
-    Scene scene = Scenes().front();
-    scene.name = name;
-    std::vector<Exhibit> exhibits = LocatedSection(scene, locale).exhibits;
-    const Section plans = PlansSection(name, "gallery_four_plans", SamplePlans());
-    exhibits.insert(exhibits.end(), plans.exhibits.begin(), plans.exhibits.end());
-    for (Exhibit& exhibit : exhibits) {
+    for (Exhibit& exhibit : EveryWidget(name, locale)) {
       // A name of its own: before C++20's later corrections no lambda may refer to a binding.
       std::visit([chosen = theme](auto& entry) { entry.theme = chosen; }, exhibit.entry);
       section.exhibits.push_back(std::move(exhibit));
@@ -204,13 +209,8 @@ Section ThemeSection(const std::string& locale) {
 
 /// Where systems know no tinting the host's wish for it changes nothing.
 Section EarlierSystemSection(const std::string& locale) {
-  Scene scene = Scenes().front();
-  scene.name = "earlier-system";
-  Section section = LocatedSection(scene, locale);
-  const Section plans = PlansSection(scene.name, "gallery_four_plans", SamplePlans());
-  section.exhibits.insert(section.exhibits.end(), plans.exhibits.begin(), plans.exhibits.end());
-  section.title = appText("gallery_earlier_system");
-  section.renderingMode = view::WidgetRenderingMode::accented;
+  Section section{appText("gallery_earlier_system"), EveryWidget("earlier-system", locale),
+                  view::WidgetRenderingMode::accented};
   section.system = {17, 0};
   return section;
 }

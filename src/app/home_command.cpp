@@ -64,18 +64,14 @@ std::vector<Suggestion> SuggestWidgets(const std::string&) try {
   return {};
 }
 
-/// The sizes of the kind that is the first argument.
-std::vector<Suggestion> SizesOfKind(const std::vector<std::string>& arguments) {
-  return suggestFamilies(arguments.empty() ? std::nullopt : OptionText(arguments.front()));
-}
-
 /// The sizes of the widget that the first argument names.
-std::vector<Suggestion> SizesOfWidget(const std::vector<std::string>& arguments) {
-  OptionText kind;
-  for (const Suggestion& widget : SuggestWidgets("")) {
-    if (!arguments.empty() && widget.word == arguments.front()) kind = widget.meaning;
-  }
-  return suggestFamilies(kind);
+std::vector<Suggestion> SizesOfWidget(const std::vector<std::string>& arguments) try {
+  if (arguments.empty()) return {};
+  const HomeScreen screen = homeScreenFile().load();
+  const PlacedWidget* const widget = screen.find(arguments.front());
+  return widget == nullptr ? std::vector<Suggestion>() : suggestFamiliesOfKind({widget->kind});
+} catch (const std::exception&) {
+  return {};
 }
 
 std::string PlaceText(const PlacedWidget& widget) {
@@ -166,12 +162,6 @@ std::string Set(const HomeCommandOptions& options) {
   return "";
 }
 
-platform::ColorScheme ParseScheme(const OptionText& text) {
-  if (!text || *text == "dark") return platform::ColorScheme::dark;
-  if (*text != "light") throwBadOption("--scheme", *text, "expect_scheme");
-  return platform::ColorScheme::light;
-}
-
 /// The widgets of a host that were named, or all of them.
 class Chosen {
  public:
@@ -254,7 +244,7 @@ std::string Export(const HomeCommandOptions& options) {
         stringWithFormat(appText("error_missing_option"), {"DIR", appText("expect_folder")}));
   }
   view::Environment environment;
-  environment.colorScheme = ParseScheme(options.scheme);
+  environment.colorScheme = parseScheme(options.scheme);
   const double scale = parseScale(options.scale);
   HomeHost home(options.host);
   if (adapters::isRightToLeft(home.locale())) {
@@ -442,7 +432,7 @@ void addHomeCommands(CommandSet& commands, std::ostream& out, const ServeHome& s
       with({{"KIND", "", "help_kind", "expect_kind", &o.widget.kind, suggestKinds},
             {"--id", "ID", "help_new_widget_id", "expect_widget_id", &o.id},
             {"--position", "N", "help_position", "expect_position", &o.position},
-            family(SizesOfKind)},
+            family(suggestFamiliesOfKind)},
            configuration),
       [&o] { return Add(o); });
   add("set", "help_usage_home_set", "help_home_set",

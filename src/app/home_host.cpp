@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "adapters/clocks.h"
+#include "adapters/files.h"
 #include "adapters/glib_main_queue.h"
 #include "adapters/printable_text.h"
 #include "adapters/shared_text_file.h"
@@ -32,14 +33,6 @@ fs::path HomeScreenPath() {
   const auto folder = adapters::configurationFolder();
   if (!folder) throw std::runtime_error(appText("error_no_configuration_folder"));
   return *folder / "home.json";
-}
-
-/// For the user alone; without it the host runs as well.
-void MakeFolder(const fs::path& folder) {
-  std::error_code ignored;
-  if (fs::create_directories(folder, ignored)) {
-    fs::permissions(folder, fs::perms::owner_all, ignored);
-  }
 }
 
 /// Ends a main loop when the process is told to end.
@@ -100,7 +93,7 @@ HomeHost::HomeHost(const HomeOptions& options) : file_(homeScreenFile()) {
   }
   installServices(runtime_);
   // A folder that is not there yet can only be looked for now and then.
-  MakeFolder(HomeScreenPath().parent_path());
+  adapters::makePrivateFolder(HomeScreenPath().parent_path());
   // What is wrong with it is better told before anything starts.
   file_.load();
 
@@ -125,7 +118,7 @@ HomeHost::HomeHost(const HomeOptions& options) : file_(homeScreenFile()) {
   const auto group =
       platform::Services::current().fileManager().containerOfGroup(platform::kApplicationGroup);
   if (group) {
-    MakeFolder(*group);
+    adapters::makePrivateFolder(*group);
     // The settings themselves are written by every widget that finds its place.
     watch({*group / kReloadRequestFile, *group / "Lumenquest.sqlite",
            *group / "Lumenquest.sqlite-wal"},

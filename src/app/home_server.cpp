@@ -2,14 +2,12 @@
 
 #include <filesystem>
 #include <ostream>
-#include <stdexcept>
 #include <system_error>
 
 #include "adapters/files.h"
 #include "adapters/icu_services.h"
 #include "adapters/pango_text.h"
 #include "adapters/svg_canvas.h"
-#include "adapters/xdg_file_manager.h"
 #include "app/entry_output.h"
 #include "app/running_home.h"
 #include "app/widget_picture.h"
@@ -32,14 +30,17 @@ std::map<std::string, std::string> SiteFiles() {
   std::map<std::string, std::string> files;
   std::error_code error;
   for (const auto& entry : fs::directory_iterator(resources / "web", error)) {
-    files[entry.path().filename().string()] = adapters::contentsOfFile(entry.path());
+    files[entry.path().filename().string()] = adapters::contentsOfResource(entry.path());
   }
-  files["icon.svg"] = adapters::contentsOfFile(resources / "art" / "appIcon.svg");
+  files["icon.svg"] = adapters::contentsOfResource(resources / "art" / "appIcon.svg");
   return files;
 }
 
+/// Where a host listens when nothing is said.
+constexpr std::uint16_t kUsualPort = 8437;
+
 host::ListenAddress Address(const OptionText& listen) {
-  if (!listen) return {"127.0.0.1", kUsualHomePort};
+  if (!listen) return {"127.0.0.1", kUsualPort};
   const auto address = host::parseListenAddress(*listen);
   if (!address) throwBadOption("--listen", *listen, "expect_listen");
   return *address;
@@ -91,6 +92,7 @@ void serveHome(const HomeOptions& options, const OptionText& listen, std::ostrea
   };
   siteOptions.files = SiteFiles();
   siteOptions.language = {adapters::textLanguage(), isRightToLeft};
+  serverOptions.language = siteOptions.language;
   siteOptions.publish = [&](const std::string& event, const std::string& data) {
     if (server) server->publish(event, data);
   };

@@ -2,13 +2,13 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <filesystem>
 #include <iostream>
 #include <stdexcept>
 #include <system_error>
 
 #include "app/command_line.h"
 #include "app/option_values.h"
+#include "app/runtime.h"
 #include "platform/localized_strings.h"
 
 namespace {
@@ -16,17 +16,13 @@ namespace {
 /// Goes on as the program that serves, which lies where the build says, seen from this one: its
 /// libraries would take 1.5 MB of every other command's memory. Returns only by throwing.
 void BecomeServer(char** arguments) {
-  std::error_code error;
-  const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-  const std::string server =
-      (self.parent_path() / LUMENQUEST_HOME_PROGRAM).lexically_normal().string();
-  if (!error) {
-    execv(server.c_str(), arguments);
-    error.assign(errno, std::generic_category());
-  }
   using namespace lumenquest;
+  const std::string server =
+      (app::programFolder() / LUMENQUEST_HOME_PROGRAM).lexically_normal().string();
+  execv(server.c_str(), arguments);
+  const std::string reason = std::generic_category().message(errno);
   throw std::runtime_error(
-      platform::stringWithFormat(app::appText("error_program"), {server, error.message()}));
+      platform::stringWithFormat(app::appText("error_program"), {server, reason}));
 }
 
 }  // namespace

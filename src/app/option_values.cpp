@@ -46,9 +46,13 @@ std::optional<double> parseNumber(const std::string& given) {
 std::string appText(const char* key) { return platform::localizedString(key, platform::kTableApp); }
 
 void throwBadOption(const char* option, const std::string& value, const char* expectationKey) {
-  throw UsageError(
-      stringWithFormat(appText("error_bad_option"),
-                       {option, adapters::printableText(value), appText(expectationKey)}));
+  throwBadOptionExpecting(option, value, appText(expectationKey));
+}
+
+void throwBadOptionExpecting(const char* option, const std::string& value,
+                             const std::string& expectation) {
+  throw UsageError(stringWithFormat(appText("error_bad_option"),
+                                    {option, adapters::printableText(value), expectation}));
 }
 
 platform::CLLocation parseLocation(const OptionText& latitude, const OptionText& longitude) {

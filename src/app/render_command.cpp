@@ -32,17 +32,6 @@ struct RenderOptions {
   OptionText output;
 };
 
-/// On the smallest phone, in points: texts that fit nowhere else are made to fit there.
-platform::CGSize LeastSizeOf(widgets::WidgetFamily family) {
-  switch (family) {
-    case widgets::WidgetFamily::systemSmall:
-      return {141.0, 141.0};
-    case widgets::WidgetFamily::systemMedium:
-      return {292.0, 141.0};
-    default:
-      return {292.0, 311.0};
-  }
-}
 constexpr double kMostSide = 1000.0;
 
 std::optional<double> Side(const std::string& text, double least) {
@@ -53,7 +42,7 @@ std::optional<double> Side(const std::string& text, double least) {
 /// "364x170"; nothing given: the family's.
 platform::CGSize ParseSize(const OptionText& text, widgets::WidgetFamily family) {
   if (!text) return view::sizeOf(family);
-  const platform::CGSize least = LeastSizeOf(family);
+  const platform::CGSize least = view::leastSizeOf(family);
   const std::size_t times = text->find('x');
   if (times != std::string::npos) {
     const auto width = Side(text->substr(0, times), least.width);
@@ -66,8 +55,7 @@ platform::CGSize ParseSize(const OptionText& text, widgets::WidgetFamily family)
   };
   const std::string choices = stringWithFormat(appText("expect_size_of_family"),
                                                {sizeText(least), sizeText({kMostSide, kMostSide})});
-  throw UsageError(stringWithFormat(appText("error_bad_option"),
-                                    {"--size", adapters::printableText(*text), choices}));
+  throwBadOptionExpecting("--size", *text, choices);
 }
 
 constexpr const char* kPngOnStandardOutput = "-";
@@ -112,10 +100,7 @@ void CheckAll(const RenderOptions& options) {
 
 view::Environment ParseEnvironment(const RenderOptions& options, const std::string& locale) {
   view::Environment environment;
-  if (options.scheme && *options.scheme != "dark") {
-    if (*options.scheme != "light") throwBadOption("--scheme", *options.scheme, "expect_scheme");
-    environment.colorScheme = platform::ColorScheme::light;
-  }
+  environment.colorScheme = parseScheme(options.scheme);
   if (options.rendering && *options.rendering != "full") {
     if (*options.rendering != "accented") {
       throwBadOption("--rendering", *options.rendering, "expect_rendering");

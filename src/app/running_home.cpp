@@ -13,14 +13,14 @@
 
 #include "adapters/files.h"
 #include "adapters/xdg_file_manager.h"
+#include "host/web_text.h"
+#include "widgets/deep_links.h"
 
 namespace lumenquest::app {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kScheme = "lumenquest://";
 
 /// Where running hosts say where they listen, a file each, which its host keeps locked.
 std::optional<fs::path> AddressFolder() {
@@ -44,7 +44,8 @@ std::optional<std::string> RunningHost() {
   std::error_code error;
   if (const auto folder = AddressFolder()) {
     for (const auto& entry : fs::directory_iterator(*folder, error)) {
-      if (IsHeld(entry.path())) return adapters::contentsOfFile(entry.path());
+      if (!IsHeld(entry.path())) continue;
+      if (auto url = adapters::contentsOfFile(entry.path())) return url;
     }
   }
   return std::nullopt;
@@ -86,8 +87,7 @@ std::string HostToOpen() {
 HomeAnnouncement::HomeAnnouncement(std::uint16_t port, const std::string& url) {
   const auto folder = AddressFolder();
   if (!folder) return;
-  std::error_code ignored;
-  fs::create_directories(*folder, ignored);
+  adapters::makePrivateFolder(*folder);
   path_ = (*folder / std::to_string(port)).string();
   do {
     if (file_ >= 0) close(file_);
@@ -109,15 +109,12 @@ HomeAnnouncement::~HomeAnnouncement() {
 }
 
 std::string runningPage(const OptionText& deepLink) {
-  if (deepLink && !deepLink->starts_with(kScheme)) {
+  if (deepLink && !deepLink->starts_with(widgets::kLinkScheme)) {
     throwBadOption("URL", *deepLink, "expect_deep_link");
   }
   const std::string url = HostToOpen();
   if (!deepLink) return url;
-  char* const escaped = g_uri_escape_string(deepLink->c_str(), nullptr, FALSE);
-  const std::string page = url + "open?url=" + escaped;
-  g_free(escaped);
-  return page;
+  return url + "open?url=" + host::percentEncoded(*deepLink);
 }
 
 }  // namespace lumenquest::app

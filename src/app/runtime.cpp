@@ -31,13 +31,15 @@
 
 namespace lumenquest::app {
 
+std::filesystem::path programFolder() {
+  std::error_code error;
+  return std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+}
+
 std::string resourceFolder() {
   std::error_code error;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
-  if (!error) {
-    const auto folder = program.parent_path().parent_path() / "share" / "lumenquest";
-    if (std::filesystem::is_directory(folder, error)) return folder.string();
-  }
+  const auto folder = programFolder().parent_path() / "share" / "lumenquest";
+  if (std::filesystem::is_directory(folder, error)) return folder.string();
   return LUMENQUEST_INSTALLED_RESOURCES;
 }
 
@@ -46,6 +48,13 @@ namespace {
 std::shared_ptr<adapters::SqliteUserDefaults>& Suite() {
   static std::shared_ptr<adapters::SqliteUserDefaults> suite;
   return suite;
+}
+
+/// Of the words that are shown: where there are none in the locale's language, English ones are.
+std::string WordsLanguage(const std::string& locale) {
+  const std::string tag = adapters::languageTag(locale);
+  const std::string words = appText("language_tag");
+  return (tag + "-").starts_with(words + "-") ? tag : words;
 }
 
 /// One object as long as its file stays the same; null when the user has no folder for it.
@@ -132,7 +141,6 @@ void installServices(const RuntimeOptions& options) {
       [locale = options.locale] { return std::shared_ptr(openGazetteer(locale)); },
       services.mainQueue);
   services.geodesy = std::make_shared<adapters::GeographicLibGeodesy>();
-  adapters::setTextLanguage(options.locale);
   services.assets = std::make_shared<adapters::FileAssetCatalog>(resourceFolder() + "/art");
   services.textMeasurer = std::make_shared<adapters::PangoTextMeasurer>();
   if (options.here) {
@@ -142,6 +150,7 @@ void installServices(const RuntimeOptions& options) {
     services.locations = std::make_shared<adapters::GeoclueLocationService>();
   }
   platform::Services::install(std::move(services));
+  adapters::setTextLanguage(WordsLanguage(options.locale));
 }
 
 }  // namespace lumenquest::app

@@ -96,10 +96,7 @@ const KnownSetting& SettingOf(const OptionText& key) {
     throw UsageError(stringWithFormat(appText("error_missing_option"), {"KEY", KnownKeys()}));
   const auto found = std::find_if(kSettings.begin(), kSettings.end(),
                                   [&](const KnownSetting& setting) { return setting.key == *key; });
-  if (found == kSettings.end()) {
-    throw UsageError(stringWithFormat(appText("error_bad_option"),
-                                      {"KEY", adapters::printableText(*key), KnownKeys()}));
-  }
+  if (found == kSettings.end()) throwBadOptionExpecting("KEY", *key, KnownKeys());
   return *found;
 }
 

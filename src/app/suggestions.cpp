@@ -10,11 +10,11 @@
 #include "app/places_command.h"
 #include "app/runtime.h"
 #include "app/widget_request.h"
-#include "host/web_text.h"
 #include "platform/database.h"
 #include "platform/localized_strings.h"
 #include "platform/planning.h"
 #include "widgets/deep_links.h"
+#include "widgets/plans/plan_item.h"
 #include "widgets/widget_bundle.h"
 
 namespace lumenquest::app {
@@ -72,19 +72,11 @@ std::vector<Suggestion> suggestKinds(const std::string&) {
   return suggestions;
 }
 
-std::vector<Suggestion> suggestFamilies(const OptionText& kind) {
-  std::vector<widgets::WidgetFamily> families{widgets::WidgetFamily::systemSmall,
-                                              widgets::WidgetFamily::systemMedium,
-                                              widgets::WidgetFamily::systemLarge};
-  try {
-    WidgetOptions options;
-    options.kind = kind;
-    families = host::configurationOf(parseWidget(options, "").kind)->supportedFamilies;
-  } catch (const UsageError&) {
-    // No widget yet.
-  }
+std::vector<Suggestion> suggestFamiliesOfKind(const std::vector<std::string>& arguments) {
   std::vector<Suggestion> suggestions;
-  for (const widgets::WidgetFamily family : families) {
+  const auto widget = arguments.empty() ? std::nullopt : kindNamed(arguments.front());
+  if (!widget) return suggestions;
+  for (const widgets::WidgetFamily family : widget->supportedFamilies) {
     suggestions.push_back({host::familyName(family), ""});
   }
   return suggestions;
@@ -104,7 +96,7 @@ std::vector<Suggestion> suggestLinks(const std::string&) {
   for (const auto& object : plans.value) {
     const auto plan = std::dynamic_pointer_cast<platform::Planning>(object);
     if (!plan) continue;
-    const std::string id = host::percentEncoded(plan->objectID().URIRepresentation());
+    const std::string id = widgets::percentEncodedForUrlHost(plan->objectID().URIRepresentation());
     suggestions.push_back({widgets::planLink(id), plan->name().value_or("")});
   }
   return suggestions;

@@ -48,6 +48,12 @@ void writePicture(const std::string& file, const std::string& contents) {
   }
 }
 
+platform::ColorScheme parseScheme(const OptionText& text) {
+  if (!text || *text == "dark") return platform::ColorScheme::dark;
+  if (*text != "light") throwBadOption("--scheme", *text, "expect_scheme");
+  return platform::ColorScheme::light;
+}
+
 double parseScale(const OptionText& text) {
   if (!text) return 2.0;
   const auto scale = parseNumber(*text);

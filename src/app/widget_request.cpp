@@ -44,24 +44,15 @@ std::string Listed(const Items& items, Name name) {
                                 const std::string& choices) {
   if (!given)
     throw UsageError(stringWithFormat(appText("error_missing_option"), {option, choices}));
-  throw UsageError(stringWithFormat(appText("error_bad_option"),
-                                    {option, adapters::printableText(*given), choices}));
+  throwBadOptionExpecting(option, *given, choices);
 }
 
 WidgetConfiguration ParseKind(const OptionText& text, bool mayBeAll) {
-  const auto configurations = widgets::LumenquestWidgets::configurations();
-  const auto shortName = [](const std::string& kind) {
-    return Short(Short(kind, "", "widget"), "", "small");
-  };
-  for (const WidgetConfiguration& configuration : configurations) {
-    if (text && (shortName(*text) == shortName(configuration.kind) ||
-                 *text == host::shortNameOf(configuration.kind))) {
-      return configuration;
-    }
-  }
-  ThrowNoChoice("KIND", text, Listed(configurations, [](const auto& one) {
-                                return one.kind + " (" + host::shortNameOf(one.kind) + ")";
-                              }) + (mayBeAll ? ", all" : ""));
+  if (const auto configuration = text ? kindNamed(*text) : std::nullopt) return *configuration;
+  ThrowNoChoice("KIND", text,
+                Listed(widgets::LumenquestWidgets::configurations(), [](const auto& one) {
+                  return one.kind + " (" + host::shortNameOf(one.kind) + ")";
+                }) + (mayBeAll ? ", all" : ""));
 }
 
 /// Nothing given: the smallest.
@@ -101,11 +92,30 @@ std::optional<widgets::IntentPlacemark> ParsePlace(const WidgetOptions& options,
 
 }  // namespace
 
+std::optional<WidgetConfiguration> kindNamed(const std::string& text) {
+  const auto shortName = [](const std::string& kind) {
+    return Short(Short(kind, "", "widget"), "", "small");
+  };
+  for (const WidgetConfiguration& configuration : widgets::LumenquestWidgets::configurations()) {
+    if (shortName(text) == shortName(configuration.kind) ||
+        text == host::shortNameOf(configuration.kind)) {
+      return configuration;
+    }
+  }
+  return std::nullopt;
+}
+
 std::vector<OptionSpec> widgetOptionSpecs(WidgetOptions& options, const char* settingsHelpKey) {
   return {
       {"KIND", "", options.mayBeAll ? "help_kind_or_all" : "help_kind", "expect_kind",
        &options.kind, suggestKinds},
-      {"--family", "small|medium|large", "help_family", "expect_family", &options.family},
+      {"--family",
+       "small|medium|large",
+       "help_family",
+       "expect_family",
+       &options.family,
+       {},
+       suggestFamiliesOfKind},
       placeOption(options.place.place),
       latitudeOption(options.place.latitude),
       longitudeOption(options.place.longitude),

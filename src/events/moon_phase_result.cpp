@@ -19,12 +19,9 @@ bool MoonPhaseResult::isWaning() const {
 
 int MoonPhaseResult::shadowPhase() const {
   if (isWaning() == isLimbWaning) return phase;
-  const bool isGibbous = phaseIllumination >= 0.5f;
-  const MoonPhaseType waning =
-      isGibbous ? MoonPhaseType::WaningGibbous : MoonPhaseType::WaningCrescent;
-  const MoonPhaseType waxing =
-      isGibbous ? MoonPhaseType::WaxingGibbous : MoonPhaseType::WaxingCrescent;
-  return static_cast<int>(isLimbWaning ? waning : waxing);
+  // Of the other side's phases any will do: the shadow's shape is the illumination's.
+  return static_cast<int>(isLimbWaning ? MoonPhaseType::WaningCrescent
+                                       : MoonPhaseType::WaxingCrescent);
 }
 
 std::string MoonPhaseResult::phaseString() const {

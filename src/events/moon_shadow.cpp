@@ -112,11 +112,7 @@ UIImage MoonShadow::drawShadowOnMoonImage(const UIImage* image, CGSize ofSize,
   if (isSupermoon) {
     constexpr double kOutline = 0.5;
     const CGRect middle = disc.insetBy(1.0);
-    const double reach = kRingWidth / 2.0 + kOutline;
-    UIBezierPath outline = UIBezierPath::ellipse(middle.insetBy(-reach));
-    outline.append(UIBezierPath::ellipse(middle.insetBy(reach)));
-    outline.usesEvenOddFillRule = true;
-    context.fill(outline, kRingOutlineColor);
+    context.stroke(UIBezierPath::ellipse(middle), kRingOutlineColor, {kRingWidth + 2.0 * kOutline});
     context.stroke(UIBezierPath::ellipse(middle), kRingColor, {kRingWidth});
   }
   return context.image();

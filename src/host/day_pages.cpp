@@ -60,11 +60,12 @@ std::string Date(NSDate date, const platform::NSTimeZone& zone, const char* fiel
   return formatter->stringFromDate(date);
 }
 
-/// Rows of a label and a value.
+/// Rows of a label and a value. The value runs in the page's direction, as in the widgets, so that
+/// a range's start is where the reading starts.
 class Facts {
  public:
   void Row(const std::string& label, const std::string& value) {
-    rows_ += "<div><dt>" + htmlEscaped(label) + "</dt><dd>" + bdi(value) + "</dd></div>\n";
+    rows_ += "<div><dt>" + htmlEscaped(label) + "</dt><dd>" + htmlEscaped(value) + "</dd></div>\n";
   }
   std::string Html() const { return "<dl class=\"facts\">\n" + rows_ + "</dl>\n"; }
 
@@ -256,8 +257,8 @@ std::string GalacticCentreCard(const PlaceDay& day) {
           isInstant ? events::MilkyWay::azimuthOfGalacticCenter(day.place.location, end.mjd) : 0.0;
       html +=
           "<tr><th scope=\"row\">" + htmlEscaped(Ephemeris(end.title)) + "</th><td>" +
-          bdi(Time(day, end.mjd)) + "</td><td>" + bdi(isInstant ? AzimuthText(azimuth) : kNothing) +
-          "</td><td>" +
+          htmlEscaped(Time(day, end.mjd)) + "</td><td>" +
+          htmlEscaped(isInstant ? AzimuthText(azimuth) : kNothing) + "</td><td>" +
           bdi(isInstant ? numberText(std::round(end.tilt * ephemeris::kRadiansToDegrees), 0) + "°"
                         : kNothing) +
           "</td></tr>\n";

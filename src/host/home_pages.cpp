@@ -111,17 +111,43 @@ std::string LabelFor(const char* key, const std::string& name) {
   return stringWithFormat(localizedString(key, kTableApp), {name});
 }
 
-std::string ThemeChoice(const PlacedWidget& widget, const std::string& name) {
-  std::string html = "<label class=\"choice\"><span>" + webText("web_theme") +
-                     "</span><select data-action=\"theme\"" +
-                     Attribute("aria-label", LabelFor("web_theme_of", name)) + ">";
-  for (const widgets::Enum theme :
-       {widgets::Enum::system, widgets::Enum::dark, widgets::Enum::light}) {
-    html += std::string("<option value=\"") + themeName(theme) + "\"" +
-            (theme == widget.theme ? " selected" : "") + ">" + htmlEscaped(ThemeText(theme)) +
-            "</option>";
+struct Option {
+  std::string value;
+  std::string text;
+  bool isSelected = false;
+};
+
+/// The widget's member named by the action, to be chosen among these.
+std::string Choice(const char* action, const char* titleKey, const std::string& label,
+                   const std::vector<Option>& options) {
+  std::string html = "<label class=\"choice\"><span>" + webText(titleKey) +
+                     "</span><select data-action=\"" + action + "\"" +
+                     Attribute("aria-label", label) + ">";
+  for (const Option& option : options) {
+    html += "<option value=\"" + option.value + "\"" + (option.isSelected ? " selected" : "") +
+            ">" + htmlEscaped(option.text) + "</option>";
   }
   return html + "</select></label>\n";
+}
+
+/// Nothing where the kind has one size.
+std::string FamilyChoice(const PlacedWidget& widget, const std::string& name) {
+  const auto configuration = configurationOf(widget.kind);
+  if (!configuration || configuration->supportedFamilies.size() < 2) return "";
+  std::vector<Option> options;
+  for (const widgets::WidgetFamily family : configuration->supportedFamilies) {
+    options.push_back({familyName(family), FamilyText(family), family == widget.family});
+  }
+  return Choice("family", "web_size", LabelFor("web_size_of", name), options);
+}
+
+std::string ThemeChoice(const PlacedWidget& widget, const std::string& name) {
+  std::vector<Option> options;
+  for (const widgets::Enum theme :
+       {widgets::Enum::system, widgets::Enum::dark, widgets::Enum::light}) {
+    options.push_back({themeName(theme), ThemeText(theme), theme == widget.theme});
+  }
+  return Choice("theme", "web_theme", LabelFor("web_theme_of", name), options);
 }
 
 std::string PlacedItem(const ShownWidget& shown, std::size_t index, std::size_t count) {
@@ -146,7 +172,8 @@ std::string PlacedItem(const ShownWidget& shown, std::size_t index, std::size_t 
                                                      {name, PlaceText(widget)})) +
             ">" + bdi(PlaceText(widget)) + "</button></div>\n";
   }
-  html += ThemeChoice(widget, name) + "</div>\n<div class=\"moves\">\n";
+  html +=
+      FamilyChoice(widget, name) + ThemeChoice(widget, name) + "</div>\n<div class=\"moves\">\n";
   html += Button("up", "<span aria-hidden=\"true\">\u2191</span>", LabelFor("web_move_up", title),
                  index == 0);
   html += Button("down", "<span aria-hidden=\"true\">\u2193</span>",

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <sstream>
 #include <utility>
 
 #include "host/widget_entry.h"
@@ -180,11 +181,13 @@ HomeScreen HomeScreen::standard() {
 
 HomeScreen HomeScreen::fromJson(const std::string& text) {
   Json json;
+  std::istringstream stream(text);
   try {
-    json = Json::parse(text);
-  } catch (const Json::parse_error& error) {
-    const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
-    const auto line = std::count(text.begin(), end, '\n') + 1;
+    json = Json::parse(stream);
+  } catch (const Json::exception&) {
+    // What is no JSON, and numbers beyond what can be held, whose exception does not say where.
+    stream.clear();
+    const auto line = std::count(text.begin(), text.begin() + stream.tellg(), '\n') + 1;
     Throw("home_error_json", {std::to_string(line)});
   }
   if (!json.is_object() || !json.contains("widgets") || !json.at("widgets").is_array()) {

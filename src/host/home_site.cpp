@@ -33,18 +33,15 @@ using platform::stringWithFormat;
 constexpr const char* kSvg = "image/svg+xml";
 constexpr const char* kPng = "image/png";
 constexpr const char* kJson = "application/json";
-/// A name and a zone hold this far around the place that they were looked up for.
-constexpr double kSamePlaceMeters = 1000.0;
 /// How soon to come again for what is being computed.
 constexpr int kSecondsToFirstEntry = 2;
 /// Plans are changed by another program, and a home screen may have no widget that tells of it.
 constexpr int kSecondsToPlans = 15;
 constexpr const char* kPlansRefresh = " data-refresh=\"15\"";
 
-/// Whether a widget leads to the Sun's page, or else to the Moon's.
-bool LeadsToDay(const std::string& kind, bool isSun) {
-  if (kind == "LumenquestWidget") return true;
-  return isSun ? kind == "SunWidget" : kind == "MoonWidget" || kind == "GalacticCenterSmallWidget";
+/// Whether a widget of the sky tells of the Sun's page, or else of the Moon's.
+bool TellsOf(const std::string& kind, bool isSun) {
+  return kind == widgets::LumenquestWidget().kind || leadsToMoon(kind) != isSun;
 }
 
 /// A version of contents, for caches: FNV-1a, 64 bits.
@@ -142,7 +139,7 @@ std::optional<platform::CLLocation> DeviceLocation() {
 /// Where the device was last; `data` is of a widget that follows it, and may be null.
 std::optional<DayPlace> LastPlace(const widgets::LocationWidgetData* data) {
   const platform::NSTimeZone local = platform::NSTimeZone::localTimeZone();
-  const auto saved = platform::SavedLocation::load();
+  const auto [saved, savedPlace] = platform::SavedLocation::loadWithPlace();
   const auto location = DeviceLocation();
   if (!location && !saved) return std::nullopt;
   std::optional<std::string> address;
@@ -150,11 +147,11 @@ std::optional<DayPlace> LastPlace(const widgets::LocationWidgetData* data) {
   if (location && data != nullptr) {
     address = data->address;
     zone = data->timeZone;
-  } else if (!location || (saved && location->distanceFromLocation(*saved) <= kSamePlaceMeters)) {
+  } else if (!location ||
+             (saved && location->distanceFromLocation(*saved) <= widgets::kSamePlaceDistance)) {
     // The saved location is that of whichever widget asked last, wherever it is.
-    const platform::SavedPlace place = platform::SavedLocation::readPlace();
-    address = place.address;
-    zone = KnownZone(place.timeZone);
+    address = savedPlace.address;
+    zone = KnownZone(savedPlace.timeZone);
   }
   const platform::CLLocation& there = location ? *location : *saved;
   return DayPlace{address.value_or(CoordinateText(there)), there, zone.value_or(local)};
@@ -351,7 +348,7 @@ const ShownWidget* HomeSite::WidgetOfDay(const std::string& id, bool isSun) cons
   for (const ShownWidget& shown : scheduler_.shown()) {
     if (shown.isPlaceholder || LocationDataOf(shown.entry) == nullptr) continue;
     const bool followsDevice = !shown.widget.place;
-    if (!LeadsToDay(shown.widget.kind, isSun)) {
+    if (!TellsOf(shown.widget.kind, isSun)) {
       if (followsDevice && other == nullptr) other = &shown;
     } else if (followsDevice) {
       return &shown;
@@ -363,6 +360,9 @@ const ShownWidget* HomeSite::WidgetOfDay(const std::string& id, bool isSun) cons
 }
 
 WebResponse HomeSite::Day(const WebRequest& request) {
+  const bool isPicture = request.path == "/moon.svg";
+  // The picture of the page that was answered just now.
+  if (isPicture && moon_ && Parameter(request, "v") == TagOf(*moon_)) return SvgOf(moon_);
   const std::string id = Parameter(request, "widget");
   const bool isSun = request.path == "/sun";
   const ShownWidget* const shown = WidgetOfDay(id, isSun);
@@ -370,7 +370,7 @@ WebResponse HomeSite::Day(const WebRequest& request) {
   const std::string title =
       localizedString(isSun ? "appwidget_sun" : "appwidget_moon", platform::kTableCommon);
   const std::optional<DayPlace> place = PlaceOf(shown);
-  if (!place && request.path == "/moon.svg") return NotFound();
+  if (!place && isPicture) return NotFound();
   if (!place) {
     const bool isComing = shown != nullptr && shown->isPlaceholder && shown->widget.place;
     WebPage page{title, "message",
@@ -382,11 +382,10 @@ WebResponse HomeSite::Day(const WebRequest& request) {
   }
   const platform::PlaceZone zone(place->timeZone);
   const PlaceDay day = computePlaceDay(*place, isSun ? nullptr : &nextVisibleDates_);
-  const auto moon = std::make_shared<const std::string>(isSun ? std::string()
-                                                              : options_.drawImage(MoonImage(day)));
-  if (request.path == "/moon.svg") return SvgOf(moon);
+  if (!isSun) moon_ = std::make_shared<const std::string>(options_.drawImage(MoonImage(day)));
+  if (isPicture) return SvgOf(moon_);
   WebPage page;
-  page.title = title + " \u2013 \u2068" + place->title + "\u2069";
+  page.title = title + " \u2013 " + widgets::view::isolated(place->title);
   page.kind = "day";
   page.script = "home.js";
   page.attributes = " data-refresh=\"60\"";
@@ -396,7 +395,7 @@ WebResponse HomeSite::Day(const WebRequest& request) {
   } else {
     // Under the same address an open page would go on showing the picture that it has.
     const std::string widget = id.empty() ? "" : "widget=" + percentEncoded(id) + "&";
-    page.main = moonPageContent(day, "/moon.svg?" + widget + "v=" + TagOf(*moon));
+    page.main = moonPageContent(day, "/moon.svg?" + widget + "v=" + TagOf(*moon_));
   }
   return Page(page);
 }

@@ -23,7 +23,7 @@ struct ErrorPage {
 constexpr ErrorPage kErrorPages[] = {
     {400, "Bad Request", "web_bad_request"},
     {403, "Forbidden", "web_other_site"},
-    {404, "Not Found", "web_not_found", "web_page_missing_title"},
+    {404, "Not Found", "web_page_missing", "web_page_missing_title"},
     {405, "Method Not Allowed", "web_method", "web_method_title"},
     {413, "Content Too Large", "web_body_too_large"},
     {414, "URI Too Long", "web_address_too_long"},
@@ -60,11 +60,9 @@ std::string Link(const std::string& address, const std::string& text) {
 
 /// A sentence whose placeholder, if it has one, becomes a link.
 std::string Linked(const std::string& sentence, const std::string& url) {
-  constexpr std::string_view kPlaceholder = "%@";
-  const std::size_t at = sentence.find(kPlaceholder);
-  if (at == std::string::npos) return htmlEscaped(sentence) + ' ' + Link("/", webText("web_back"));
-  return htmlEscaped(sentence.substr(0, at)) + "<bdi>" + Link(url, htmlEscaped(url)) + "</bdi>" +
-         htmlEscaped(sentence.substr(at + kPlaceholder.size()));
+  const std::string link = "<bdi>" + Link(url, htmlEscaped(url)) + "</bdi>";
+  const std::string linked = platform::stringWithFormat(sentence, {link});
+  return linked == sentence ? sentence + ' ' + Link("/", webText("web_back")) : linked;
 }
 
 }  // namespace
@@ -74,19 +72,14 @@ std::string phraseOf(int status) {
   return page != nullptr ? page->phrase : soup_status_get_phrase(static_cast<guint>(status));
 }
 
-std::string errorPage(int status, const std::string& url) {
+std::string errorPage(int status, const std::string& url, const WebLanguage& language) {
   const ErrorPage* page = Find(status);
   if (page == nullptr) page = Find(status < 500 ? 400 : 500);
-  const std::string title = webText(page->titleKey);
-  // The direction is that of the title, which comes first.
-  return "<!DOCTYPE html>\n<html lang=\"" + webText("language_tag") +
-         "\" dir=\"auto\">\n<head>\n<meta charset=\"utf-8\">\n<title>" + title +
-         " \u2013 Lumenquest</title>\n"
-         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
-         "<link rel=\"icon\" href=\"data:,\">\n<style>" +
-         kStyle + "</style>\n</head>\n<body>\n<main>\n<h1>" + title + "</h1>\n<p>" +
-         Linked(platform::localizedString(page->key, platform::kTableApp), url) +
-         "</p>\n</main>\n</body>\n</html>\n";
+  const std::string title = platform::localizedString(page->titleKey, platform::kTableApp);
+  return documentBeginning(title + " \u2013 Lumenquest", language) +
+         "<link rel=\"icon\" href=\"data:,\">\n<style>" + kStyle +
+         "</style>\n</head>\n<body>\n<main>\n<h1>" + htmlEscaped(title) + "</h1>\n<p>" +
+         Linked(webText(page->key), url) + "</p>\n</main>\n</body>\n</html>\n";
 }
 
 std::string errorStyleSource() {

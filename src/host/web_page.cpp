@@ -5,12 +5,16 @@
 
 namespace lumenquest::host {
 
+std::string documentBeginning(const std::string& title, const WebLanguage& language) {
+  return "<!DOCTYPE html>\n<html lang=\"" + htmlEscaped(language.tag) + "\" dir=\"" +
+         (language.isRightToLeft ? "rtl" : "ltr") +
+         "\">\n<head>\n<meta charset=\"utf-8\">\n<title>" + htmlEscaped(title) +
+         "</title>\n"
+         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n";
+}
+
 std::string documentOf(const WebPage& page, const WebLanguage& language) {
-  std::string html = "<!DOCTYPE html>\n<html lang=\"" + htmlEscaped(language.tag) + "\" dir=\"" +
-                     (language.isRightToLeft ? "rtl" : "ltr") + "\">\n<head>\n" +
-                     "<meta charset=\"utf-8\">\n<title>" + htmlEscaped(page.title) +
-                     "</title>\n"
-                     "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n"
+  std::string html = documentBeginning(page.title, language) +
                      "<meta name=\"color-scheme\" content=\"light dark\">\n"
                      "<link rel=\"icon\" href=\"/icon.svg\" type=\"image/svg+xml\">\n"
                      "<link rel=\"stylesheet\" href=\"/style.css\">\n";

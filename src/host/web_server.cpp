@@ -537,9 +537,9 @@ class WebServer::Impl {
     SetErrorPage(response, url());
   }
 
-  static void SetErrorPage(WebResponse& response, const std::string& url) {
+  void SetErrorPage(WebResponse& response, const std::string& url) const {
     response.contentType = "text/html; charset=utf-8";
-    response.body = errorPage(response.status, url);
+    response.body = errorPage(response.status, url, options_.language);
   }
 
   /// Leads to the address by which the client came here: localhost is another machine to it.

@@ -13,7 +13,6 @@ namespace lumenquest::host {
 
 namespace {
 
-constexpr std::string_view kPlanLink = "lumenquest://plan?id=";
 constexpr std::string_view kLinkStart = "<a href=\"";
 
 std::string WithWidget(const std::string& page, const std::string& widgetId) {
@@ -40,17 +39,20 @@ std::string pageOfDeepLink(const std::string& deepLink, const std::string& widge
   if (deepLink == widgets::kSunLink) return WithWidget("/sun", widgetId);
   if (deepLink == widgets::kMoonLink) return WithWidget("/moon", widgetId);
   if (deepLink == widgets::kPlansLink) return "/plans";
-  if (deepLink.starts_with(kPlanLink)) {
-    return "/plan?id=" + percentEncoded(percentDecoded(deepLink.substr(kPlanLink.size())));
+  if (deepLink.starts_with(widgets::kPlanLinkStart)) {
+    return "/plan?id=" +
+           percentEncoded(percentDecoded(deepLink.substr(widgets::kPlanLinkStart.size())));
   }
   return "";
 }
 
+bool leadsToMoon(const std::string& kind) {
+  return kind == widgets::MoonWidget().kind || kind == widgets::GalacticCenterWidget().kind;
+}
+
 std::string pageOfWidget(const PlacedWidget& widget) {
   if (widget.kind == widgets::PlansWidget().kind) return "/plans";
-  const bool isOfMoon = widget.kind == widgets::MoonWidget().kind ||
-                        widget.kind == widgets::GalacticCenterWidget().kind;
-  return WithWidget(isOfMoon ? "/moon" : "/sun", widget.id);
+  return WithWidget(leadsToMoon(widget.kind) ? "/moon" : "/sun", widget.id);
 }
 
 const WidgetPicture& WidgetPictures::pictureOf(const ShownWidget& shown,

@@ -13,6 +13,16 @@ namespace {
 /// Set in the suite once the older settings were copied into it.
 constexpr const char* kMigrated = "lumenquest_migrate_appgroups";
 
+/// The first placemark's title and zone, as far as there are any.
+SavedPlace FoundPlace(const std::vector<CLPlacemark>& placemarks, bool failed) {
+  SavedPlace place;
+  if (failed || placemarks.empty()) return place;
+  const CLPlacemark& placemark = placemarks.front();
+  place.address = placemark.cityTitle();
+  if (placemark.timeZone) place.timeZone = placemark.timeZone->name;
+  return place;
+}
+
 /// A value as a number: texts count as nothing, true as 1.
 double Number(const std::optional<NSUserDefaults::Value>& value) {
   if (!value) return 0.0;
@@ -120,9 +130,8 @@ void SavedLocation::savePlace(const SavedPlace& place) {
 }
 
 std::pair<std::optional<CLLocation>, SavedPlace> SavedLocation::loadWithPlace() {
-  NSUserDefaults* const suite = NSUserDefaults::lumenquestUserDefaults();
   std::pair<std::optional<CLLocation>, SavedPlace> saved;
-  if (suite != nullptr) suite->atomically([&] { saved = {load(), readPlace()}; });
+  atomically([&] { saved = {load(), readPlace()}; });
   return saved;
 }
 
@@ -144,21 +153,14 @@ SavedPlace SavedLocation::readPlace() {
 
 SavedPlace SavedLocation::saveGeocoded(const std::vector<CLPlacemark>& placemarks, bool failed,
                                        const CLLocation& location) {
-  const SavedPlace place = geocodedPlace(placemarks, failed, location);
   // A coordinate's text is shown and never kept.
-  const bool hasPlace = !failed && !placemarks.empty();
-  savePlace({hasPlace ? placemarks.front().cityTitle() : std::nullopt, place.timeZone});
-  return place;
+  savePlace(FoundPlace(placemarks, failed));
+  return geocodedPlace(placemarks, failed, location);
 }
 
 SavedPlace SavedLocation::geocodedPlace(const std::vector<CLPlacemark>& placemarks, bool failed,
                                         const CLLocation& location) {
-  SavedPlace place;
-  if (!failed && !placemarks.empty()) {
-    const CLPlacemark& placemark = placemarks.front();
-    place.address = placemark.cityTitle();
-    if (placemark.timeZone) place.timeZone = placemark.timeZone->name;
-  }
+  SavedPlace place = FoundPlace(placemarks, failed);
   if (!place.address) {
     place.address = LocationUtils::latLonStringWithCoordinate(location.coordinate);
   }

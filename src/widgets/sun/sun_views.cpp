@@ -1,5 +1,8 @@
 #include "widgets/sun/sun_views.h"
 
+#include <utility>
+#include <vector>
+
 #include "platform/assertion.h"
 #include "platform/localized_strings.h"
 #include "widgets/deep_links.h"
@@ -114,16 +117,24 @@ Element SunInfoViewMedium(const SunLightWidgetData& sunData, WidgetFamily family
     }
     return vstack(std::move(elements), gap, Alignment::start);
   };
+  const Element place = PostalAddressView(sunData.locationData) | fillWidth();
+  const Element nextLight = NextLight(content) | fillWidth();
+  const Element riseSet = RiseSet(sunData);
+  std::vector<std::pair<double, Element>> onOneLine;
+  for (const double size : {largest, kBody, kCaption, kDense}) {
+    if (onOneLine.empty() || size < onOneLine.back().first) {
+      onOneLine.emplace_back(size, rows(size, false, 1.5 * kGap));
+    }
+  }
   // Two lines a row rather than letters below `leastSize`.
   const auto table = [&](double leastSize, double lineGap) {
     Elements forms;
-    for (const double size : {largest, kBody, kCaption, kDense}) {
-      if (size >= leastSize) forms.push_back(rows(size, false, 1.5 * kGap));
+    for (const auto& [size, form] : onOneLine) {
+      if (size >= leastSize) forms.push_back(form);
     }
     forms.push_back(rows(leastSize, true, lineGap));
-    return vstack({PostalAddressView(sunData.locationData) | fillWidth(), spacer(),
-                   firstThatFits(Axis::horizontal, std::move(forms)), spacer(), divider(),
-                   NextLight(content) | fillWidth(), RiseSet(sunData)},
+    return vstack({place, spacer(), firstThatFits(Axis::horizontal, std::move(forms)), spacer(),
+                   divider(), nextLight, riseSet},
                   lineGap, Alignment::start);
   };
   // Smaller letters on one line before lines stand close.

@@ -20,6 +20,18 @@ platform::CGSize sizeOf(WidgetFamily family) {
   return {364.0, 382.0};
 }
 
+platform::CGSize leastSizeOf(WidgetFamily family) {
+  switch (family) {
+    case WidgetFamily::systemSmall:
+      return {141.0, 141.0};
+    case WidgetFamily::systemMedium:
+      return {292.0, 141.0};
+    case WidgetFamily::systemLarge:
+      break;
+  }
+  return {292.0, 311.0};
+}
+
 Element::Element(Node node) : node_(std::make_shared<const Node>(std::move(node))) {}
 
 Element text(std::string text) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <system_error>
 
 namespace lumenquest::adapters {
 
@@ -12,7 +13,15 @@ namespace lumenquest::adapters {
 std::optional<std::string> writeFileWhole(const std::filesystem::path& path,
                                           const std::string& contents);
 
-/// A file's contents; empty when it cannot be read.
-std::string contentsOfFile(const std::filesystem::path& path);
+/// A file's contents; absent when it cannot be read.
+std::optional<std::string> contentsOfFile(const std::filesystem::path& path);
+
+/// The contents of a file that was installed with the program. Throws std::runtime_error when it
+/// cannot be read.
+std::string contentsOfResource(const std::filesystem::path& path);
+
+/// Makes the folder and those above it that are missing, for their user alone: where somebody will
+/// be and when is nobody else's business. Folders that are there stay as they are.
+std::error_code makePrivateFolder(const std::filesystem::path& folder);
 
 }  // namespace lumenquest::adapters

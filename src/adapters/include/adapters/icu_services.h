@@ -16,6 +16,10 @@ std::optional<std::string> localeIdentifier(const std::string& tag);
 /// knows it, else the plain English one.
 std::string environmentLocale();
 
+/// The language tag (BCP 47) of a locale's identifier: "de-AT" for "de_AT" or "de_AT@euro". Of
+/// language, script and region alone.
+std::string languageTag(const std::string& locale);
+
 /// Whether the locale's script runs from right to left.
 bool isRightToLeft(const std::string& locale);
 

@@ -17,10 +17,10 @@ class PangoTextMeasurer final : public platform::TextMeasurer {
                                 double width) override;
 };
 
-/// The language of the texts measured and drawn from now on, a BCP 47 tag or a locale's identifier
-/// ("ja", "zh_TW"): it decides which shapes characters have that several scripts share.
+/// The language of the texts measured and drawn from now on, a BCP 47 tag ("ja", "zh-TW"): it
+/// decides which shapes characters have that several scripts share.
 void setTextLanguage(const std::string& language);
-/// That language as a BCP 47 tag; empty before it is known.
+/// That language; empty before it is known.
 std::string textLanguage();
 
 }  // namespace lumenquest::adapters

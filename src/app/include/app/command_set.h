@@ -37,7 +37,7 @@ struct OptionSpec {
   /// What the shell offers as values. Empty: the choices that `valueName` lists, files for FILE and
   /// folders for DIR.
   Suggestions suggestions{};
-  /// In the place of `suggestions`.
+  /// In the place of `suggestions`; the choices where it offers none.
   SuggestionsAfter suggestionsAfter{};
 
   bool isFlag() const { return std::holds_alternative<bool*>(value); }

@@ -41,6 +41,10 @@ std::optional<double> parseNumber(const std::string& text);
 [[noreturn]] void throwBadOption(const char* option, const std::string& value,
                                  const char* expectationKey);
 
+/// The same where what would be right is no text of its own, such as a list.
+[[noreturn]] void throwBadOptionExpecting(const char* option, const std::string& value,
+                                          const std::string& expectation);
+
 /// The text of a key of the command's table.
 std::string appText(const char* key);
 

@@ -3,12 +3,9 @@
 #include <cstdint>
 #include <string>
 
-#include "app/widget_request.h"
+#include "app/option_values.h"
 
 namespace lumenquest::app {
-
-/// Where a host listens when nothing is said.
-inline constexpr std::uint16_t kUsualHomePort = 8437;
 
 /// Tells other processes of this user where a host listens, as long as it does.
 class HomeAnnouncement {

@@ -10,6 +10,8 @@
 
 namespace lumenquest::app {
 
+/// The folder that this process's program lies in; empty where the system does not say.
+std::filesystem::path programFolder();
 /// Folder of the string tables and the other resources: beside the program's folder in the build
 /// and in an installed tree that was moved, else where the installation put it.
 std::string resourceFolder();

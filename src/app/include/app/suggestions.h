@@ -16,8 +16,8 @@ std::vector<Suggestion> suggestTimeZones(const std::string& beginning);
 /// The languages that there are words in.
 std::vector<Suggestion> suggestLocales(const std::string& beginning);
 std::vector<Suggestion> suggestKinds(const std::string& beginning);
-/// The sizes of a kind of widget; all sizes for what is none.
-std::vector<Suggestion> suggestFamilies(const OptionText& kind);
+/// The sizes of the kind of widget that is a command's first argument; none for what is no kind.
+std::vector<Suggestion> suggestFamiliesOfKind(const std::vector<std::string>& arguments);
 /// Deep links: of the pages, and of the saved plans, whose names they are told by.
 std::vector<Suggestion> suggestLinks(const std::string& beginning);
 

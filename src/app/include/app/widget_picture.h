@@ -15,6 +15,8 @@ void drawWidget(const widgets::view::Element& view, platform::CGSize size,
 
 enum class PictureFormat { png, svg };
 
+/// Nothing given: dark. Throws UsageError.
+platform::ColorScheme parseScheme(const OptionText& text);
 /// Pixels a point, from 1 to 4; nothing given: 2. Throws UsageError.
 double parseScale(const OptionText& text);
 OptionSpec scaleOption(OptionText& value);

@@ -36,6 +36,9 @@ struct WidgetRequest {
   host::HostRequest request = host::HostRequest::timeline;
 };
 
+/// The kind by its name, in letters of either case and with or without what kinds' names share;
+/// nothing for what is none.
+std::optional<widgets::WidgetConfiguration> kindNamed(const std::string& text);
 /// A widget without an identifier. Throws UsageError.
 host::PlacedWidget parseWidget(const WidgetOptions& options, const std::string& locale);
 

@@ -87,6 +87,8 @@ class HomeSite {
   WidgetPngs pngs_;
   HomeApi api_;
   NextVisibleDates nextVisibleDates_;
+  /// Drawn last, for a page that asks for it next.
+  std::shared_ptr<const std::string> moon_;
 };
 
 }  // namespace lumenquest::host

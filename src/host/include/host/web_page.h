@@ -26,6 +26,8 @@ struct WebPage {
 };
 
 /// A whole document.
+/// The first lines of each page's head, which goes on.
+std::string documentBeginning(const std::string& title, const WebLanguage& language);
 std::string documentOf(const WebPage& page, const WebLanguage& language);
 
 /// A text of the table App, as HTML.

@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "host/web_page.h"
 #include "host/web_request.h"
 #include "platform/ns_error.h"
 
@@ -23,6 +24,8 @@ class WebServerError : public std::runtime_error {
 /// Limits of a server. Those who come when all places are taken are told to come again (503).
 struct WebServerOptions {
   ListenAddress listen{};
+  /// Of the pages that the server itself answers with.
+  WebLanguage language{};
   /// Where the server-sent events are.
   std::string eventsPath = "/events";
   std::size_t maxStreams = 1024;

@@ -28,6 +28,8 @@ using DrawPng = std::function<std::string(const ShownWidget& shown, platform::Co
 /// Where a deep link of a widget leads on the site; `widgetId` may be empty. Nothing for an address
 /// that is none of ours.
 std::string pageOfDeepLink(const std::string& deepLink, const std::string& widgetId);
+/// Whether a widget of this kind leads to the Moon's page.
+bool leadsToMoon(const std::string& kind);
 /// Where a widget as a whole leads.
 std::string pageOfWidget(const PlacedWidget& widget);
 

@@ -40,8 +40,8 @@ class NSUserDefaults {
   /// Nothing removes the key.
   virtual void setObject(const std::optional<Value>& value, const std::string& forKey) = 0;
   virtual Dictionary dictionaryRepresentation() const = 0;
-  /// What `body` reads and writes belongs together: no other process, thread or object on the same
-  /// store writes in between, and others see all of it or nothing. May be nested.
+  /// What `body` reads and writes belongs together: in a store that others share no other process,
+  /// thread or object writes in between, and they see all of it or nothing. May be nested.
   virtual void atomically(const std::function<void()>& body) { body(); }
   /// Makes what was written visible to other processes. False when that failed.
   virtual bool synchronize() = 0;

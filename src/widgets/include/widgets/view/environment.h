@@ -33,5 +33,7 @@ struct Environment {
 
 /// Size of a family in points, on a phone of the common size.
 platform::CGSize sizeOf(WidgetFamily family);
+/// On the smallest phone, in points: the views are laid out for no less.
+platform::CGSize leastSizeOf(WidgetFamily family);
 
 }  // namespace lumenquest::widgets::view
