@@ -102,6 +102,7 @@ TEST(Locales, KnownTags) {
                                                  {"en-US-u-hc-h23", "en_US@hours=h23"},
                                                  {"iw", "iw"}};
   for (const auto& [tag, identifier] : known) EXPECT_EQ(localeIdentifier(tag), identifier) << tag;
+  EXPECT_EQ(languageTag("he_IL@calendar=hebrew"), "he-IL");
   for (const char* tag : {"", "xx", "en-XQ", "english", "de--AT", "42", "en-Zzzx"}) {
     EXPECT_FALSE(localeIdentifier(tag)) << tag;
   }

@@ -16,6 +16,7 @@
 
 #include "adapters/asset_catalog.h"
 #include "adapters/cairo_canvas.h"
+#include "adapters/icu_services.h"
 #include "adapters/pango_text.h"
 #include "adapters/svg_canvas.h"
 #include "adapters/svg_pictures.h"
@@ -440,9 +441,9 @@ TEST(SvgCanvas, KeepsLinksAndLabelsAndLeavesOutWhatIsEmpty) {
 }
 
 TEST(SvgCanvas, SaysItsLanguage) {
-  for (const auto& [locale, tag] : {std::pair("he_IL.UTF-8@calendar=hebrew", "he-IL"),
-                                    std::pair("en-GB", "en-GB"), std::pair("", "")}) {
-    setTextLanguage(locale);
+  for (const std::string& tag :
+       {languageTag("he_IL.UTF-8@calendar=hebrew"), std::string("en-GB"), std::string()}) {
+    setTextLanguage(tag);
     const XmlContents contents(Svg({1, 1}, [](Canvas&) {}));
     EXPECT_EQ(contents.attribute("lang"), tag);
     EXPECT_EQ(contents.attribute("xml:lang"), tag);
