@@ -323,7 +323,11 @@ TEST(CairoCanvas, BandsHaveNoSeams) {
   EXPECT_EQ(Apart(narrow, wide), 0);
 }
 
-TEST(CairoCanvas, RefusesTheImpossible) {
+TEST(CairoCanvas, SaysItsColourSpaceAndSizeAndRefusesTheImpossible) {
+  const std::string png = Png({10, 10}, 3, [](Canvas&) {});
+  EXPECT_NE(png.find("sRGB"), std::string::npos);
+  // 3 × 96 pixels an inch are 11339 a metre.
+  EXPECT_NE(png.find(std::string("pHYs\0\0\x2c\x4b\0\0\x2c\x4b\1", 13)), std::string::npos);
   for (const auto& [points, scale] : {std::pair{10.0, 0.5},
                                       {10.0, std::nan("")},
                                       {0.0, 1.0},
@@ -474,6 +478,8 @@ TEST(SvgCanvas, AnyTextMakesAWellFormedDocument) {
       other.drawText(text, Style(3), kBlack, {0, 0, 90, 90});
     });
   }
+  EXPECT_THROW(SvgCanvas({1, 1}, "a\""), std::runtime_error);
+  EXPECT_THROW(SvgCanvas({0, 1}, "a"), std::runtime_error);
 }
 
 }  // namespace

@@ -280,6 +280,12 @@ TEST_F(GeoclueLocation, WhoIsGoneIsNotAnswered) {
       EXPECT_EQ(service.clients, 0);
     }
   }
+  // A manager that outlives its delegate answers nobody.
+  FakeGeoclue service(FakeGeoclue::Answer::found);
+  manager_->requestLocation();
+  told_.reset();
+  Run(0.2);
+  EXPECT_NE(manager_->location(), std::nullopt);
 }
 
 }  // namespace

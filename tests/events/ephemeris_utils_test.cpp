@@ -84,6 +84,11 @@ TEST(Texts, Instants) {
             "12:00\u202FAM");
   EXPECT_EQ(EphemerisUtils::stringForMjd(day.today - 0.01, day.today, day.tomorrow),
             "11:46\u202FPM <event_one_day_minus>");
+
+  WidgetAstrolib lib;
+  lib.mjdTomorrowAt0 = day.tomorrow;
+  EXPECT_EQ(lib.stringForMjd(day.tomorrow), "12:00\u202FAM <event_one_day_plus>");
+  EXPECT_EQ(lib.stringForMjd(day.today - 1.0), "12:00\u202FAM");
 }
 
 TEST(Texts, Intervals) {

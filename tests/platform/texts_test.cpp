@@ -55,9 +55,12 @@ TEST(Formatters, FollowTheLocale) {
     const NSDate date = Instant("2024-03-05T15:07:00Z");
     EXPECT_EQ(formatters.shortTimeFormatter().stringFromDate(date), c.time) << c.locale;
     EXPECT_EQ(formatters.shortDateFormatter().stringFromDate(date), c.date) << c.locale;
+    const auto day = Formatters::dateFormatterWithMediumMonthAndNoYear();
     const auto dayTime = Formatters::dateTimeFormatterWithMediumMonthAndNoYear();
+    day->setTimeZone({"Europe/Athens"});
     dayTime->setTimeZone({"Europe/Athens"});
     EXPECT_EQ(dayTime->stringFromDate(date), c.dayMonthTime) << c.locale;
+    EXPECT_EQ(day->stringFromDate(date) + ", " + c.time, c.dayMonthTime) << c.locale;
   }
 }
 
