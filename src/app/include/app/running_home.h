@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
+#include "adapters/held_file.h"
 #include "app/option_values.h"
 
 namespace lumenquest::app {
@@ -11,14 +13,9 @@ namespace lumenquest::app {
 class HomeAnnouncement {
  public:
   HomeAnnouncement(std::uint16_t port, const std::string& url);
-  ~HomeAnnouncement();
-  HomeAnnouncement(const HomeAnnouncement&) = delete;
-  HomeAnnouncement& operator=(const HomeAnnouncement&) = delete;
 
  private:
-  std::string path_;
-  /// Locked: so others tell a host that runs from one that died.
-  int file_ = -1;
+  std::optional<adapters::HeldFile> file_;
 };
 
 /// The page of the running host to which a deep link leads; nothing given: its home screen. Where
