@@ -38,6 +38,8 @@ TEST(Completion, OffersWhatCanFollow) {
        {"MoonWidget"}},
       {"a file for a short option", {"render", "sun", "-o", ""}, {":files"}},
       {"a setting", {"settings", "get", "global_c"}, {"global_coordinate_system"}},
+      {"of render", {"render", "plans", "--family", ""}, {"small", "medium"}},
+      {"of what is no kind yet", {"render", "all", "--family", "l"}, {"large"}},
       {"the sizes of a kind", {"home", "add", "plans", "--family", ""}, {"small", "medium"}},
       {"... in the same word",
        {"home", "add", "--id", "x", "sun", "--family=m"},

@@ -53,17 +53,17 @@ TEST(HomeCommand, ARunningHostIsFoundAndADeadOneForgotten) {
   const Home home;
   installServices({"en"});
   const fs::path dead = home / "cache/lumenquest/hosts/9999";
-  fs::create_directories(dead.parent_path());
-  std::ofstream(dead) << "http://127.0.0.1:9999/";
-  EXPECT_THROW(runningPage(std::nullopt), std::runtime_error);
-  EXPECT_FALSE(fs::exists(dead));
   {
     const HomeAnnouncement running(8437, "http://127.0.0.1:8437/");
+    // Where somebody will be, which the folder tells, is nobody else's business.
+    EXPECT_EQ(fs::status(home / "cache/lumenquest").permissions(), fs::perms::owner_all);
+    std::ofstream(dead) << "http://127.0.0.1:9999/";
     EXPECT_EQ(runningPage(std::nullopt), "http://127.0.0.1:8437/");
     EXPECT_EQ(runningPage("lumenquest://plan?id=1"),
               "http://127.0.0.1:8437/open?url=lumenquest%3A%2F%2Fplan%3Fid%3D1");
   }
   EXPECT_THROW(runningPage(std::nullopt), std::runtime_error);
+  EXPECT_FALSE(fs::exists(dead));
   EXPECT_TRUE(fs::is_empty(dead.parent_path()));
 }
 

@@ -2,7 +2,7 @@
 
 import assert from "node:assert/strict";
 import { execFileSync, spawn } from "node:child_process";
-import { mkdtempSync, readFileSync, rmSync } from "node:fs";
+import { existsSync, mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { tmpdir } from "node:os";
 import { join } from "node:path";
@@ -190,6 +190,9 @@ test("widgets are added, arranged, themed and removed with the keyboard alone", 
   await tabTo("Theme of Sun", "Shift+Tab");
   await page.keyboard.type("L");
   await said("Saved");
+  await tabTo("Size of Sun", "Shift+Tab");
+  await page.keyboard.type("M");
+  await page.locator('[data-id="sun"].medium').waitFor();
   await until(async () => (await sourceOf(home, "sun")).includes("scheme=light"));
 
   await tabTo("Remove Moon, number 2");
@@ -330,6 +333,31 @@ test("what a finger touches is large enough", async () => {
     const box = await control.boundingBox();
     assert.ok(box.width >= 44 && box.height >= 44,
       `${await control.evaluate((one) => one.outerHTML.slice(0, 80))} is ${box.width} x ${box.height}`);
+  }
+});
+
+test("pictures follow the user's position, into a folder that was swept as well", async () => {
+  const home = mkdtempSync(join(folders, "user-"));
+  const env = { ...process.env, XDG_DATA_HOME: join(home, "data"), XDG_CONFIG_HOME: home,
+    XDG_CACHE_HOME: join(home, "cache") };
+  const frames = join(home, "frames");
+  mkdirSync(join(home, "lumenquest"));
+  const beAt = (latitude, longitude) =>
+    writeFileSync(join(home, "lumenquest/position.json"), JSON.stringify({ latitude, longitude }));
+  const tellsOf = (place) => () => existsSync(join(frames, "index.json")) &&
+    readFileSync(join(frames, "index.json"), "utf8").includes(place);
+  beAt(46.3683, 14.1146);
+  const program = spawn(join(bin, "lumenquest"), ["home", "export", frames, "--locale", "en"],
+    { env, stdio: ["ignore", "ignore", "inherit"] });
+  try {
+    await until(tellsOf("Bled"));
+    beAt(-33.9249, 18.4241);
+    await until(tellsOf("Cape Town"));
+    rmSync(frames, { recursive: true });
+    execFileSync(join(bin, "lumenquest"), ["home", "set", "sun", "--theme", "light"], { env });
+    await until(() => existsSync(join(frames, "sun.png")));
+  } finally {
+    program.kill();
   }
 });
 

@@ -39,6 +39,7 @@ TEST(HomeScreen, WhatPeopleWriteIsTakenOrRefusedWithTheReason) {
       {R"([{"kind": "MoonWidget", "place": null, "theme": "light", "id": "a-1"}])", "none"},
       {R"([{"kind": "MoonWidget", "place": {"latitude": 46, "longitude": 14.5}}])", "none"},
       {R"([{"kind": "SunWidget",}])", "<home_error_json>"},
+      {R"([{"kind": "SunWidget", "place": {"latitude": 1e999}}])", "<home_error_json>"},
       {R"(["SunWidget"])", "<home_error_shape>"},
       {R"([{"kind": "Sun"}])", "<home_error_kind>"},
       {R"([{"kind": 7}])", "<home_error_text>"},

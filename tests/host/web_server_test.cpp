@@ -145,6 +145,7 @@ TEST_F(WebServerTest, WhatIsWrongIsRefusedAndNothingElseSuffers) {
   const std::string host = "Host: " + server.authority() + "\r\n";
   const std::string origin = "Origin: http://" + server.authority() + "\r\n";
   const std::string json = "Content-Type: application/json\r\n";
+  const std::string own = std::string("Host: ") + g_get_host_name();
   const auto head = [](const std::string& headers) {
     return "GET / HTTP/1.1\r\n" + headers + "\r\n";
   };
@@ -172,6 +173,7 @@ TEST_F(WebServerTest, WhatIsWrongIsRefusedAndNothingElseSuffers) {
       {head("Host: evil.example:" + port + "\r\n"), {421}},
       {head("Host: 127.0.0.1:1\r\n"), {421}},
       {head("Host: localhost.evil.example:" + port + "\r\n"), {421}},
+      {head(own + ".evil.example:" + port + "\r\n"), {421}},
       {head(host + "X: " + std::string(20000, 'a') + "\r\n"), {431}},
       {head(host + many), {431}},
       // Tricks with paths, escapes that are none or hide something, what is too long.
@@ -212,6 +214,7 @@ TEST_F(WebServerTest, WhatIsWrongIsRefusedAndNothingElseSuffers) {
        {"PUT /", "OPTIONS *", "CONNECT evil.example:80", "get /", "TRACE /", "POST /events"}) {
     cases.push_back({std::string(line) + " HTTP/1.1\r\n" + host + origin + json + "\r\n", {405}});
   }
+  EXPECT_EQ(WebClient(server.port()).Ask(head(own + ":" + port + "\r\n")).status, 200);
   for (const Case& wrong : cases) {
     SCOPED_TRACE(wrong.request.substr(0, 200));
     WebClient client(server.port());

@@ -17,6 +17,9 @@ namespace lumenquest::testing {
 /// The user's own configuration stays out of the tests.
 inline const int kNoConfiguration = setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
 
+/// And a service of the user's is not started by them.
+inline const int kNoSessionBus = setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent", 1);
+
 /// What is said is compared in English, whatever the developer speaks.
 inline const int kEnglish = setenv("LC_ALL", "en_US.UTF-8", 1);
 
