@@ -181,7 +181,7 @@ constexpr Figure kFigures[] = {
     {"sunrise_sunset", "a day's sunrise and sunset", 8.0},
     {"four_phases", "the four principal phases around a date", 6.0},
     {"year_of_apsides", "a year's apogees and perigees", 25.0},
-    {"calculate_data", "all values of a place's day", 60.0},
+    {"calculate_data", "all values of a place's day", 90.0},
     {"next_visible_date", "180 days searched for the galactic centre", 4000.0},
 };
 
