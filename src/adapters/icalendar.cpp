@@ -34,9 +34,9 @@ constexpr double kGeoPrecision = 1e-6;
 constexpr int kFirstYear = 1583;
 constexpr int kLastYear = 2999;
 constexpr double kDay = 86400.0;
-/// 1583-01-01 and 3000-01-01, a day before and after.
-constexpr NSDate kFirstDate = NSDate::dateWithTimeIntervalSince1970(-12212553600.0 - kDay);
-constexpr NSDate kEndDate = NSDate::dateWithTimeIntervalSince1970(32503680000.0 + kDay);
+/// 1583-01-01 and 3000-01-01, less a day for those who are ahead or behind.
+constexpr NSDate kFirstDate = NSDate::dateWithTimeIntervalSince1970(-12212553600.0 + kDay);
+constexpr NSDate kEndDate = NSDate::dateWithTimeIntervalSince1970(32503680000.0 - kDay);
 
 struct FreeComponent {
   void operator()(icalcomponent* component) const { icalcomponent_free(component); }
@@ -176,7 +176,7 @@ void ReadCalendar(icalcomponent* calendar, const ZoneOfFloatingTimes& zoneOfFloa
     }
     event.coordinate = CoordinateOf(source);
     event.placeName = TextOf(icalcomponent_get_location(source));
-    if (!ReadStart(calendar, source, zoneOfFloatingTimes, event)) {
+    if (!ReadStart(calendar, source, zoneOfFloatingTimes, event) || !isCalendarDate(*event.start)) {
       result.withoutStart.push_back(event.name.value_or(""));
       continue;
     }

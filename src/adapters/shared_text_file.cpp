@@ -1,5 +1,7 @@
 #include "adapters/shared_text_file.h"
 
+#include <cstdlib>
+#include <cstring>
 #include <system_error>
 
 #include "adapters/files.h"
@@ -19,6 +21,15 @@ platform::NSError Failure(const char* key, const fs::path& path, std::string det
 }
 
 }  // namespace
+
+std::string SharedTextFile::name() const {
+  std::string path = path_.string();
+  const char* const home = std::getenv("HOME");
+  if (home != nullptr && *home != '\0' && path.starts_with(home + std::string("/"))) {
+    path.replace(0, std::strlen(home), "~");
+  }
+  return path;
+}
 
 platform::Outcome<std::optional<std::string>> SharedTextFile::contents() const {
   std::error_code error;

@@ -101,7 +101,9 @@ class CommandSet::Command {
                                 {option.name, appText(option.expectationKey)});
       }
     }
-    const std::vector<std::string> unexpected = app.remaining();
+    std::vector<std::string> unexpected = app.remaining();
+    // What makes arguments of all that follows is none itself.
+    std::erase(unexpected, "--");
     if (unexpected.empty()) return appText("error_usage");
     return stringWithFormat(appText("error_unexpected_argument"),
                             {adapters::printableText(unexpected.front()), path + " --help"});

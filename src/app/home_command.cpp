@@ -6,12 +6,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <functional>
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <set>
 #include <stdexcept>
+#include <system_error>
 
 #include "adapters/icu_services.h"
 #include "adapters/printable_text.h"
@@ -363,6 +365,11 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
     return chosen.holds(id);
   };
   bool isLineDue = false;
+  int failure = 0;
+  const auto write = [&](const std::string& line) {
+    errno = 0;
+    if (out && !(out << line << '\n' << std::flush)) failure = errno;
+  };
   std::set<std::string> fresh;
   home.scheduler().onEntry([&](const ShownWidget& shown) {
     fresh.insert(shown.widget.id);
@@ -370,7 +377,7 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
     if (isBar) {
       isLineDue = true;
     } else {
-      out << EntryLine(shown) << '\n' << std::flush;
+      write(EntryLine(shown));
     }
   });
   // What is there no more leaves the bar.
@@ -378,11 +385,16 @@ std::string Watch(const HomeCommandOptions& options, std::ostream& out) {
   const ReaderWatch reader;
   home.run([&] {
     if (std::exchange(isLineDue, false)) {
-      out << WaybarLine(home.scheduler().shown(), holds) << '\n' << std::flush;
+      write(WaybarLine(home.scheduler().shown(), holds));
     }
     const bool isOnceDone = options.once && fresh.size() == home.scheduler().shown().size();
     return reader.isGone() || !out.good() || isOnceDone;
   });
+  // A reader who has enough is none that misses something.
+  if (failure != 0 && failure != EPIPE) {
+    throw std::runtime_error(
+        stringWithFormat(appText("error_output"), {std::generic_category().message(failure)}));
+  }
   return "";
 }
 

@@ -1,11 +1,11 @@
 #include "app/plans_command.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cmath>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
@@ -294,14 +294,22 @@ std::string ReadInput(const OptionText& file) {
     throw UsageError(stringWithFormat(appText("error_missing_option"),
                                       {"FILE", appText("expect_calendar_file")}));
   }
-  if (*file == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
+  // A device has no end; a calendar of a hundred thousand plans has 30 MB.
+  constexpr std::size_t kLargest = 256 * 1024 * 1024;
+  std::string text;
+  const auto isRead = [&](std::istream& stream) {
+    std::array<char, 64 * 1024> part;
+    while (text.size() <= kLargest &&
+           (stream.read(part.data(), part.size()), stream.gcount() > 0)) {
+      text.append(part.data(), static_cast<std::size_t>(stream.gcount()));
+    }
+    if (text.size() > kLargest) errno = EFBIG;
+    return stream.eof();
+  };
   errno = 0;
-  try {
-    std::ifstream stream(*file, std::ios::binary);
-    if (stream) return {std::istreambuf_iterator<char>(stream), {}};
-  } catch (const std::ios_base::failure&) {
-    // A folder opens, and fails when it is read.
-  }
+  std::ifstream stream;
+  if (*file != "-") stream.open(*file, std::ios::binary);
+  if (*file == "-" ? isRead(std::cin) : stream && isRead(stream)) return text;
   throw std::runtime_error(
       stringWithFormat(appText("error_file_read"),
                        {printableText(*file, 200), std::generic_category().message(errno)}));

@@ -4,8 +4,10 @@ namespace lumenquest::host {
 
 namespace {
 
-HomeScreen Parsed(const std::optional<std::string>& text) {
+HomeScreen Parsed(const std::optional<std::string>& text, const platform::TextFile& file) try {
   return text ? HomeScreen::fromJson(*text) : HomeScreen::standard();
+} catch (const HomeScreenError& error) {
+  throw HomeScreenError(file.name(), error);
 }
 
 void ThrowIfSet(const std::optional<platform::NSError>& error) {
@@ -17,13 +19,13 @@ void ThrowIfSet(const std::optional<platform::NSError>& error) {
 HomeScreen HomeScreenFile::load() const {
   const auto text = file_->contents();
   ThrowIfSet(text.error);
-  return Parsed(text.value);
+  return Parsed(text.value, *file_);
 }
 
 HomeScreen HomeScreenFile::update(const std::function<void(HomeScreen& screen)>& change) {
   HomeScreen screen;
   ThrowIfSet(file_->update([&](const std::optional<std::string>& text) {
-    screen = Parsed(text);
+    screen = Parsed(text, *file_);
     change(screen);
     return screen.toJson();
   }));

@@ -372,7 +372,7 @@ TEST_F(HomeSiteTest, AFileThatIsDamagedMeanwhileIsSpokenOf) {
   EXPECT_THAT(home["error"].get<std::string>(), HasSubstr("home_error"));
   EXPECT_EQ(home["widgets"].size(), 4u) << "what is shown stays";
   EXPECT_THAT(Get("/edit"),
-              AllOf(HasSubstr("role=\"alert\">&lt;home_error"), HasSubstr("\"sun\"")));
+              AllOf(HasSubstr("role=\"alert\">home.json: &lt;home_error"), HasSubstr("\"sun\"")));
   Post("remove", R"({"id":"sun"})", 400);
   EXPECT_EQ(file->text, "{\"widgets\": <");
 }

@@ -14,6 +14,7 @@ namespace lumenquest::testing {
 /// A file that nobody else reads; a full disk when the test says so.
 class TextInMemory final : public platform::TextFile {
  public:
+  std::string name() const override { return "home.json"; }
   platform::Outcome<std::optional<std::string>> contents() const override { return text; }
   std::optional<platform::NSError> update(
       const std::function<std::string(const std::optional<std::string>&)>& change) override {

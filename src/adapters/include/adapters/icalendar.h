@@ -47,8 +47,8 @@ using ZoneOfFloatingTimes = std::function<platform::NSTimeZone(const CalendarEve
 platform::Outcome<Calendar> parseICalendar(const std::string& text,
                                            const ZoneOfFloatingTimes& zoneOfFloatingTimes);
 
-/// Whether a calendar can hold an instant: those of the years 1583 to 2999 everywhere on Earth,
-/// with a day before and after for who is ahead or behind. The format's calendar is not the one of
+/// Whether a calendar can hold an instant: those that are in the years 1583 to 2999 everywhere on
+/// Earth, so that they can be written in local time. The format's calendar is not the one of
 /// our instants before, which is Julian until 1582, and its library has nothing after.
 bool isCalendarDate(platform::NSDate date);
 

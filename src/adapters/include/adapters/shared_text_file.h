@@ -11,6 +11,8 @@ class SharedTextFile final : public platform::TextFile {
  public:
   explicit SharedTextFile(std::filesystem::path path) : path_(std::move(path)) {}
 
+  /// The path, the user's own folder being "~": others may read it on a page, too.
+  std::string name() const override;
   platform::Outcome<std::optional<std::string>> contents() const override;
   std::optional<platform::NSError> update(
       const std::function<std::string(const std::optional<std::string>& text)>& change) override;

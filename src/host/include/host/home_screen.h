@@ -30,6 +30,9 @@ class HomeScreenError : public std::runtime_error {
  public:
   explicit HomeScreenError(const platform::NSError& reason)
       : std::runtime_error(reason.localizedDescription()) {}
+  /// What is wrong with a file.
+  HomeScreenError(const std::string& file, const HomeScreenError& reason)
+      : std::runtime_error(file + ": " + reason.what()) {}
 };
 
 /// The widgets of a home screen, in their order. Each operation that would make it wrong throws

@@ -13,6 +13,9 @@ class TextFile {
  public:
   virtual ~TextFile() = default;
 
+  /// By which its user finds it, such as a path.
+  virtual std::string name() const = 0;
+
   /// The whole text; absent when there is no file.
   virtual Outcome<std::optional<std::string>> contents() const = 0;
 
