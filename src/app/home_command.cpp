@@ -422,7 +422,7 @@ void addHomeCommands(CommandSet& commands, std::ostream& out, const ServeHome& s
   const OptionSpec id{"ID", "", "help_widget_id", "expect_widget_id", &o.id, SuggestWidgets};
   const OptionSpec position{"POSITION", "", "help_position", "expect_position", &o.position};
   const auto family = [&o](SuggestionsAfter sizes) {
-    return OptionSpec{"--family",      "small|medium|large", "help_family",
+    return OptionSpec{"--family",      "small|medium|large", "help_home_family",
                       "expect_family", &o.widget.family,     {},
                       std::move(sizes)};
   };
@@ -430,7 +430,7 @@ void addHomeCommands(CommandSet& commands, std::ostream& out, const ServeHome& s
       placeOption(o.widget.place.place),
       latitudeOption(o.widget.place.latitude),
       longitudeOption(o.widget.place.longitude),
-      {"--my-location", "", "help_my_location", nullptr, &o.widget.myLocation},
+      {"--my-location", "", "help_home_my_location", nullptr, &o.widget.myLocation},
       {"--theme", "system|dark|light", "help_home_theme", "expect_theme", &o.widget.theme},
       localeOption(o.widget.locale)};
   const auto with = [](std::vector<OptionSpec> first, const std::vector<OptionSpec>& more) {
