@@ -304,6 +304,16 @@ void MigrateTables(SqliteConnection& connection, const NSManagedObjectModel& tar
 }
 
 /// `key`'s sentence names the file, its version and the model's.
+/// A store that is not there yet is empty; one behind what is no folder is not known to be.
+void ThrowIfUnreachable(const fs::path& url) {
+  fs::path folder = url.parent_path();
+  while (!folder.empty() && !fs::exists(folder) && folder != folder.root_path()) {
+    folder = folder.parent_path();
+  }
+  if (folder.empty() || fs::is_directory(folder)) return;
+  throw fs::filesystem_error("no store", url, std::make_error_code(std::errc::not_a_directory));
+}
+
 [[noreturn]] void ThrowVersion(const char* key, const fs::path& url, int stored,
                                const NSManagedObjectModel& model) {
   throw StoreFailure(kVersion, key,
@@ -574,6 +584,7 @@ Outcome<std::shared_ptr<ObjectStore>> SqliteObjectStores::open(
       } else if (role_ != Role::reader) {
         throw StoreFailure(kMissing, "store_error_missing", {url.string()});
       } else {
+        ThrowIfUnreachable(url);
         return std::make_shared<SqliteObjectStore>(url, model, readOnly, nullptr);
       }
     }

@@ -98,12 +98,12 @@ std::string List(const HomeCommandOptions& options) {
 }
 
 /// Counted from 1, as people do.
-std::optional<std::size_t> ParsePosition(const OptionText& text) {
+std::optional<std::size_t> ParsePosition(const char* option, const OptionText& text) {
   if (!text) return std::nullopt;
   const auto number = parseNumber(*text);
   if (!number || !(*number >= 1.0 && *number <= HomeScreen::kMostWidgets) ||
       *number != static_cast<double>(static_cast<std::size_t>(*number))) {
-    throwBadOption("POSITION", *text, "expect_position");
+    throwBadOption(option, *text, "expect_position");
   }
   return static_cast<std::size_t>(*number) - 1;
 }
@@ -119,7 +119,7 @@ std::string Add(const HomeCommandOptions& options) {
   installServices({locale});
   PlacedWidget widget = parseWidget(options.widget, locale);
   widget.id = options.id.value_or("");
-  const auto position = ParsePosition(options.position);
+  const auto position = ParsePosition("--position", options.position);
   std::string id;
   homeScreenFile().update([&](HomeScreen& screen) { id = screen.add(widget, position); });
   return id + "\n";
@@ -133,7 +133,7 @@ std::string Remove(const HomeCommandOptions& options) {
 
 std::string Move(const HomeCommandOptions& options) {
   const std::string id = GivenId(options);
-  const auto position = ParsePosition(options.position);
+  const auto position = ParsePosition("POSITION", options.position);
   if (!position) {
     throw UsageError(stringWithFormat(appText("error_missing_option"),
                                       {"POSITION", appText("expect_position")}));

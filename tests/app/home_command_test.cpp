@@ -93,19 +93,21 @@ TEST(HomeCommand, WhatIsWrongIsSaidAndNothingIsLost) {
   const Home home;
   HomeCall({"add", "sun", "--locale", "en"});
   const std::string before = testing::Contents(home.file());
-  testing::ExpectRefused({"home"}, {
-                                       {{"remove", "nix"}, {"give one of sun, moon"}, 1},
-                                       {{"move", "sun", "0"}, {"a whole number from 1"}},
-                                       {{"add", "sun", "--id", "moon"}, {"two widgets"}, 1},
-                                       {{"add", "plans", "--place", "Bled"}, {"no place"}},
-                                       {{"set", "sun"}, {"nothing to change"}},
-                                       {{"set", "milky-way", "--family", "large"}, {"small"}},
-                                       {{"serve", "--listen", "nowhere"}, {"127.0.0.1:"}},
-                                       {{"watch", "--format", "xml"}, {"waybar or jsonl"}},
-                                       {{"export", "/dev/null/x"}, {"/dev/null/x"}, 1},
-                                       {{"open", "https://example.org"}, {"lumenquest://sun"}},
-                                       {{"open", "lumenquest://sun"}, {"lumenquest home serve"}, 1},
-                                   });
+  testing::ExpectRefused({"home"},
+                         {
+                             {{"remove", "nix"}, {"give one of sun, moon"}, 1},
+                             {{"move", "sun", "0"}, {"POSITION", "a whole number from 1"}},
+                             {{"add", "sun", "--position", "99"}, {"--position"}},
+                             {{"add", "sun", "--id", "moon"}, {"two widgets"}, 1},
+                             {{"add", "plans", "--place", "Bled"}, {"no place"}},
+                             {{"set", "sun"}, {"nothing to change"}},
+                             {{"set", "milky-way", "--family", "large"}, {"small"}},
+                             {{"serve", "--listen", "nowhere"}, {"127.0.0.1:"}},
+                             {{"watch", "--format", "xml"}, {"waybar or jsonl"}},
+                             {{"export", "/dev/null/x"}, {"/dev/null/x"}, 1},
+                             {{"open", "https://example.org"}, {"lumenquest://sun"}},
+                             {{"open", "lumenquest://sun"}, {"lumenquest home serve"}, 1},
+                         });
   EXPECT_EQ(testing::Contents(home.file()), before);
 
   std::ofstream(home.file()) << "{";
