@@ -306,12 +306,10 @@ void MigrateTables(SqliteConnection& connection, const NSManagedObjectModel& tar
 /// `key`'s sentence names the file, its version and the model's.
 /// A store that is not there yet is empty; one behind what is no folder is not known to be.
 void ThrowIfUnreachable(const fs::path& url) {
-  fs::path folder = url.parent_path();
-  while (!folder.empty() && !fs::exists(folder) && folder != folder.root_path()) {
-    folder = folder.parent_path();
+  std::error_code error;
+  if (!fs::exists(fs::status(url, error)) && error == std::errc::not_a_directory) {
+    throw fs::filesystem_error("no store", url, error);
   }
-  if (folder.empty() || fs::is_directory(folder)) return;
-  throw fs::filesystem_error("no store", url, std::make_error_code(std::errc::not_a_directory));
 }
 
 [[noreturn]] void ThrowVersion(const char* key, const fs::path& url, int stored,

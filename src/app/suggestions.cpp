@@ -10,9 +10,8 @@
 #include "app/places_command.h"
 #include "app/runtime.h"
 #include "app/widget_request.h"
-#include "platform/database.h"
+#include "host/plan_pages.h"
 #include "platform/localized_strings.h"
-#include "platform/planning.h"
 #include "widgets/deep_links.h"
 #include "widgets/plans/plan_item.h"
 #include "widgets/widget_bundle.h"
@@ -89,13 +88,7 @@ std::vector<Suggestion> suggestLinks(const std::string&) {
   std::vector<Suggestion> suggestions{{widgets::kSunLink, common("appwidget_sun")},
                                       {widgets::kMoonLink, common("appwidget_moon")},
                                       {widgets::kPlansLink, common("appwidget_plans")}};
-  const auto context = platform::Database::sharedInstance().managedObjectContext();
-  if (!context || !context->persistentStoreCoordinator()->persistentStore()) return suggestions;
-  const auto plans = context->executeFetchRequest(
-      {platform::kEntityPlanning, std::nullopt, platform::kAttributeDate});
-  for (const auto& object : plans.value) {
-    const auto plan = std::dynamic_pointer_cast<platform::Planning>(object);
-    if (!plan) continue;
+  for (const auto& plan : host::savedPlans().plans) {
     const std::string id = widgets::percentEncodedForUrlHost(plan->objectID().URIRepresentation());
     suggestions.push_back({widgets::planLink(id), plan->name().value_or("")});
   }

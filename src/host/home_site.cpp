@@ -361,8 +361,11 @@ const ShownWidget* HomeSite::WidgetOfDay(const std::string& id, bool isSun) cons
 
 WebResponse HomeSite::Day(const WebRequest& request) {
   const bool isPicture = request.path == "/moon.svg";
-  // The picture of the page that was answered just now.
-  if (isPicture && moon_ && Parameter(request, "v") == TagOf(*moon_)) return SvgOf(moon_);
+  if (isPicture && moon_) {
+    // The picture of the page that was answered just now.
+    WebResponse drawn = SvgOf(moon_);
+    if (Parameter(request, "v") == drawn.etag) return drawn;
+  }
   const std::string id = Parameter(request, "widget");
   const bool isSun = request.path == "/sun";
   const ShownWidget* const shown = WidgetOfDay(id, isSun);

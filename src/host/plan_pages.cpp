@@ -24,30 +24,6 @@ using platform::NSDateFormatterStyle;
 using platform::NSTimeZone;
 using platform::Planning;
 
-struct FoundPlans {
-  std::vector<std::shared_ptr<Planning>> plans;
-  /// Why there are none, when the store cannot be read.
-  std::optional<std::string> error;
-};
-
-FoundPlans Fetch(std::optional<platform::NSPredicate> predicate) {
-  FoundPlans found;
-  const auto context = platform::Database::sharedInstance().managedObjectContext();
-  if (!context || !context->persistentStoreCoordinator()->persistentStore()) {
-    found.error = localizedString("persistent_store_unresolved_error_title", kTableCommon);
-    return found;
-  }
-  const auto fetched = context->executeFetchRequest(
-      {platform::kEntityPlanning, std::move(predicate), platform::kAttributeDate});
-  if (fetched.error) found.error = fetched.error->localizedDescription();
-  for (const auto& object : fetched.value) {
-    if (auto plan = std::dynamic_pointer_cast<Planning>(object)) {
-      found.plans.push_back(std::move(plan));
-    }
-  }
-  return found;
-}
-
 /// Absent where the plan's identifier names no zone; a plan without one is in the device's.
 std::optional<NSTimeZone> ZoneOf(const Planning& plan) {
   const std::string name = plan.timezone().value_or("");
@@ -76,8 +52,26 @@ std::optional<std::string> CoordinateOf(const Planning& plan) {
 
 }  // namespace
 
+FoundPlans savedPlans(std::optional<platform::NSPredicate> predicate) {
+  FoundPlans found;
+  const auto context = platform::Database::sharedInstance().managedObjectContext();
+  if (!context || !context->persistentStoreCoordinator()->persistentStore()) {
+    found.error = localizedString("persistent_store_unresolved_error_title", kTableCommon);
+    return found;
+  }
+  const auto fetched = context->executeFetchRequest(
+      {platform::kEntityPlanning, std::move(predicate), platform::kAttributeDate});
+  if (fetched.error) found.error = fetched.error->localizedDescription();
+  for (const auto& object : fetched.value) {
+    if (auto plan = std::dynamic_pointer_cast<Planning>(object)) {
+      found.plans.push_back(std::move(plan));
+    }
+  }
+  return found;
+}
+
 std::string plansPageContent() {
-  const FoundPlans found = Fetch(platform::NSPredicate::greaterThanOrEqual(
+  const FoundPlans found = savedPlans(platform::NSPredicate::greaterThanOrEqual(
       platform::kAttributeDate, NSDate::dateWithStartDateTime(NSDate::date())));
   std::string html = pageHeading(localizedString("appwidget_plans", kTableCommon));
   if (found.error) return html + "<p class=\"card\">" + htmlEscaped(*found.error) + "</p>\n";
@@ -102,7 +96,7 @@ std::string plansPageContent() {
 }
 
 std::optional<PlanPage> planPage(const std::string& objectId) {
-  const FoundPlans found = Fetch(std::nullopt);
+  const FoundPlans found = savedPlans();
   for (const auto& plan : found.plans) {
     if (plan->objectID().URIRepresentation() != objectId) continue;
     std::string html = "<header class=\"heading\">\n<a class=\"back\" href=\"/plans\">" +

@@ -8,29 +8,29 @@
 
 namespace lumenquest::widgets::view {
 
-platform::CGSize sizeOf(WidgetFamily family) {
+namespace {
+
+struct Sizes {
+  platform::CGSize usual;
+  platform::CGSize least;
+};
+
+Sizes SizesOf(WidgetFamily family) {
   switch (family) {
     case WidgetFamily::systemSmall:
-      return {170.0, 170.0};
+      return {{170.0, 170.0}, {141.0, 141.0}};
     case WidgetFamily::systemMedium:
-      return {364.0, 170.0};
+      return {{364.0, 170.0}, {292.0, 141.0}};
     case WidgetFamily::systemLarge:
       break;
   }
-  return {364.0, 382.0};
+  return {{364.0, 382.0}, {292.0, 311.0}};
 }
 
-platform::CGSize leastSizeOf(WidgetFamily family) {
-  switch (family) {
-    case WidgetFamily::systemSmall:
-      return {141.0, 141.0};
-    case WidgetFamily::systemMedium:
-      return {292.0, 141.0};
-    case WidgetFamily::systemLarge:
-      break;
-  }
-  return {292.0, 311.0};
-}
+}  // namespace
+
+platform::CGSize sizeOf(WidgetFamily family) { return SizesOf(family).usual; }
+platform::CGSize leastSizeOf(WidgetFamily family) { return SizesOf(family).least; }
 
 Element::Element(Node node) : node_(std::make_shared<const Node>(std::move(node))) {}
 

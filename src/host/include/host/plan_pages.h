@@ -1,9 +1,22 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "platform/database.h"
+#include "platform/planning.h"
 
 namespace lumenquest::host {
+
+struct FoundPlans {
+  std::vector<std::shared_ptr<platform::Planning>> plans;
+  /// Why there are none, when the store cannot be read.
+  std::optional<std::string> error;
+};
+/// The plans that the predicate takes, or all of them, in order of date.
+FoundPlans savedPlans(std::optional<platform::NSPredicate> predicate = std::nullopt);
 
 // The pages of the saved plans. HTML.
 

@@ -25,9 +25,9 @@ struct WebPage {
   int refreshSeconds = 0;
 };
 
-/// A whole document.
 /// The first lines of each page's head, which goes on.
 std::string documentBeginning(const std::string& title, const WebLanguage& language);
+/// A whole document.
 std::string documentOf(const WebPage& page, const WebLanguage& language);
 
 /// A text of the table App, as HTML.
